@@ -1,0 +1,16 @@
+// The calibrator inside the station: remembers its last output and answers in the form of a real one.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ombrix {
+
+extern std::string SimCalOut;   ///< the last OUT line
+extern std::string SimCalOper;  ///< "1" operate, "0" standby
+
+void InitCalibratorSimulator();
+/// Answers into CalReply.
+void SimulateCalibratorCommand(std::string_view text);
+
+}  // namespace ombrix

@@ -1,0 +1,34 @@
+// Who the meter is: kind, revision, board. Read from words 109, 21 and 16, and written there.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ombrix {
+
+extern int MeterKind;             ///< 1 DPM, 2 WtMtr, 3 CTR, -1 unknown
+extern bool XmtrFlag;             ///< the meter is a transmitter
+extern int MeterRevNumber;        ///< high byte of word 109, -1 unknown
+extern std::string MeterRevText;  ///< letter and digit made of it: 50 is "X2"
+extern int MeterSCType;           ///< board found in the meter, -1 unknown
+extern std::string BoardCode;     ///< low byte of word 21, two hex digits
+extern std::string MeterName;     ///< "DPM", "WtMtr", "CTR", with " Xmtr"; "???" unknown
+
+void ReadMeterType();
+/// Takes word 109 apart; a text that isn't 4 characters leaves kind and revision unknown.
+void DecodeMeterType(std::string_view word);
+void BuildMeterName();
+void ReadMeterIdentity();
+void WriteMeterIdentity(int kind, bool xmtr, int board, const std::string &code);
+
+/// Low byte of word 16, "00" when it can't be read. The meter restarts.
+std::string ReadBoardCodeByte();
+void WriteBoardCodeByte(std::string_view twoDigits);
+/// The board byte that belongs to a board, "" when none does.
+std::string BoardCodeByteFor(int board);
+/// Replaces the low byte of a word; nothing when it can't be read or `twoDigits` isn't two characters.
+void SetWordLowByte(int word, std::string_view twoDigits);
+/// TC: board code and board byte in one block of six words at 21; nothing when the words between can't be read.
+void WriteBoardConfigWords(std::string_view boardByte);
+
+}  // namespace ombrix

@@ -1,0 +1,57 @@
+// What the station does with a meter: open the link, read the display, read and write its memories, put it on a range.
+//
+// Words are 16 bits, told as four hexadecimal digits; a run of words is one text, addressed by its highest word and
+// running downward. A read or write that ends with Z lets the meter go on; without Z it restarts, and the operation
+// waits for that. Chain writes with Z and leave Z off the last one.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace ombrix {
+
+/// The failure word of OpenMeterLink.
+extern std::string MeterError;
+/// The last value given to the display setup words.
+extern int LastDisplaySetup;
+
+/// Opens the route and looks for a meter. 0 found; 99 "Meter not found" in MeterError; otherwise the number of a
+/// run-time fault, with its words in MeterError. Clears Abort.
+int OpenMeterLink();
+
+/// count words from `address` downward, 4 digits each; "" on silence or a wrong length. Without Z the meter restarts.
+std::string ReadNvmWords(int address, int count, std::string_view suffix);
+/// Writes the words of `hex` from `address` downward. A text that is no positive multiple of 4 digits is not sent.
+void WriteNvmWords(int address, std::string_view hex, std::string_view suffix);
+/// count bytes of working memory, 2 digits each; "" on silence. A wrong length is read again, 20 times at most.
+std::string ReadRamBytes(int address, int count);
+void WriteRamBytes(int address, std::string_view hex);
+
+/// One try to read the display, trimmed; "" on silence.
+std::string ReadDisplayRaw();
+/// Repeats until the text holds a "."; "" after Abort.
+std::string ReadDisplay();
+/// ReadDisplay without its ".".
+std::string ReadDisplayDigits();
+
+/// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
+void WaitMeterRestart();
+
+void WriteFilterCode(std::string_view filterCode);
+/// Five flags and digits to the two hex digits of word 17's low byte: "00116" is "36". "38" for another length.
+std::string EncodeFilterCode(std::string_view filterCode);
+/// Words 5, 4, 3 with the value in word 3's end.
+void WriteDisplaySetupWords(int value);
+/// The same, and nothing on a CTR, where these words are the customer's.
+void WriteDisplaySetupForward(int value);
+/// Puts the meter on a range, with one restart at the end: filter code (5 characters), range code (2 hex digits),
+/// value of the display setup words. Nothing when the filter code or the meter's answer has the wrong length.
+void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
+void LoadFactoryMeterSetup();
+
+void MeterCommandA1();  ///< first command after opening the link; 200 ms
+void MeterCommandC0();  ///< 500 ms
+void MeterCommandCZ();  ///< 1000 ms
+void MeterCommandV6();  ///< starts the first cycle stream; no wait
+
+}  // namespace ombrix

@@ -1,0 +1,27 @@
+// The meter inside the station: 256 words of memory and a display that scatters about what the procedure expects.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+namespace ombrix {
+
+extern std::array<std::uint16_t, 256> SimNvm;
+extern float SimNominal;     ///< what the simulated input reads, in display counts
+extern float SimNoise;       ///< half width of its scatter
+extern float SimReading;     ///< the last reading
+extern bool SimOneDecimal;   ///< readings carry one decimal
+
+/// SimNominal by its other name.
+inline float &SimTarget = SimNominal;
+
+/// Random seed, identity unknown, the start words.
+void InitMeterSimulator();
+/// Answers into MeterReply. Commands that have no reply leave it as it was. Throws RuntimeFault 9, "Subscript out of
+/// range", for a word outside 0..255 while the link opens; else such a word reads "0000" and a write is dropped.
+void SimulateMeterCommand(std::string_view payload);
+/// A simulated meter without a board code.
+void ClearSimWord21();
+
+}  // namespace ombrix

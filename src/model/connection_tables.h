@@ -1,0 +1,37 @@
+// Which jumpers a range needs and what the input connector carries.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace ombrix {
+
+/// Index of fraJumperBlock for a board: AC2 shares AC's.
+int JumperBlockOfBoard(int board);
+
+/// Caption of the range at a row of the board's list: "200 mV DC", "VF 4-20 mA", "J,K,E,N"; "" outside.
+std::string RangeCaption(int board, int row);
+
+/// The letters to set for each label of the board's block, "" where a label shows nothing: DC three ("A", "f", "b"),
+/// AC and AC2 two, AC3 two, LC one, Temp three, TC one, RTD one, VF one. Analog: one, row 0 UniPolar, 1 BiPolar.
+std::vector<std::string> JumperLetters(int board, int row);
+
+/// Thermocouple input names and applied values, index 0..9 and 0..5; "" outside.
+std::string ThermocoupleName(int index);
+std::string ThermocoupleValue(int index);
+
+/// Drawing of the input connector for a row: 0, 1 none; 2..10. Looks at SCType, CalibTab and CurrentStepId.
+int DiagramKind(int row);
+
+/// Label of place 0..5 of a connector drawing, "" for a hidden place.
+std::string PinLabel(int kind, int place);
+
+/// The cable an AC3 row needs: "2" or "4" pins and "Voltage" or "Current"; empty outside its rows.
+struct Cable {
+    std::string pins;
+    std::string signal;
+    bool operator==(const Cable &) const = default;
+};
+Cable Ac3Cable(int row);
+
+}  // namespace ombrix

@@ -1,0 +1,30 @@
+// Ombrix.ini in memory: sections of keys, in file order, loaded once and written back whole.
+#pragma once
+
+#include <string>
+
+namespace ombrix {
+
+constexpr int kIniSections = 16;
+constexpr int kIniKeys = 512;
+
+extern bool IniDirty;  ///< a value changed since the last save
+extern bool IniReady;  ///< saves go to the file
+
+/// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read also
+/// makes the store unusable, so that it is never overwritten.
+void LoadIni(const std::string &path = "Ombrix.ini");
+/// Writes only when something changed and the store is usable. On a write error it stays dirty and says so.
+void SaveIni();
+
+std::string IniGet(const std::string &section, const std::string &key);
+/// True when the value changed.
+bool IniSet(const std::string &section, const std::string &key, const std::string &value);
+void IniRemove(const std::string &section, const std::string &key);
+int IniKeyCount(const std::string &section);
+std::string IniKeyAt(const std::string &section, int index);
+void IniClearSection(const std::string &section);
+int FindIniSection(const std::string &section);
+int FindIniKey(const std::string &section, const std::string &key);
+
+}  // namespace ombrix

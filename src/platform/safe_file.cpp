@@ -1,0 +1,37 @@
+#include "platform/safe_file.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+
+namespace ombrix {
+
+FileState StateOfFile(const std::string &path)
+{
+    const QFileInfo info(QString::fromStdString(path));
+    if (!info.exists())
+        return FileState::Missing;
+    return ReadFile(path) ? FileState::Readable : FileState::Unreadable;
+}
+
+std::optional<std::string> ReadFile(const std::string &path)
+{
+    QFile file(QString::fromStdString(path));
+    if (QFileInfo(file).isDir() || !file.open(QIODevice::ReadOnly))
+        return std::nullopt;
+    const QByteArray bytes = file.readAll();
+    if (file.error() != QFileDevice::NoError)
+        return std::nullopt;
+    return bytes.toStdString();
+}
+
+std::string WriteFile(const std::string &path, const std::string &bytes)
+{
+    QSaveFile file(QString::fromStdString(path));
+    const auto size = static_cast<qint64>(bytes.size());
+    if (file.open(QIODevice::WriteOnly) && file.write(bytes.data(), size) == size && file.commit())
+        return "";
+    return file.errorString().toStdString();
+}
+
+}  // namespace ombrix

@@ -1,0 +1,21 @@
+// Files that are either the complete old one or the complete new one, whatever happens.
+#pragma once
+
+#include <optional>
+#include <string>
+
+namespace ombrix {
+
+enum class FileState { Missing, Readable, Unreadable };
+
+/// Whether a file is there and can be read. A directory counts as unreadable.
+FileState StateOfFile(const std::string &path);
+
+/// The file's bytes; nothing when it is missing or can't be read.
+std::optional<std::string> ReadFile(const std::string &path);
+
+/// Writes through a temporary file in the same folder and a rename. "" on success, otherwise the system's words, and
+/// the old file is as it was.
+std::string WriteFile(const std::string &path, const std::string &bytes);
+
+}  // namespace ombrix

@@ -1,0 +1,105 @@
+#include "session/procedure.h"
+
+#include "platform/clock.h"
+#include "session/delays.h"
+#include "session/state.h"
+
+#include <optional>
+#include <utility>
+
+namespace ombrix {
+
+bool StopArmed = false;
+bool StopRequested = false;
+
+namespace {
+
+constexpr int kStopMs = 1000;  // what a live loop gets to end
+
+bool running = false;
+std::function<void()> waiting;      // the action that follows the running procedure
+std::optional<Deadline> notBefore;  // end of the stopped loop's 1000 ms
+
+void RunOne(const std::function<void()> &body)
+{
+    const ScopedFlag scope(running);
+    body();
+}
+
+void WaitOutStop()
+{
+    while (notBefore && !notBefore->Passed())
+        PumpEvents(notBefore->LeftMs());
+    notBefore.reset();
+}
+
+}  // namespace
+
+void ArmStop()
+{
+    StopRequested = false;
+    StopArmed = true;
+}
+
+void DisarmStop()
+{
+    StopArmed = false;
+}
+
+void ClearStop()
+{
+    StopArmed = StopRequested = false;
+}
+
+void RequestStop()
+{
+    if (!StopArmed || StopRequested)
+        return;
+    StopRequested = true;
+    DelayMs(kStopMs);
+}
+
+bool ProcedureRunning()
+{
+    return running;
+}
+
+bool RunProcedure(const std::function<void()> &body)
+{
+    if (running || Quitting)
+        return false;
+    waiting = nullptr;
+    notBefore.reset();
+    RunOne(body);
+    while (waiting && !Quitting)
+        RunOne([action = std::exchange(waiting, nullptr)] {
+            WaitOutStop();
+            ClearStop();
+            Abort = false;
+            action();
+        });
+    return true;
+}
+
+void RunAfterStop(std::function<void()> action)
+{
+    if (Quitting)
+        return;
+    if (!running) {
+        RunProcedure([&action] {
+            ClearStop();
+            Abort = false;
+            action();
+        });
+        return;
+    }
+    waiting = std::move(action);
+    Abort = true;
+    if (StopArmed && !StopRequested) {
+        StopRequested = true;
+        if (RealTimeDelays)
+            notBefore.emplace(kStopMs);
+    }
+}
+
+}  // namespace ombrix
