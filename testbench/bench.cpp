@@ -1,6 +1,7 @@
 #include "testbench/bench.h"
 
-namespace ombrix::bench {
+namespace ombrix::bench
+{
 
 struct Bench::Parts {
 };
@@ -9,4 +10,4 @@ Bench::Bench(const BenchSetup &) : m_parts(std::make_unique<Parts>()) {}
 
 Bench::~Bench() = default;
 
-}  // namespace ombrix::bench
+} // namespace ombrix::bench

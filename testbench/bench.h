@@ -11,7 +11,8 @@
 #include <string_view>
 #include <vector>
 
-namespace ombrix::bench {
+namespace ombrix::bench
+{
 
 using Micros = std::int64_t;
 
@@ -19,13 +20,13 @@ using Micros = std::int64_t;
 enum class Line { Calibrator, Meter };
 
 struct BenchSetup {
-    int board = 0;        ///< SCType of the meter's board
-    int kind = 1;         ///< 1 DPM, 2 WtMtr, 3 CTR
+    int board = 0; ///< SCType of the meter's board
+    int kind = 1;  ///< 1 DPM, 2 WtMtr, 3 CTR
     bool xmtr = false;
-    unsigned seed = 1;    ///< draws the unit's hidden errors and its noise
-    bool uut = false;     ///< the meter hangs on the calibrator's UUT port
-    bool outputSwitch = true;  ///< a second meter at address 2 answers
-    int operateDelayMs = 200;  ///< from OUT ... OPER to the state in force
+    unsigned seed = 1;        ///< draws the unit's hidden errors and its noise
+    bool uut = false;         ///< the meter hangs on the calibrator's UUT port
+    bool outputSwitch = true; ///< a second meter at address 2 answers
+    int operateDelayMs = 200; ///< from OUT ... OPER to the state in force
 };
 
 class Bench
@@ -48,4 +49,4 @@ private:
     std::unique_ptr<Parts> m_parts;
 };
 
-}  // namespace ombrix::bench
+} // namespace ombrix::bench

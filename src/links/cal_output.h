@@ -5,10 +5,11 @@
 
 #include <string>
 
-namespace ombrix {
+namespace ombrix
+{
 
 struct CalOutput {
-    std::string text;  ///< scaled value and unit, "200.0 mV"
+    std::string text; ///< scaled value and unit, "200.0 mV"
     Danger level;
 };
 
@@ -25,4 +26,4 @@ void SetDangerFlag(Danger level);
 /// The level that a requested value text ("660 V, 300 Hz") would have.
 Danger DangerOfValue(const std::string &value);
 
-}  // namespace ombrix
+} // namespace ombrix

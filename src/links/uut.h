@@ -7,7 +7,8 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix {
+namespace ombrix
+{
 
 void UutSetup(std::string_view baud);
 void UutFlush();
@@ -17,11 +18,11 @@ std::string UutReceive();
 
 /// What a buffer holds so far.
 struct UutBlock {
-    bool done = false;       ///< a whole block with its CR LF
-    std::size_t start = 0;   ///< place of the data
-    std::size_t length = 0;  ///< its length as far as known
+    bool done = false;      ///< a whole block with its CR LF
+    std::size_t start = 0;  ///< place of the data
+    std::size_t length = 0; ///< its length as far as known
 };
 /// Pure. `buffer` begins with "#" or is shorter than a head; the caller has cut what stands before.
 UutBlock ParseUutBlock(std::string_view buffer);
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -4,7 +4,8 @@
 
 #include <string>
 
-namespace ombrix {
+namespace ombrix
+{
 
 extern bool SlopesDirty;
 extern bool NominalDirty;
@@ -30,4 +31,4 @@ std::string DefaultNominalWordOf(int board, int word);
 /// The constant 12-digit texts of the VF ranges, index 0..2.
 std::string FirstCyclePattern(int index);
 
-}  // namespace ombrix
+} // namespace ombrix

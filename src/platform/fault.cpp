@@ -2,7 +2,8 @@
 
 #include "platform/clock.h"
 
-namespace ombrix {
+namespace ombrix
+{
 
 std::function<void(const std::string &)> FaultOutlet = [](const std::string &) {};
 
@@ -14,11 +15,11 @@ void RunHandler(const std::function<void()> &body)
         try {
             body();
         } catch (const std::exception &fault) {
-            FaultOutlet(fault.what());  // may pump, so Shutdown can come from here too
+            FaultOutlet(fault.what()); // may pump, so Shutdown can come from here too
         }
     } catch (const Shutdown &) {
         // On its way down: the pump below throws again.
     }
 }
 
-}  // namespace ombrix
+} // namespace ombrix

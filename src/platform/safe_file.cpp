@@ -4,7 +4,8 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-namespace ombrix {
+namespace ombrix
+{
 
 FileState StateOfFile(const std::string &path)
 {
@@ -34,4 +35,4 @@ std::string WriteFile(const std::string &path, const std::string &bytes)
     return file.errorString().toStdString();
 }
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -4,7 +4,8 @@
 #include <optional>
 #include <string>
 
-namespace ombrix {
+namespace ombrix
+{
 
 enum class FileState { Missing, Readable, Unreadable };
 
@@ -18,4 +19,4 @@ std::optional<std::string> ReadFile(const std::string &path);
 /// the old file is as it was.
 std::string WriteFile(const std::string &path, const std::string &bytes);
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -11,7 +11,8 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix {
+namespace ombrix
+{
 
 class SerialDevice
 {
@@ -49,4 +50,4 @@ private:
     std::unique_ptr<SerialDevice> m_device;
 };
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -5,8 +5,10 @@
 #include <cmath>
 #include <limits>
 
-namespace ombrix {
-namespace {
+namespace ombrix
+{
+namespace
+{
 
 bool IsBlank(char c)
 {
@@ -75,8 +77,8 @@ struct Digits {
 Digits SignificantDigits(double value, int significant)
 {
     char buffer[64];
-    const auto end = std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific,
-                                   significant - 1);
+    const auto end =
+        std::to_chars(buffer, buffer + sizeof buffer, std::fabs(value), std::chars_format::scientific, significant - 1);
     const std::string_view all(buffer, static_cast<std::size_t>(end.ptr - buffer));
     const std::size_t e = all.find('e');
     int exponent = 0;
@@ -124,7 +126,8 @@ std::string FormatDigits(double value, int decimals, int significant)
     std::string whole;
     std::string fraction;
     for (int place = 0; place < digits.point; ++place)
-        whole += static_cast<std::size_t>(place) < digits.text.size() ? digits.text[static_cast<std::size_t>(place)] : '0';
+        whole +=
+            static_cast<std::size_t>(place) < digits.text.size() ? digits.text[static_cast<std::size_t>(place)] : '0';
     for (int place = digits.point; place < digits.point + decimals; ++place) {
         const bool known = place >= 0 && static_cast<std::size_t>(place) < digits.text.size();
         fraction += known ? digits.text[static_cast<std::size_t>(place)] : '0';
@@ -136,7 +139,7 @@ std::string FormatDigits(double value, int decimals, int significant)
     return value < 0 && !zero ? "-" + text : text;
 }
 
-}  // namespace
+} // namespace
 
 double Val(std::string_view text)
 {
@@ -251,4 +254,4 @@ std::vector<std::string> Split(std::string_view text, char separator)
     }
 }
 
-}  // namespace ombrix
+} // namespace ombrix

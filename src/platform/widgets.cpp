@@ -12,8 +12,10 @@
 
 #include <utility>
 
-namespace ombrix {
-namespace {
+namespace ombrix
+{
+namespace
+{
 
 // Joins a click to its handler. Only the operator's clicks arrive: code that sets a button calls no handler.
 template <class Widget> Widget *Clickable(Widget *widget, const QString &name, Handler click)
@@ -31,7 +33,7 @@ QColor TextOn(const QColor &fill)
     return brightness > 127 ? Qt::black : Qt::white;
 }
 
-}  // namespace
+} // namespace
 
 QString Caption(const std::string &text)
 {
@@ -46,7 +48,7 @@ QString Indexed(const char *name, int index)
 QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click)
 {
     auto *button = Clickable(new QPushButton(Caption(caption), parent), name, std::move(click));
-    button->setAutoDefault(true);  // Enter works the focused button, as Space does
+    button->setAutoDefault(true); // Enter works the focused button, as Space does
     return button;
 }
 
@@ -133,4 +135,4 @@ QColor Yellow()
     return QColor(255, 255, 0);
 }
 
-}  // namespace ombrix
+} // namespace ombrix

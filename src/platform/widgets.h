@@ -17,7 +17,8 @@ class QPushButton;
 class QRadioButton;
 class QWidget;
 
-namespace ombrix {
+namespace ombrix
+{
 
 using Handler = std::function<void()>;
 
@@ -49,4 +50,4 @@ QColor Red();
 QColor Green();
 QColor Yellow();
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -3,7 +3,8 @@
 #include "platform/clock.h"
 #include "session/state.h"
 
-namespace ombrix {
+namespace ombrix
+{
 
 void DelayMs(int ms)
 {
@@ -21,4 +22,4 @@ void DelayAlways(int ms)
     while (!end.Passed());
 }
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -1,7 +1,8 @@
 // Waits of a told length.
 #pragma once
 
-namespace ombrix {
+namespace ombrix
+{
 
 /// Waits with events pumped; with RealTimeDelays off it pumps once and returns. Does not end on Abort.
 void DelayMs(int ms);
@@ -9,4 +10,4 @@ void DelayMs(int ms);
 /// Always waits. Does not end on Abort.
 void DelayAlways(int ms);
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -1,14 +1,16 @@
 #include "session/outlets.h"
 
-namespace ombrix {
+namespace ombrix
+{
 
 Outlets outlets;
 
-namespace {
+namespace
+{
 
 const char *waitText = "";
 
-}  // namespace
+} // namespace
 
 WaitNote::WaitNote(const char *text) : m_before(waitText)
 {
@@ -22,4 +24,4 @@ WaitNote::~WaitNote()
     outlets.showWait(waitText);
 }
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -5,7 +5,8 @@
 #include <functional>
 #include <string>
 
-namespace ombrix {
+namespace ombrix
+{
 
 /// Danger levels of the output panel.
 enum class Danger { Safe = 0, Warning = 1, Danger = 2 };
@@ -45,4 +46,4 @@ private:
     const char *m_before;
 };
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -3,13 +3,15 @@
 #include <map>
 #include <utility>
 
-namespace ombrix {
-namespace {
+namespace ombrix
+{
+namespace
+{
 
 std::map<int, StepEntry> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
 
-}  // namespace
+} // namespace
 
 void RegisterSteps(std::initializer_list<int> stepIds, StepEntry entry)
 {
@@ -34,4 +36,4 @@ std::function<void(QFrame *page)> BuilderOfPage(int index)
     return found == pageBuilders.end() ? std::function<void(QFrame *)>() : found->second;
 }
 
-}  // namespace ombrix
+} // namespace ombrix

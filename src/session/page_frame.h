@@ -10,9 +10,10 @@
 
 class QFrame;
 
-namespace ombrix {
+namespace ombrix
+{
 
-constexpr int kPages = 19;  ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is the range page
+constexpr int kPages = 19; ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is the range page
 
 // ---- defined by the shell ----
 
@@ -48,4 +49,4 @@ StepEntry EntryOfStep(int stepId);
 void RegisterPage(int index, std::function<void(QFrame *page)> build);
 std::function<void(QFrame *page)> BuilderOfPage(int index);
 
-}  // namespace ombrix
+} // namespace ombrix

@@ -1,6 +1,7 @@
 #include "session/state.h"
 
-namespace ombrix {
+namespace ombrix
+{
 
 bool HardwareMode = true;
 bool RealTimeDelays = true;
@@ -67,4 +68,4 @@ void InitSessionState()
     RestConfigImage.clear();
 }
 
-}  // namespace ombrix
+} // namespace ombrix

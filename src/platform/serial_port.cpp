@@ -1,0 +1,166 @@
+#include "platform/serial_port.h"
+
+#include "platform/fault.h"
+
+#include <QFileInfo>
+#include <QObject>
+#include <QSerialPort>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <utility>
+#include <vector>
+
+namespace ombrix
+{
+namespace
+{
+
+// Devices that this process holds, by their real path: two names of one device must not be opened both.
+std::vector<QString> heldDevices;
+
+QString RealPath(const std::string &device)
+{
+    const QFileInfo info(QString::fromStdString(device));
+    const QString real = info.canonicalFilePath();
+    return real.isEmpty() ? info.absoluteFilePath() : real;
+}
+
+[[noreturn]] void Refuse(int number)
+{
+    throw RuntimeFault(number, std::strerror(number));
+}
+
+// The system's number for a refused open. QSerialPort calls a held lock and missing rights by one name.
+int NumberOf(QSerialPort::SerialPortError error, const std::string &device)
+{
+    const QFileInfo info(QString::fromStdString(device));
+    if (error == QSerialPort::DeviceNotFoundError || !info.exists())
+        return ENOENT;
+    if (error == QSerialPort::PermissionError)
+        return info.isReadable() && info.isWritable() ? EBUSY : EACCES;
+    if (error == QSerialPort::OpenError)
+        return EBUSY;
+    return info.isDir() || info.isFile() ? ENOTTY : EIO;
+}
+
+class SystemPort : public SerialDevice
+{
+public:
+    ~SystemPort() override { std::erase(heldDevices, m_path); }
+
+    void Open(const std::string &device) override
+    {
+        const QString path = RealPath(device);
+        if (std::find(heldDevices.begin(), heldDevices.end(), path) != heldDevices.end())
+            Refuse(EBUSY);
+        m_port.setPortName(QString::fromStdString(device));
+        if (device.empty() || !m_port.open(QIODevice::ReadWrite))
+            Refuse(device.empty() ? ENOENT : NumberOf(m_port.error(), device));
+        if (!m_port.setBaudRate(QSerialPort::Baud9600) || !m_port.setDataBits(QSerialPort::Data8) ||
+            !m_port.setParity(QSerialPort::NoParity) || !m_port.setStopBits(QSerialPort::OneStop) ||
+            !m_port.setFlowControl(QSerialPort::NoFlowControl)) {
+            m_port.close();
+            Refuse(ENOTTY);
+        }
+        m_port.clear(); // what the line said to nobody is no reply
+        m_path = path;
+        heldDevices.push_back(path);
+        QObject::connect(&m_port, &QSerialPort::errorOccurred, &m_port, [this](QSerialPort::SerialPortError error) {
+            // A line that can't set RTS says Unsupported and lives on. Any other error means that the far end is gone:
+            // an open port would report it without end.
+            if (error != QSerialPort::NoError && error != QSerialPort::UnsupportedOperationError && m_port.isOpen())
+                m_port.close();
+        });
+    }
+
+    std::size_t BytesWaiting() override
+    {
+        return m_port.isOpen() ? static_cast<std::size_t>(m_port.bytesAvailable()) : 0;
+    }
+
+    std::string ReadAll() override { return m_port.isOpen() ? m_port.readAll().toStdString() : std::string(); }
+
+    void Write(std::string_view bytes) override
+    {
+        if (!m_port.isOpen())
+            return;
+        m_port.write(bytes.data(), static_cast<qint64>(bytes.size()));
+        if (m_port.isOpen())
+            m_port.flush(); // leaves now, not at the next pump
+    }
+
+    void SetRts(bool on) override
+    {
+        if (m_port.isOpen())
+            m_port.setRequestToSend(on);
+    }
+
+    void SetDtr(bool on) override
+    {
+        if (m_port.isOpen())
+            m_port.setDataTerminalReady(on);
+    }
+
+private:
+    QString m_path;
+    QSerialPort m_port;
+};
+
+SerialDeviceMaker SystemPortMaker()
+{
+    return [] { return std::make_unique<SystemPort>(); };
+}
+
+SerialDeviceMaker makeDevice = SystemPortMaker();
+
+} // namespace
+
+void UseSerialDevices(SerialDeviceMaker maker)
+{
+    makeDevice = maker ? std::move(maker) : SystemPortMaker();
+}
+
+void SerialPort::Open(const std::string &device)
+{
+    Close();
+    auto opened = makeDevice();
+    opened->Open(device);
+    m_device = std::move(opened);
+}
+
+void SerialPort::Close()
+{
+    m_device.reset();
+}
+
+std::size_t SerialPort::BytesWaiting() const
+{
+    return m_device ? m_device->BytesWaiting() : 0;
+}
+
+std::string SerialPort::ReadAll()
+{
+    return m_device ? m_device->ReadAll() : std::string();
+}
+
+void SerialPort::Write(std::string_view bytes)
+{
+    if (m_device)
+        m_device->Write(bytes);
+}
+
+void SerialPort::SetRts(bool on)
+{
+    if (m_device)
+        m_device->SetRts(on);
+}
+
+void SerialPort::SetDtr(bool on)
+{
+    if (m_device)
+        m_device->SetDtr(on);
+}
+
+} // namespace ombrix

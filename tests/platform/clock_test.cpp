@@ -1,0 +1,186 @@
+#include "platform/clock.h"
+
+#include "platform/fault.h"
+#include "support/virtual_clock.h"
+
+#include <gtest/gtest.h>
+
+#include <QTimer>
+
+#include <ctime>
+#include <stdexcept>
+
+using namespace ombrix;
+using ombrix::test::VirtualClock;
+
+namespace
+{
+
+// Waits on the real clock and tells how long it took, in microseconds.
+std::int64_t WaitReal(int ms)
+{
+    const std::int64_t start = NowMicros();
+    const Deadline end(ms);
+    while (!end.Passed())
+        PumpEvents(end.LeftMs());
+    return NowMicros() - start;
+}
+
+double CpuSeconds()
+{
+    timespec spent{};
+    clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &spent);
+    return static_cast<double>(spent.tv_sec) + static_cast<double>(spent.tv_nsec) / 1e9;
+}
+
+} // namespace
+
+TEST(RealClock, AWaitIsNeverShorterThanToldAndAtMostTwoMillisecondsLonger)
+{
+    int late = 0;
+    for (int ms : {1, 8, 50, 300}) {
+        const std::int64_t took = WaitReal(ms);
+        EXPECT_GE(took, ms * 1000);
+        late += took > ms * 1000 + 2000 ? 1 : 0;
+    }
+    EXPECT_LE(late, 1) << "the machine may be busy once";
+}
+
+TEST(RealClock, WaitsInsideWaitsKeepTheirLengths)
+{
+    std::int64_t inner = 0;
+    std::int64_t innermost = 0;
+    QTimer::singleShot(10, Qt::PreciseTimer, [&] {
+        QTimer::singleShot(10, Qt::PreciseTimer, [&] { innermost = WaitReal(20); });
+        inner = WaitReal(60);
+    });
+    const std::int64_t outer = WaitReal(120);
+    EXPECT_GE(innermost, 20'000);
+    EXPECT_LE(innermost, 24'000);
+    EXPECT_GE(inner, 60'000);
+    EXPECT_LE(inner, 64'000);
+    EXPECT_GE(outer, 120'000);
+    EXPECT_LE(outer, 124'000);
+}
+
+TEST(RealClock, AnOuterWaitThatIsOverEndsWithTheInnerOne)
+{
+    QTimer::singleShot(10, Qt::PreciseTimer, [] { WaitReal(80); });
+    const std::int64_t outer = WaitReal(20);
+    EXPECT_GE(outer, 90'000);
+    EXPECT_LE(outer, 96'000);
+}
+
+TEST(RealClock, WaitingTakesNoProcessorTime)
+{
+    const double before = CpuSeconds();
+    WaitReal(400);
+    EXPECT_LT(CpuSeconds() - before, 0.02);
+}
+
+TEST(VirtualClock, JumpsToTheNextThingThatHappens)
+{
+    VirtualClock clock;
+    std::string order;
+    CallAfter(300, [&] { order += "c"; });
+    CallAfter(100, [&] { order += "a"; });
+    CallAfter(100, [&] { order += "b"; });
+    const Deadline end(1000);
+    while (!end.Passed())
+        PumpEvents(end.LeftMs());
+    EXPECT_EQ(order, "abc");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST(VirtualClock, AWaitInsideAWaitSeesEachEventOnce)
+{
+    VirtualClock clock;
+    int calls = 0;
+    CallAfter(10, [&] {
+        ++calls;
+        const Deadline inner(50);
+        while (!inner.Passed())
+            PumpEvents(inner.LeftMs());
+    });
+    const Deadline outer(20);
+    while (!outer.Passed())
+        PumpEvents(outer.LeftMs());
+    EXPECT_EQ(calls, 1);
+    EXPECT_EQ(clock.Elapsed(), 60) << "the outer wait ends when the inner one has";
+}
+
+TEST(Deadline, TellsWhatIsLeftRoundedUp)
+{
+    VirtualClock clock;
+    Deadline limit(1000);
+    EXPECT_EQ(limit.LeftMs(), 1000);
+    clock.Advance(999);
+    EXPECT_FALSE(limit.Passed());
+    EXPECT_EQ(limit.LeftMs(), 1);
+    clock.Advance(1);
+    EXPECT_TRUE(limit.Passed());
+    EXPECT_EQ(limit.LeftMs(), 0);
+    limit.Restart();
+    EXPECT_EQ(limit.LeftMs(), 1000);
+}
+
+TEST(Shutdown, IsThrownByThePumpAlone)
+{
+    VirtualClock clock;
+    RequestShutdown();
+    EXPECT_THROW(PumpEvents(0), Shutdown);
+    {
+        const NoShutdownScope quiet;
+        EXPECT_NO_THROW(PumpEvents(1));
+    }
+    EXPECT_THROW(PumpEvents(0), Shutdown);
+    RequestShutdown(false);
+    EXPECT_NO_THROW(PumpEvents(0));
+}
+
+TEST(Shutdown, UnwindsEveryLevelOfHandlers)
+{
+    VirtualClock clock;
+    std::string levels;
+    CallAfter(10, [&] {
+        RunHandler([&] {
+            CallAfter(10, [&] { RunHandler([] { RequestShutdown(); }); });
+            try {
+                PumpEvents(1000);
+                PumpEvents(1000);
+            } catch (const Shutdown &) {
+                levels += "inner ";
+                throw;
+            }
+            levels += "went on ";
+        });
+    });
+    RunHandler([&] {
+        try {
+            PumpEvents(1000);
+        } catch (const Shutdown &) {
+            levels += "outer";
+            throw;
+        }
+    });
+    EXPECT_EQ(levels, "inner outer");
+    RequestShutdown(false);
+}
+
+TEST(RunHandler, GivesAFaultToItsOutletAndLetsNothingThrough)
+{
+    std::string told;
+    FaultOutlet = [&](const std::string &words) { told = words; };
+    EXPECT_NO_THROW(RunHandler([] { throw RuntimeFault(9, "Subscript out of range"); }));
+    EXPECT_EQ(told, "Subscript out of range");
+    FaultOutlet = [](const std::string &) {};
+}
+
+TEST(RunHandler, StartsNothingWhileTheProgramEnds)
+{
+    bool ran = false;
+    RequestShutdown();
+    RunHandler([&] { ran = true; });
+    RequestShutdown(false);
+    EXPECT_FALSE(ran);
+}

@@ -1,0 +1,249 @@
+// The operating system's port, on pseudo-terminals.
+
+#include "platform/serial_port.h"
+
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "platform/port_check.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+
+#include <cstdlib>
+#include <fcntl.h>
+#include <pty.h>
+#include <termios.h>
+#include <unistd.h>
+
+using namespace ombrix;
+
+namespace
+{
+
+// A pseudo-terminal: the test is the far end.
+class Pty
+{
+public:
+    Pty()
+    {
+        char name[128];
+        EXPECT_EQ(openpty(&m_master, &m_slave, name, nullptr, nullptr), 0);
+        termios raw{};
+        tcgetattr(m_slave, &raw);
+        cfmakeraw(&raw);
+        tcsetattr(m_slave, TCSANOW, &raw);
+        fcntl(m_master, F_SETFL, O_NONBLOCK);
+        m_name = name;
+    }
+    ~Pty() { HangsUp(); }
+    const std::string &Name() const { return m_name; }
+    void Says(const std::string &bytes)
+    {
+        EXPECT_EQ(write(m_master, bytes.data(), bytes.size()), static_cast<ssize_t>(bytes.size()));
+    }
+    std::string Hears()
+    {
+        char buffer[256];
+        const ssize_t count = read(m_master, buffer, sizeof buffer);
+        return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : "";
+    }
+    void HangsUp()
+    {
+        for (int *end : {&m_slave, &m_master})
+            if (*end >= 0) {
+                close(*end);
+                *end = -1;
+            }
+    }
+
+private:
+    int m_master = -1;
+    int m_slave = -1;
+    std::string m_name;
+};
+
+void WaitForBytes(SerialPort &port, std::size_t count, int ms)
+{
+    const Deadline limit(ms);
+    while (port.BytesWaiting() < count && !limit.Passed())
+        PumpEvents(limit.LeftMs());
+}
+
+int NumberOfRefusal(const std::string &device)
+{
+    SerialPort port;
+    try {
+        port.Open(device);
+    } catch (const RuntimeFault &fault) {
+        EXPECT_FALSE(port.IsOpen());
+        return fault.Number();
+    }
+    return 0;
+}
+
+} // namespace
+
+TEST(SerialPort, CarriesBytesBothWays)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    port.Write("*1B1\r");
+    EXPECT_EQ(pty.Hears(), "*1B1\r") << "leaves at once, without a pump";
+    pty.Says("12.345\r");
+    WaitForBytes(port, 7, 500);
+    EXPECT_EQ(port.ReadAll(), "12.345\r");
+    EXPECT_EQ(port.BytesWaiting(), 0u);
+}
+
+TEST(SerialPort, AllEightBitsPassUnchanged)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    std::string all;
+    for (int byte = 0; byte < 256; ++byte)
+        all += static_cast<char>(byte);
+    pty.Says(all);
+    WaitForBytes(port, 256, 500);
+    EXPECT_EQ(port.ReadAll(), all);
+}
+
+TEST(SerialPort, ALineThatCantSetRtsIsNoFailure)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    port.SetRts(true);
+    port.SetDtr(true);
+    port.SetRts(false);
+    PumpEvents(5);
+    pty.Says("x");
+    WaitForBytes(port, 1, 500);
+    EXPECT_EQ(port.ReadAll(), "x");
+}
+
+TEST(SerialPort, BytesWakeAWaitAtOnce)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    pty.Says("x");
+    const std::int64_t start = NowMicros();
+    WaitForBytes(port, 1, 1000);
+    EXPECT_LT(NowMicros() - start, 200'000);
+}
+
+TEST(SerialPort, AFarEndThatGoesAwayIsSilenceAndTheWaitsKeepTheirPace)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    pty.HangsUp();
+    int pumps = 0;
+    const std::int64_t start = NowMicros();
+    const Deadline limit(200);
+    while (port.BytesWaiting() == 0 && !limit.Passed()) {
+        PumpEvents(limit.LeftMs());
+        ++pumps;
+    }
+    EXPECT_GE(NowMicros() - start, 200'000);
+    EXPECT_LT(pumps, 20) << "a spin";
+    port.Write("lost");
+    EXPECT_EQ(port.ReadAll(), "");
+    EXPECT_TRUE(port.IsOpen()) << "until it is closed";
+    port.Close();
+    EXPECT_FALSE(port.IsOpen());
+}
+
+TEST(SerialPort, OpensAgainWhenTheLineIsBack)
+{
+    SerialPort port;
+    {
+        Pty pty;
+        port.Open(pty.Name());
+        pty.HangsUp();
+        PumpEvents(5);
+    }
+    Pty back;
+    port.Open(back.Name());
+    port.Write("A");
+    EXPECT_EQ(back.Hears(), "A");
+}
+
+TEST(SerialPort, ASecondOpenOfTheSamePortIsNotRefused)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    EXPECT_NO_THROW(port.Open(pty.Name()));
+}
+
+TEST(SerialPort, TwoNamesOfOneDeviceAreNotOpenedBoth)
+{
+    Pty pty;
+    const QString link = QDir::current().filePath("by-id");
+    QFile::remove(link);
+    ASSERT_TRUE(QFile::link(QString::fromStdString(pty.Name()), link));
+    SerialPort first;
+    first.Open(pty.Name());
+    EXPECT_EQ(NumberOfRefusal(link.toStdString()), EBUSY);
+    EXPECT_TRUE(SameDevice(pty.Name(), link.toStdString()));
+    first.Close();
+    EXPECT_EQ(NumberOfRefusal(link.toStdString()), 0);
+}
+
+TEST(SerialPort, TellsWhyItCantBeOpened)
+{
+    EXPECT_EQ(NumberOfRefusal("/dev/no-such-line"), ENOENT);
+    EXPECT_EQ(NumberOfRefusal(""), ENOENT);
+    EXPECT_EQ(NumberOfRefusal(QDir::currentPath().toStdString()), ENOTTY);
+    try {
+        SerialPort port;
+        port.Open("/dev/no-such-line");
+    } catch (const RuntimeFault &fault) {
+        EXPECT_STREQ(fault.what(), "No such file or directory");
+    }
+}
+
+TEST(SerialPort, AClosedPortSwallowsWhatIsAskedOfIt)
+{
+    SerialPort port;
+    port.Write("x");
+    port.SetRts(true);
+    port.Close();
+    EXPECT_EQ(port.BytesWaiting(), 0u);
+    EXPECT_EQ(port.ReadAll(), "");
+}
+
+TEST(PortTrouble, NamesTheCauseAndTheCure)
+{
+    EXPECT_NE(PortTrouble("/dev/no-such-line").find("Missing"), std::string::npos);
+    EXPECT_NE(PortTrouble("").find("No device is set"), std::string::npos);
+    QFile file("plain");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    EXPECT_NE(PortTrouble("plain").find("No serial line"), std::string::npos);
+}
+
+TEST(PortTrouble, IsSilentOnALineOfOurOwn)
+{
+    Pty pty;
+    EXPECT_EQ(PortTrouble(pty.Name()), "");
+    SerialPort port;
+    port.Open(pty.Name());
+    EXPECT_EQ(PortTrouble(pty.Name()), "");
+}
+
+TEST(PortTrouble, NamesTheProgramThatHoldsTheLine)
+{
+    Pty pty;
+    const std::string command = "sleep 5 < " + pty.Name() + " & echo $! > holder";
+    ASSERT_EQ(std::system(command.c_str()), 0);
+    const Deadline limit(2000);
+    while (PortTrouble(pty.Name()).empty() && !limit.Passed())
+        PumpEvents(10);
+    EXPECT_EQ(PortTrouble(pty.Name()), "In use by sleep: end that program.");
+    EXPECT_EQ(std::system("kill $(cat holder)"), 0);
+}

@@ -1,0 +1,171 @@
+#include "session/procedure.h"
+
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "session/delays.h"
+#include "session/state.h"
+#include "support/virtual_clock.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace ombrix;
+
+namespace
+{
+
+class Procedures : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        InitSessionState();
+        ClearStop();
+    }
+
+    // A live reading loop: looks every 300 ms until it is stopped.
+    void LiveLoop(const std::string &name)
+    {
+        order += name + " ";
+        ArmStop();
+        while (!StopRequested && !Abort)
+            DelayMs(300);
+        DisarmStop();
+        order += name + "-ended ";
+    }
+
+    test::VirtualClock clock;
+    std::string order;
+};
+
+} // namespace
+
+TEST_F(Procedures, RequestStopDoesNothingUnlessArmed)
+{
+    RequestStop();
+    EXPECT_FALSE(StopRequested);
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Procedures, RequestStopWaits1000MillisecondsFromTheClick)
+{
+    ArmStop();
+    RequestStop();
+    EXPECT_TRUE(StopRequested);
+    EXPECT_EQ(clock.Elapsed(), 1000);
+    RequestStop();
+    EXPECT_EQ(clock.Elapsed(), 1000) << "a second click does not wait again";
+}
+
+TEST_F(Procedures, ArmStopForgetsAnOlderRequest)
+{
+    StopRequested = true;
+    ArmStop();
+    EXPECT_TRUE(StopArmed);
+    EXPECT_FALSE(StopRequested);
+    DisarmStop();
+    EXPECT_FALSE(StopArmed);
+}
+
+TEST_F(Procedures, NothingStartsOnTopOfARunningProcedure)
+{
+    EXPECT_TRUE(RunProcedure([&] {
+        EXPECT_TRUE(ProcedureRunning());
+        EXPECT_FALSE(RunProcedure([&] { order += "second"; }));
+    }));
+    EXPECT_EQ(order, "");
+    EXPECT_FALSE(ProcedureRunning());
+}
+
+TEST_F(Procedures, NothingStartsWhileTheProgramQuits)
+{
+    Quitting = true;
+    EXPECT_FALSE(RunProcedure([&] { order += "started"; }));
+    RunAfterStop([&] { order += "navigated"; });
+    EXPECT_EQ(order, "");
+}
+
+TEST_F(Procedures, NavigationRunsAtOnceWhenNothingRuns)
+{
+    Abort = true;
+    RunAfterStop([&] {
+        EXPECT_TRUE(ProcedureRunning());
+        EXPECT_FALSE(Abort);
+        order += "navigated";
+    });
+    EXPECT_EQ(order, "navigated");
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Procedures, NavigationStopsALiveLoopAndFollowsWhenItHasUnwound)
+{
+    CallAfter(500, [&] { RunAfterStop([&] { order += "navigated"; }); });
+    RunProcedure([&] { LiveLoop("loop"); });
+    EXPECT_EQ(order, "loop loop-ended navigated");
+    EXPECT_EQ(clock.Elapsed(), 1500) << "1000 ms counted from the click";
+    EXPECT_FALSE(ProcedureRunning());
+}
+
+TEST_F(Procedures, NavigationAfterAProcedureThatIsSlowToEndWaitsNoLonger)
+{
+    CallAfter(100, [&] { RunAfterStop([&] { order += "navigated"; }); });
+    RunProcedure([&] {
+        LiveLoop("loop");
+        DelayMs(3000);
+    });
+    EXPECT_EQ(clock.Elapsed(), 3300);
+    EXPECT_EQ(order, "loop loop-ended navigated");
+}
+
+TEST_F(Procedures, TheLastOfSeveralNavigationsCounts)
+{
+    CallAfter(100, [&] { RunAfterStop([&] { order += "first"; }); });
+    CallAfter(200, [&] { RunAfterStop([&] { order += "second"; }); });
+    RunProcedure([&] { LiveLoop("loop"); });
+    EXPECT_EQ(order, "loop loop-ended second");
+}
+
+TEST_F(Procedures, WhatNavigationStartsMayNavigateItself)
+{
+    RunAfterStop([&] {
+        order += "one ";
+        RunAfterStop([&] { order += "two "; });
+        order += "end-of-one ";
+    });
+    EXPECT_EQ(order, "one end-of-one two ");
+}
+
+TEST_F(Procedures, AFaultEndsTheProcedureAndLeavesTheStationFree)
+{
+    EXPECT_THROW(RunProcedure([] { throw RuntimeFault(5, "Input/output error"); }), RuntimeFault);
+    EXPECT_FALSE(ProcedureRunning());
+    EXPECT_TRUE(RunProcedure([] {}));
+}
+
+TEST_F(Procedures, TheEndOfTheProgramUnwindsAProcedureAndDropsWhatWaits)
+{
+    CallAfter(100, [&] { RunAfterStop([&] { order += "navigated"; }); });
+    CallAfter(200, [] { RequestShutdown(); });
+    EXPECT_THROW(RunProcedure([&] { DelayMs(1000); }), Shutdown);
+    RequestShutdown(false);
+    EXPECT_FALSE(ProcedureRunning());
+    EXPECT_TRUE(RunProcedure([] {}));
+    EXPECT_EQ(order, "");
+}
+
+TEST_F(Procedures, DelayMsPumpsOnceWithRealTimeDelaysOff)
+{
+    RealTimeDelays = false;
+    DelayMs(1000);
+    EXPECT_EQ(clock.Elapsed(), 0);
+    DelayAlways(1000);
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST_F(Procedures, DelaysDoNotEndOnAbort)
+{
+    Abort = true;
+    DelayMs(500);
+    EXPECT_EQ(clock.Elapsed(), 500);
+}
