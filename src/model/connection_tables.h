@@ -4,7 +4,8 @@
 #include <string>
 #include <vector>
 
-namespace ombrix {
+namespace ombrix
+{
 
 /// Index of fraJumperBlock for a board: AC2 shares AC's.
 int JumperBlockOfBoard(int board);
@@ -34,4 +35,4 @@ struct Cable {
 };
 Cable Ac3Cable(int row);
 
-}  // namespace ombrix
+} // namespace ombrix
