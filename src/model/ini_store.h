@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace ombrix
 {
@@ -19,12 +20,22 @@ void LoadIni(const std::string &path = "Ombrix.ini");
 void SaveIni();
 
 std::string IniGet(const std::string &section, const std::string &key);
-/// True when the value changed.
+/// True when the value changed. Adds section and key as needed; both are kept without blanks around them. What a line
+/// of the file can't hold (nothing, a line end, "=" in a key) and what finds no room is not stored.
 bool IniSet(const std::string &section, const std::string &key, const std::string &value);
 void IniRemove(const std::string &section, const std::string &key);
 int IniKeyCount(const std::string &section);
 std::string IniKeyAt(const std::string &section, int index);
 void IniClearSection(const std::string &section);
+
+struct IniPair {
+    std::string key;
+    std::string value;
+};
+/// Makes the section hold these pairs and no other. Nothing is dirty when it held them already.
+void IniRefill(const std::string &section, const std::vector<IniPair> &pairs);
+
+/// Index, -1 when unknown. Keys are counted through all sections.
 int FindIniSection(const std::string &section);
 int FindIniKey(const std::string &section, const std::string &key);
 

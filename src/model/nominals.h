@@ -12,6 +12,8 @@ extern bool NominalDirty;
 
 /// Tables back at their defaults, nothing dirty.
 void InitNominals();
+void InitNominalSlopes();
+void InitNominalWords();
 
 /// Word counts for one display count, of the current board; 0 for a word outside 25..50.
 float GetNominalSlope(int word);
@@ -21,7 +23,7 @@ void SetNominalSlopeOf(int board, int word, float value);
 float DefaultSlopeOf(int board, int word);
 
 /// Four hex digits, "0000" outside 25..50. On VF the words 195, 198, 201 have twelve; others there give
-/// "000000100000". Setting any other word does nothing.
+/// "000000100000". Setting any other word, or a text of another length, does nothing.
 std::string GetNominalWord(int word);
 void SetNominalWord(int word, const std::string &hex);
 std::string NominalWordOf(int board, int word);
