@@ -8,20 +8,35 @@
 namespace ombrix
 {
 
+/// A value text as the calibrator takes it, without its frequency: "2 V, 300 Hz" is 2 and "V".
+struct OutputValue {
+    double number;
+    std::string unit; ///< "V", "A", "mV", "mA", "OHM", "KOHM", "CEL", "FAR"
+};
+OutputValue ParseOutputValue(const std::string &value);
+
 struct CalOutput {
     std::string text; ///< scaled value and unit, "200.0 mV"
     Danger level;
 };
 
-/// Scales below 1 to milli and from 1000 to kilo (not temperatures) and judges the scaled value. unit as the
-/// calibrator gives it: "V", "A", "mV", "OHM", "CEL", "FAR".
+/// Scales below 1 to milli and from 1000 to kilo (not temperatures) and judges the scaled value. unit as in
+/// OutputValue; "KOHM" is thousands of ohms.
 CalOutput DescribeCalOutput(double value, const std::string &unit);
 
 /// Shows it on the panel. In simulation it also tells the simulated meter: readings of a temperature carry one
 /// decimal and stand at the value.
 void UpdateCalOutputPanel(double value, const std::string &unit);
 
+/// For an output whose read-back got no answer: shows what was requested. Unless it is known to stand (confirmed),
+/// the flag isn't lowered.
+void ShowUnansweredOutput(const std::string &value, bool confirmed);
+
 void SetDangerFlag(Danger level);
+/// The same, but never to a lower level than the one shown.
+void RaiseDangerFlag(Danger level);
+/// A new session: no level is shown.
+void ForgetDangerFlag();
 
 /// The level that a requested value text ("660 V, 300 Hz") would have.
 Danger DangerOfValue(const std::string &value);

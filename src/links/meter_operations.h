@@ -20,12 +20,18 @@ extern int LastDisplaySetup;
 /// run-time fault, with its words in MeterError. Clears Abort.
 int OpenMeterLink();
 
-/// count words from `address` downward, 4 digits each; "" on silence or a wrong length. Without Z the meter restarts.
+/// Closes both ports, whoever holds which: before the links open anew, and at the end.
+void CloseLinks();
+
+/// count words from `address` downward, 4 digits each; "" on silence, a wrong length or a character that
+/// is no hexadecimal digit. Without Z the meter restarts.
 std::string ReadNvmWords(int address, int count, std::string_view suffix);
-/// Writes the words of `hex` from `address` downward. A text that is no positive multiple of 4 digits is not sent.
+/// Writes the words of `hex` from `address` downward. A text that is no positive multiple of 4
+/// hexadecimal digits is not sent: what went wrong in a read must not end in a meter.
 void WriteNvmWords(int address, std::string_view hex, std::string_view suffix);
-/// count bytes of working memory, 2 digits each; "" on silence. A wrong length is read again, 20 times at most.
+/// count bytes of working memory, 2 digits each; "" on silence. A wrong reply is read again, 20 times at most.
 std::string ReadRamBytes(int address, int count);
+/// A text that is no positive multiple of 2 hexadecimal digits is not sent.
 void WriteRamBytes(int address, std::string_view hex);
 
 /// One try to read the display, trimmed; "" on silence.
@@ -37,6 +43,9 @@ std::string ReadDisplayDigits();
 
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();
+
+/// The same for a meter that is no CTR: 1750 ms.
+void WaitPlainRestart();
 
 void WriteFilterCode(std::string_view filterCode);
 /// Five flags and digits to the two hex digits of word 17's low byte: "00116" is "36". "38" for another length.

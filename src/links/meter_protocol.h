@@ -6,6 +6,7 @@
 
 #include "platform/serial_port.h"
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,9 @@ void SendMeterCommand(std::string_view payload);
 /// One wait of at most 1000 ms for any bytes; returns all that wait, "" when none came, "" at once in simulation.
 std::string ReceiveMeterChunk();
 
+/// More than this without an end of line is no reply, on either link.
+constexpr std::size_t kReplyLimit = 4096;
+
 /// Gathers one reply line and returns it without its CR. "" when 1000 ms pass in silence before a CR came, on Abort,
 /// and when 4096 characters came without a CR.
 std::string ReadMeterLine();
@@ -39,7 +43,10 @@ std::string MeterQuery(char letter, int address, int count, std::string_view tex
 /// Command without flush, wait or reply.
 void MeterSend(char letter, int address, int count, std::string_view text);
 
-/// The count's character: 1 to 9, then A (10) to Z (35); any other count is "1".
+/// Characters of the counts 1 to 35.
+constexpr std::string_view kCountAlphabet = "123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
+
+/// The count's character; any count outside 1 to 35 is "1".
 char CountChar(int count);
 
 /// letter + count character + two hex digits of the address + text.

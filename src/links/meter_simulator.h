@@ -17,8 +17,13 @@ extern bool SimOneDecimal; ///< readings carry one decimal
 /// SimNominal by its other name.
 inline float &SimTarget = SimNominal;
 
+/// While the link opens: a word outside 0..255 is a fault.
+extern bool SimAddressFaults;
+
 /// Random seed, identity unknown, the start words.
 void InitMeterSimulator();
+/// The scatter from here on is that of this seed.
+void SeedMeterSimulator(unsigned seed);
 /// Answers into MeterReply. Commands that have no reply leave it as it was. Throws RuntimeFault 9, "Subscript out of
 /// range", for a word outside 0..255 while the link opens; else such a word reads "0000" and a write is dropped.
 void SimulateMeterCommand(std::string_view payload);

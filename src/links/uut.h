@@ -4,6 +4,7 @@
 // CR LF. A frame is opaque here.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -16,13 +17,19 @@ void UutSend(std::string_view frame);
 /// The data of one block; what has come of it after 1000 ms of silence; "" after Abort.
 std::string UutReceive();
 
+enum class UutState {
+    NeedsMore, ///< the block isn't complete yet
+    Whole,     ///< a whole block with its CR LF
+    Bad,       ///< a length that is no number: never becomes a block
+};
+
 /// What a buffer holds so far.
 struct UutBlock {
-    bool done = false;      ///< a whole block with its CR LF
+    UutState state = UutState::NeedsMore;
     std::size_t start = 0;  ///< place of the data
     std::size_t length = 0; ///< its length as far as known
 };
-/// Pure. `buffer` begins with "#" or is shorter than a head; the caller has cut what stands before.
+/// Pure. `buffer` begins with "#" or is empty; the caller has cut what stands before.
 UutBlock ParseUutBlock(std::string_view buffer);
 
 } // namespace ombrix

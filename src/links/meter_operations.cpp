@@ -1,0 +1,323 @@
+#include "links/meter_operations.h"
+
+#include "links/calibrator.h"
+#include "links/meter_identity.h"
+#include "links/meter_protocol.h"
+#include "links/meter_simulator.h"
+#include "links/uut.h"
+#include "model/settings.h"
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "platform/text.h"
+#include "session/delays.h"
+#include "session/outlets.h"
+#include "session/state.h"
+
+#include <algorithm>
+#include <cctype>
+
+namespace ombrix
+{
+
+std::string MeterError;
+int LastDisplaySetup = 0;
+
+namespace
+{
+
+constexpr int kNotFound = 99;
+constexpr int kRestartMs = 1750;
+constexpr int kCtrRestartMs = 5000; // the longest until a counter gives its sign of life
+constexpr int kMaxBlock = 35;       // what one count character can tell
+constexpr int kRamReads = 20;
+constexpr int kMsPerWord = 8;
+constexpr int kMsPerByte = 4;
+constexpr std::size_t kWordDigits = 4;
+constexpr std::size_t kByteDigits = 2;
+
+// A run in two blocks: `low` goes first, to the addresses below `high`.
+struct Halves {
+    int low;
+    int high;
+};
+
+Halves HalvesOf(int count)
+{
+    const int low = count > kMaxBlock ? RoundHalfEven(count / 2.0) : 0;
+    return {low, count - low};
+}
+
+// Upper-case; "" when a character is no hexadecimal digit.
+std::string HexDigits(std::string_view text)
+{
+    std::string digits(text);
+    std::transform(digits.begin(), digits.end(), digits.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return IsHexText(digits) ? digits : "";
+}
+
+// One or two questions for a run of words or bytes; what came, whatever its length.
+std::string QueryRun(char letter, int address, int count, std::string_view lowSuffix, std::string_view suffix)
+{
+    const Halves halves = HalvesOf(count);
+    std::string low;
+    if (halves.low > 0)
+        low = MeterQuery(letter, address - halves.high, halves.low, lowSuffix);
+    return MeterQuery(letter, address, halves.high, suffix) + low;
+}
+
+std::size_t DigitsOf(int count, std::size_t itemDigits)
+{
+    return count > 0 ? static_cast<std::size_t>(count) * itemDigits : 0;
+}
+
+std::string DisplaySetupData(int value)
+{
+    const std::string hex = Hex(value & 0xFFFF);
+    return Left("000000100000", 12 - hex.size()) + hex;
+}
+
+// The meter's answer to the look whether it is there: two bytes of working memory.
+void SetSetupBit(const std::string &answer)
+{
+    constexpr std::string_view kDigits = "0123456789ABCDEF";
+    constexpr std::string_view kBitOfTwoSet = "23236767ABABEFEF";
+    const std::size_t digit = kDigits.find(answer.front());
+    if (digit != std::string_view::npos)
+        WriteNvmWords(MeterKind == kCtr ? 30 : 18, kBitOfTwoSet[digit] + answer.substr(1), "");
+}
+
+void OpenRoute()
+{
+    if (!HardwareMode)
+        return;
+    if (MeterPort == 0) {
+        UutSetup("9600");
+        return;
+    }
+    comDPM.Open(PortDevice(MeterPort));
+    comDPM.SetRts(true);
+    comDPM.SetDtr(true);
+}
+
+int LookForMeter()
+{
+    OpenRoute();
+    MeterCommandA1();
+    const std::string answer = MeterQuery('G', 50, 2, "");
+    if (answer.size() != 2 * kByteDigits) {
+        MeterError = "Meter not found";
+        return kNotFound;
+    }
+    SendMeterCommand("X16DZ");
+    DecodeMeterType(ReadMeterLine());
+    SetSetupBit(answer);
+    return 0;
+}
+
+void SendAndWait(std::string_view payload, int ms)
+{
+    SendMeterCommand(payload);
+    DelayMs(ms);
+}
+
+} // namespace
+
+int OpenMeterLink()
+{
+    Abort = false;
+    SetMeterAddress("1");
+    MeterError.clear();
+    const ScopedFlag faults(SimAddressFaults);
+    try {
+        return LookForMeter();
+    } catch (const RuntimeFault &fault) {
+        MeterError = fault.what();
+        return fault.Number();
+    }
+}
+
+void CloseLinks()
+{
+    comCAL.Close();
+    comDPM.Close();
+}
+
+std::string ReadNvmWords(int address, int count, std::string_view suffix)
+{
+    const std::string hex = HexDigits(QueryRun('X', address, count, "Z", suffix));
+    if (suffix.empty())
+        WaitMeterRestart();
+    return hex.size() == DigitsOf(count, kWordDigits) ? hex : "";
+}
+
+void WriteNvmWords(int address, std::string_view text, std::string_view suffix)
+{
+    const std::string hex = HexDigits(text);
+    if (hex.empty() || hex.size() % kWordDigits != 0)
+        return;
+    const Halves halves = HalvesOf(static_cast<int>(hex.size() / kWordDigits));
+    const std::size_t highDigits = DigitsOf(halves.high, kWordDigits);
+    // The low block goes first: the last one, when without Z, restarts the meter with all of it.
+    if (halves.low > 0) {
+        MeterSend('W', address - halves.high, halves.low, hex.substr(highDigits) + "Z");
+        DelayMs(halves.low * kMsPerWord);
+    }
+    MeterSend('W', address, halves.high, hex.substr(0, highDigits) + std::string(suffix));
+    if (suffix.empty())
+        WaitMeterRestart();
+    else
+        DelayMs(halves.high * kMsPerWord);
+}
+
+std::string ReadRamBytes(int address, int count)
+{
+    for (int tries = 0; tries < kRamReads && !Abort; ++tries) {
+        const std::string reply = QueryRun('G', address, count, "", "");
+        if (reply.empty())
+            return "";
+        const std::string hex = HexDigits(reply);
+        if (hex.size() == DigitsOf(count, kByteDigits))
+            return hex;
+    }
+    return "";
+}
+
+void WriteRamBytes(int address, std::string_view text)
+{
+    const std::string hex = HexDigits(text);
+    if (hex.empty() || hex.size() % kByteDigits != 0)
+        return;
+    const Halves halves = HalvesOf(static_cast<int>(hex.size() / kByteDigits));
+    const std::size_t highDigits = DigitsOf(halves.high, kByteDigits);
+    if (halves.low > 0) {
+        MeterSend('F', address - halves.high, halves.low, hex.substr(highDigits));
+        DelayMs(halves.low * kMsPerByte);
+    }
+    MeterSend('F', address, halves.high, hex.substr(0, highDigits));
+    DelayMs(halves.high * kMsPerByte);
+}
+
+std::string ReadDisplayRaw()
+{
+    FlushMeterInput();
+    SendMeterCommand("B1");
+    return Trim(ReadMeterLine());
+}
+
+std::string ReadDisplay()
+{
+    while (!Abort) {
+        const std::string text = ReadDisplayRaw();
+        if (Holds(text, "."))
+            return text;
+    }
+    return "";
+}
+
+std::string ReadDisplayDigits()
+{
+    std::string text = ReadDisplay();
+    const std::size_t point = text.find('.');
+    return point == std::string::npos ? "" : text.erase(point, 1);
+}
+
+void WaitMeterRestart()
+{
+    if (!HardwareMode || MeterKind != kCtr) {
+        WaitPlainRestart();
+        return;
+    }
+    const WaitNote note("Meter restarts");
+    if (MeterPort == 0) {
+        ReceiveCalibratorChunk5s();
+        return;
+    }
+    const Deadline limit(kCtrRestartMs);
+    while (comDPM.BytesWaiting() == 0 && !limit.Passed())
+        PumpEvents(limit.LeftMs());
+    comDPM.ReadAll();
+}
+
+void WaitPlainRestart()
+{
+    const WaitNote note("Meter restarts");
+    DelayMs(kRestartMs);
+}
+
+void WriteFilterCode(std::string_view filterCode)
+{
+    const std::string byte = ReadRamBytes(48, 1);
+    if (!byte.empty())
+        WriteNvmWords(17, byte + EncodeFilterCode(filterCode), "");
+}
+
+std::string EncodeFilterCode(std::string_view filterCode)
+{
+    if (filterCode.size() != 5)
+        return "38";
+    int flags = 0;
+    for (char flag : filterCode.substr(0, 4))
+        flags = flags * 2 + (flag != '0' ? 1 : 0);
+    const char last = filterCode.back();
+    return HexText(flags, 1) + (Holds("0123456789A", std::string_view(&last, 1)) ? last : '8');
+}
+
+void WriteDisplaySetupWords(int value)
+{
+    LastDisplaySetup = value;
+    WriteNvmWords(5, DisplaySetupData(value), "");
+}
+
+void WriteDisplaySetupForward(int value)
+{
+    if (MeterKind != kCtr)
+        WriteDisplaySetupWords(value);
+}
+
+void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value)
+{
+    const std::string byte = ReadRamBytes(48, 1);
+    if (filterCode.size() != 5 || rangeCode.size() != 2 || byte.empty())
+        return;
+    const std::string filterAndRange = byte + EncodeFilterCode(filterCode) + "00" + std::string(rangeCode);
+    if (SCType != kTc) {
+        WriteNvmWords(17, filterAndRange, "Z");
+    } else {
+        const std::string between = ReadNvmWords(20, 3, "");
+        if (between.empty())
+            return;
+        const std::string board = rangeCode.front() == '6' ? "0001" : "0031";
+        WriteNvmWords(21, board + between + filterAndRange, "Z");
+    }
+    WriteDisplaySetupWords(value);
+}
+
+void LoadFactoryMeterSetup()
+{
+    WriteNvmWords(18, "21D1", "");
+    WriteFilterCode("00116");
+    WriteDisplaySetupWords(4);
+}
+
+void MeterCommandA1()
+{
+    SendAndWait("A1", 200);
+}
+
+void MeterCommandC0()
+{
+    SendAndWait("C0", 500);
+}
+
+void MeterCommandCZ()
+{
+    SendAndWait("CZ", 1000);
+}
+
+void MeterCommandV6()
+{
+    SendMeterCommand("V6");
+}
+
+} // namespace ombrix
