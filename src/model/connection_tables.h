@@ -7,7 +7,11 @@
 namespace ombrix
 {
 
-/// Index of fraJumperBlock for a board: AC2 shares AC's.
+/// Range names of the DC and AC boards and of the load cell board, "" outside.
+std::string DcRangeName(int row);
+std::string LcRangeName(int row);
+
+/// Index of fraJumperBlock for a board: AC2 shares AC's. -1 outside 0..9.
 int JumperBlockOfBoard(int board);
 
 /// Caption of the range at a row of the board's list: "200 mV DC", "VF 4-20 mA", "J,K,E,N"; "" outside.
