@@ -7,15 +7,13 @@
 #include "model/settings.h"
 #include "platform/text.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr const char *kSection = "AnaCal";
 constexpr const char *kInitFile = "InitFile";
 constexpr std::size_t kImageDigits = 40;
-constexpr std::size_t kShortImageDigits = 16; ///< of a meter without bipolar and dual words
+constexpr std::size_t kShortImageDigits = 16;  ///< of a meter without bipolar and dual words
 constexpr const char *kBuiltInImage = "FD700048FA2001E0FD700048FA2001E0FD700048";
 constexpr const char *kBuiltInTail = "FD700048FA2001E0FD700048";
 
@@ -53,7 +51,7 @@ std::string DacTypeOfInitFile()
     return IsDacType(type) ? type : "1";
 }
 
-} // namespace
+}  // namespace
 
 void LoadAnaCalWords()
 {
@@ -109,4 +107,4 @@ void StoreAnalogWordsHex(const std::string &image)
     SaveAnaCal();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,8 +3,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Fills the words from section AnaCal; those that it lacks come from the older InitFile, else from the built-in image.
 void LoadAnaCalWords();
@@ -14,4 +13,4 @@ std::string StoredAnalogImage();
 /// Takes the ten words out of an image of 40 digits and saves them in both their sections. Another text does nothing.
 void StoreAnalogWordsHex(const std::string &image);
 
-} // namespace ombrix
+}  // namespace ombrix

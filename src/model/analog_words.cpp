@@ -1,15 +1,13 @@
 #include "model/analog_words.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::array<std::string, kAnalogWords> StoredAnalogWords;
 bool WordsDirty = false;
 std::string DacTypeText = "1";
 std::string CurrentOffsetPoint = "200";
 
-namespace
-{
+namespace {
 
 struct AnalogWord {
     const char *name;
@@ -28,7 +26,7 @@ const AnalogWord *WordAt(int index)
     return index >= 0 && index < kAnalogWords ? &kWords[index] : nullptr;
 }
 
-} // namespace
+}  // namespace
 
 std::string AnalogWordName(int index)
 {
@@ -53,4 +51,4 @@ int AnalogWordIndex(const std::string &shortName)
     return -1;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

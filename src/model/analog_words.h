@@ -4,19 +4,18 @@
 #include <array>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kAnalogWords = 10;
 
-extern std::array<std::string, kAnalogWords> StoredAnalogWords; ///< 4 hex digits each
+extern std::array<std::string, kAnalogWords> StoredAnalogWords;  ///< 4 hex digits each
 extern bool WordsDirty;
-extern std::string DacTypeText;        ///< "0" to "3"
-extern std::string CurrentOffsetPoint; ///< "200" or "4000"
+extern std::string DacTypeText;         ///< "0" to "3"
+extern std::string CurrentOffsetPoint;  ///< "200" or "4000"
 
-std::string AnalogWordName(int index);  ///< "VO", "VG", ...
-std::string AnalogWordTitle(int index); ///< "VOffset", "VGain", ...
-int AnalogWordOffset(int index);        ///< place (from 1) in a 40-digit image
+std::string AnalogWordName(int index);   ///< "VO", "VG", ...
+std::string AnalogWordTitle(int index);  ///< "VOffset", "VGain", ...
+int AnalogWordOffset(int index);         ///< place (from 1) in a 40-digit image
 int AnalogWordIndex(const std::string &shortName);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,10 +5,8 @@
 #include "model/step_ids.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 using Letters = const char *;
 
@@ -83,7 +81,7 @@ int AcDiagramKind(int row)
     return high ? 6 : 5;
 }
 
-} // namespace
+}  // namespace
 
 std::string DcRangeName(int row)
 {
@@ -196,17 +194,17 @@ std::string PinLabel(int kind, int place)
     constexpr int kKinds = 11;
     constexpr int kPlaces = 6;
     constexpr const char *labels[kKinds][kPlaces] = {
-        {"", "", "", "", "", ""},                                           // 0
-        {"", "", "", "", "", ""},                                           // 1
-        {"", "", "3 - SIG", "4 + SIG", "", ""},                             // 2
-        {"", "", "3 - SIG", "4 + SIG", "", ""},                             // 3
-        {"1 - EXC", "", "3 - SIG", "4 + SIG", "", ""},                      // 4
-        {"1 SIG HI", "", "3 SIG LO", "", "", ""},                           // 5
-        {"", "", "3 SIG LO", "4 SIG HI", "", ""},                           // 6
-        {"", "", "3 SIG LO", "4 SIG HI", "", ""},                           // 7
-        {"", "", "3 - SIG", "4 + SIG", "", ""},                             // 8
-        {"1 - EXC", "2 -SENS", "3 - SIG", "4 + SIG", "5 + EXC", "6 +SENS"}, // 9
-        {"1 - EXC", "2 + EXC", "3 - SIG", "4 + SIG", "", ""},               // 10
+        {"", "", "", "", "", ""},                                            // 0
+        {"", "", "", "", "", ""},                                            // 1
+        {"", "", "3 - SIG", "4 + SIG", "", ""},                              // 2
+        {"", "", "3 - SIG", "4 + SIG", "", ""},                              // 3
+        {"1 - EXC", "", "3 - SIG", "4 + SIG", "", ""},                       // 4
+        {"1 SIG HI", "", "3 SIG LO", "", "", ""},                            // 5
+        {"", "", "3 SIG LO", "4 SIG HI", "", ""},                            // 6
+        {"", "", "3 SIG LO", "4 SIG HI", "", ""},                            // 7
+        {"", "", "3 - SIG", "4 + SIG", "", ""},                              // 8
+        {"1 - EXC", "2 -SENS", "3 - SIG", "4 + SIG", "5 + EXC", "6 +SENS"},  // 9
+        {"1 - EXC", "2 + EXC", "3 - SIG", "4 + SIG", "", ""},                // 10
     };
     const bool known = kind >= 0 && kind < kKinds && place >= 0 && place < kPlaces;
     return known ? labels[kind][place] : "";
@@ -232,4 +230,4 @@ Cable Ac3Cable(int row)
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

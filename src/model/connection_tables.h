@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Range names of the DC and AC boards and of the load cell board, "" outside.
 std::string DcRangeName(int row);
@@ -39,4 +38,4 @@ struct Cable {
 };
 Cable Ac3Cable(int row);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -7,18 +7,16 @@
 #include "platform/text.h"
 #include "session/outlets.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 bool IniDirty = false;
 bool IniReady = false;
 
-namespace
-{
+namespace {
 
 struct Section {
     std::string name;
-    std::size_t first; ///< index of its first key
+    std::size_t first;  ///< index of its first key
     std::size_t count;
 };
 
@@ -161,7 +159,7 @@ bool CanBeKept(const std::string &section, const IniPair &pair)
     return IsOneLine(section) && IsOneLine(pair.key) && IsOneLine(pair.value) && !Holds(pair.key, "=");
 }
 
-} // namespace
+}  // namespace
 
 void LoadIni(const std::string &path)
 {
@@ -175,7 +173,7 @@ void LoadIni(const std::string &path)
 
     const std::string bytes = ReadFile(path).value_or("");
     std::string_view text = bytes;
-    if (text.starts_with("\xEF\xBB\xBF")) // some editors put a byte order mark in front
+    if (text.starts_with("\xEF\xBB\xBF"))  // some editors put a byte order mark in front
         text.remove_prefix(3);
     std::string section;
     while (!text.empty())
@@ -275,4 +273,4 @@ int FindIniKey(const std::string &section, const std::string &key)
     return -1;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -4,14 +4,13 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kIniSections = 16;
 constexpr int kIniKeys = 512;
 
-extern bool IniDirty; ///< a value changed since the last save
-extern bool IniReady; ///< saves go to the file
+extern bool IniDirty;  ///< a value changed since the last save
+extern bool IniReady;  ///< saves go to the file
 
 /// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read also
 /// makes the store unusable, so that it is never overwritten.
@@ -39,4 +38,4 @@ void IniRefill(const std::string &section, const std::vector<IniPair> &pairs);
 int FindIniSection(const std::string &section);
 int FindIniKey(const std::string &section, const std::string &key);
 
-} // namespace ombrix
+}  // namespace ombrix

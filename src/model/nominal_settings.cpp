@@ -16,10 +16,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr const char *kGains = "Gains";
 constexpr const char *kCalibValues = "CalibValues";
@@ -153,7 +151,7 @@ void AddWordsOfBoard(std::vector<IniPair> &pairs, int board)
                 {KeyOf(board, pair.rest), NominalWordOf(board, pair.first) + NominalWordOf(board, pair.second)});
 }
 
-} // namespace
+}  // namespace
 
 void LoadGains()
 {
@@ -204,4 +202,4 @@ void SaveCalibValues()
     SaveIni();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,10 +3,8 @@
 #include "model/nominals.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 struct SlopeRow {
     int word;
@@ -94,7 +92,7 @@ float SlopeIn(const SlopeRow &row, int board)
     }
 }
 
-} // namespace
+}  // namespace
 
 float DefaultSlopeOf(int board, int word)
 {
@@ -117,4 +115,4 @@ std::string FirstCyclePattern(int index)
     return index >= 0 && index < kVfGroups ? kVfPatterns[index] : "";
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,8 +1,7 @@
 // What a good meter needs, before the station has learned anything: default slopes and default words.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kFirstNominalWord = 25;
 constexpr int kLastNominalWord = 50;
@@ -23,4 +22,4 @@ constexpr int VfGroupOfWord(int word)
     return word == 195 || word == 198 || word == 201 ? (word - 195) / 3 : -1;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -7,14 +7,12 @@
 #include "platform/text.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 bool SlopesDirty = false;
 bool NominalDirty = false;
 
-namespace
-{
+namespace {
 
 std::array<std::array<float, kBoards>, kNominalRows> slopes{};
 std::array<std::array<std::string, kBoards>, kNominalRows> words;
@@ -45,7 +43,7 @@ std::string *NominalText(int board, int word)
     return IsCell(board, word) ? &words[RowOf(word)][static_cast<std::size_t>(board)] : nullptr;
 }
 
-} // namespace
+}  // namespace
 
 void InitNominalSlopes()
 {
@@ -125,4 +123,4 @@ void SetNominalWordOf(int board, int word, const std::string &hex)
     NominalDirty = true;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

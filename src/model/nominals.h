@@ -4,8 +4,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 extern bool SlopesDirty;
 extern bool NominalDirty;
@@ -33,4 +32,4 @@ std::string DefaultNominalWordOf(int board, int word);
 /// The constant 12-digit texts of the VF ranges, index 0..2.
 std::string FirstCyclePattern(int index);
 
-} // namespace ombrix
+}  // namespace ombrix

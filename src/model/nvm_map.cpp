@@ -3,10 +3,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // Columns of the names: what stands in front.
 enum Column { DcColumn, AcColumn, LcColumn, TcColumn, TempColumn, RtdColumn, kColumns };
@@ -82,7 +80,7 @@ constexpr float kUnsignedLimit = 16777210.0f;
 constexpr float kSignedLow = -8388608.0f;
 constexpr float kSignedHigh = 8388607.0f;
 
-} // namespace
+}  // namespace
 
 NvmRow NvmRowAt(int row, int calibTab, int board)
 {
@@ -143,4 +141,4 @@ float Hex6ToFloatSigned(std::string_view hex)
     return static_cast<float>(Hex6ToSigned(hex));
 }
 
-} // namespace ombrix
+}  // namespace ombrix

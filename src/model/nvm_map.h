@@ -5,14 +5,13 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kNvmRows = 35;
 
 struct NvmRow {
-    std::string address; ///< "19", "1CL": an L marks the low byte
-    std::string name;    ///< the meter's own name, "Spare" where it has none
+    std::string address;  ///< "19", "1CL": an L marks the low byte
+    std::string name;     ///< the meter's own name, "Spare" where it has none
 };
 /// Row 0..34 of the calibration block for the open tab and, on the TC tab, the board.
 NvmRow NvmRowAt(int row, int calibTab, int board);
@@ -27,4 +26,4 @@ std::string FloatToHex6Signed(float value);
 float Hex6ToFloat(std::string_view hex);
 float Hex6ToFloatSigned(std::string_view hex);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,10 +5,8 @@
 #include "platform/safe_file.h"
 #include "platform/text.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 std::vector<std::string> LinesOfFile(const std::string &path)
 {
@@ -32,7 +30,7 @@ std::string TakeField(std::string_view &line)
     return field;
 }
 
-} // namespace
+}  // namespace
 
 std::vector<std::string> FieldsOfOldFile(const std::string &path)
 {
@@ -58,4 +56,4 @@ std::string FirstLineOfOldFile(const std::string &path)
     return Trim(LinesOfFile(path).front());
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -4,8 +4,7 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// All fields of a file: separated by commas and line ends, without blanks and one pair of double quotes around them.
 /// Empty lines have none. Nothing when the file can't be read.
@@ -17,4 +16,4 @@ std::string FieldOfOldFile(const std::string &path, std::size_t index);
 /// The first line whole, "" when there is none.
 std::string FirstLineOfOldFile(const std::string &path);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,25 +5,23 @@
 #include "model/connection_tables.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 int RangeDiagramIndex = -1;
 std::string RangeInputText;
 
-namespace
-{
+namespace {
 
 constexpr const char *kRangeNames[] = {
-    "20 mV",      "50 mV",     "100 mV",    "200 mV",   "250 mV",    "500 mV", "2 V",            // 0..6
-    "20 V",       "200 V",     "600 V",     "2 mA",     "20 mA",     "200 mA", "5 A",            // 7..13
-    "20 Ohms",    "200 Ohms",  "2 kOhms",   "20 kOhms", "200 kOhms",                             // 14..18
-    "J °F",       "J °C",      "K °F",      "K °C",     "N °F",      "N °C",   "E °F",  "E °C",  // 19..26
-    "t °F",       "t °C",      "S °F",      "S °C",     "r °F",      "r °C",                     // 27..32
-    "DIN °F",     "DIN °C",    "ANSI °F",   "ANSI °C",  "Ni °F",     "Ni °C",  "Cu °F", "Cu °C", // 33..40
-    "4d °F",      "4d °C",     "4A °F",     "4A °C",    "3d °F",     "3d °C",                    // 41..46
-    "3A °F",      "3A °C",     "2d °F",     "2d °C",    "2A °F",     "2A °C",  "Short",          // 47..53
-    "VF 4-20 mA", "VF 0-1 mA", "VF 0-10 V",                                                      // 54..56
+    "20 mV",      "50 mV",     "100 mV",    "200 mV",   "250 mV",    "500 mV", "2 V",             // 0..6
+    "20 V",       "200 V",     "600 V",     "2 mA",     "20 mA",     "200 mA", "5 A",             // 7..13
+    "20 Ohms",    "200 Ohms",  "2 kOhms",   "20 kOhms", "200 kOhms",                              // 14..18
+    "J °F",       "J °C",      "K °F",      "K °C",     "N °F",      "N °C",   "E °F",  "E °C",   // 19..26
+    "t °F",       "t °C",      "S °F",      "S °C",     "r °F",      "r °C",                      // 27..32
+    "DIN °F",     "DIN °C",    "ANSI °F",   "ANSI °C",  "Ni °F",     "Ni °C",  "Cu °F", "Cu °C",  // 33..40
+    "4d °F",      "4d °C",     "4A °F",     "4A °C",    "3d °F",     "3d °C",                     // 41..46
+    "3A °F",      "3A °C",     "2d °F",     "2d °C",    "2A °F",     "2A °C",  "Short",           // 47..53
+    "VF 4-20 mA", "VF 0-1 mA", "VF 0-10 V",                                                       // 54..56
 };
 constexpr int kNames = static_cast<int>(std::size(kRangeNames));
 
@@ -134,7 +132,7 @@ std::string InputOfDiagram(int row)
     }
 }
 
-} // namespace
+}  // namespace
 
 std::string RangeName(int index)
 {
@@ -173,4 +171,4 @@ std::string RtdSimTemperature(int index)
     return index >= 0 && index < static_cast<int>(std::size(temperatures)) ? temperatures[index] : temperatures[0];
 }
 
-} // namespace ombrix
+}  // namespace ombrix

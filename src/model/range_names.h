@@ -3,11 +3,10 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
-extern int RangeDiagramIndex;      ///< row of the diagram, set by DescribeRangeCode; -1 none
-extern std::string RangeInputText; ///< value to apply for a test of that range, "" none
+extern int RangeDiagramIndex;       ///< row of the diagram, set by DescribeRangeCode; -1 none
+extern std::string RangeInputText;  ///< value to apply for a test of that range, "" none
 
 /// The 57 range names, "" outside.
 std::string RangeName(int index);
@@ -17,4 +16,4 @@ std::string DescribeRangeCode(int board, const std::string &code);
 std::string RtdSimValue(int index);
 std::string RtdSimTemperature(int index);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -7,23 +7,21 @@
 #include "model/step_ids.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr const char *kStepTitles[Step::kCount] = {
-    "Init NVM",    "View NVM",     "GND",           "REF (200 mV)",   "200 mV",       "2 V",         // 0..5
-    "20 V",        "200 V",        "660 V",         "2 mA",           "20 mA",        "200 mA",      // 6..11
-    "5 A",         "Ratio",        "First Cycle",   "Verify",         "Send File",    "GND (.5 V)",  // 12..17
-    "OFF (20 mV)", "REF (20 mV)",  "Touch-Up",      "50 mV",          "100 mV",       "250 mV",      // 18..23
-    "500 mV",      "Lo-Gain GND",  "75.6 mV",       "RTD Current",    "Hi-Gain GND",  "23.3 mV",     // 24..29
-    "Gain/Offset", "Offset Only",  "Meter Type",    "VF 4-20 mA",     "VF 0-1 mA",    "VF 0-10 V",   // 30..35
-    "Nominalize",  "Get Config",   "Rest Config",   "Zero Adjust",    "R13/R14 Trim", "- Gain Trim", // 36..41
-    "Init NVMEM",  "Volt Offset",  "Voltage Gain",  "Current Offset", "Current Gain", "-10 Volts",   // 42..47
-    "+10 Volts",   "Re-Calibrate", "Zero InitFile", "R38 Trim",       "600 V",        "56.7 mV",     // 48..53
-    "17.475 mV",   "Pt100",        "20 Ohms",       "200 Ohms",       "2 kOhms",      "20 kOhms",    // 54..59
-    "200 kOhms",                                                                                     // 60
+    "Init NVM",    "View NVM",     "GND",           "REF (200 mV)",   "200 mV",       "2 V",          // 0..5
+    "20 V",        "200 V",        "660 V",         "2 mA",           "20 mA",        "200 mA",       // 6..11
+    "5 A",         "Ratio",        "First Cycle",   "Verify",         "Send File",    "GND (.5 V)",   // 12..17
+    "OFF (20 mV)", "REF (20 mV)",  "Touch-Up",      "50 mV",          "100 mV",       "250 mV",       // 18..23
+    "500 mV",      "Lo-Gain GND",  "75.6 mV",       "RTD Current",    "Hi-Gain GND",  "23.3 mV",      // 24..29
+    "Gain/Offset", "Offset Only",  "Meter Type",    "VF 4-20 mA",     "VF 0-1 mA",    "VF 0-10 V",    // 30..35
+    "Nominalize",  "Get Config",   "Rest Config",   "Zero Adjust",    "R13/R14 Trim", "- Gain Trim",  // 36..41
+    "Init NVMEM",  "Volt Offset",  "Voltage Gain",  "Current Offset", "Current Gain", "-10 Volts",    // 42..47
+    "+10 Volts",   "Re-Calibrate", "Zero InitFile", "R38 Trim",       "600 V",        "56.7 mV",      // 48..53
+    "17.475 mV",   "Pt100",        "20 Ohms",       "200 Ohms",       "2 kOhms",      "20 kOhms",     // 54..59
+    "200 kOhms",                                                                                      // 60
 };
 
 constexpr const char *kDcCodes[] = {"60", "61", "62", "63", "64", "70", "71", "72", "73"};
@@ -50,7 +48,7 @@ struct BoardRow {
     const char *name;
     std::span<const char *const> codes;
     std::span<const RangeRecord> records;
-    int lastPosition; ///< of the calibration sequence
+    int lastPosition;  ///< of the calibration sequence
 };
 
 const BoardRow *BoardRowOf(int board)
@@ -86,7 +84,7 @@ constexpr const char *kNoFilterCode = "00118";
 
 std::array<std::array<std::string, kPositions>, kBoards> filterCodes;
 
-} // namespace
+}  // namespace
 
 std::span<const RangeRecord> RecordsOfBoard(int board)
 {
@@ -236,4 +234,4 @@ void ClearFilterCodes()
         row.fill("");
 }
 
-} // namespace ombrix
+}  // namespace ombrix

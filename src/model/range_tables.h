@@ -6,8 +6,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// "DC", "AC", "LC", "TC", "VF", "AC2", "AC3", "Temp", "RTD", "AN"; "" outside 0..9.
 std::string BoardName(int board);
@@ -47,4 +46,4 @@ FilterDefault DefaultFilterAt(int board, int position);
 void SetFilterCode(int board, int position, const std::string &code);
 void ClearFilterCodes();
 
-} // namespace ombrix
+}  // namespace ombrix

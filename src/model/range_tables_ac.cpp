@@ -2,10 +2,8 @@
 #include "model/range_records.h"
 #include "model/step_ids.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // position, step, code, word, value, target, filter key, filter
 // clang-format off
@@ -70,10 +68,10 @@ constexpr RangeRecord kAc3Table[] = {
 
 // clang-format on
 
-} // namespace
+}  // namespace
 
 constinit const std::span<const RangeRecord> kAcRecords = kAcTable;
 constinit const std::span<const RangeRecord> kAc2Records = kAc2Table;
 constinit const std::span<const RangeRecord> kAc3Records = kAc3Table;
 
-} // namespace ombrix
+}  // namespace ombrix

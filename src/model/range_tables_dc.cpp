@@ -2,10 +2,8 @@
 #include "model/range_records.h"
 #include "model/step_ids.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // position, step, code, word, value, target, filter key, filter
 // clang-format off
@@ -31,8 +29,8 @@ constexpr RangeRecord kDcTable[] = {
 
 // clang-format on
 
-} // namespace
+}  // namespace
 
 constinit const std::span<const RangeRecord> kDcRecords = kDcTable;
 
-} // namespace ombrix
+}  // namespace ombrix

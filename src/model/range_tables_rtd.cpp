@@ -2,10 +2,8 @@
 #include "model/range_records.h"
 #include "model/step_ids.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // position, step, code, word, value, target, filter key, filter
 // clang-format off
@@ -26,8 +24,8 @@ constexpr RangeRecord kRtdTable[] = {
 
 // clang-format on
 
-} // namespace
+}  // namespace
 
 constinit const std::span<const RangeRecord> kRtdRecords = kRtdTable;
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -2,10 +2,8 @@
 #include "model/range_records.h"
 #include "model/step_ids.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // position, step, code, word, value, target, filter key, filter
 // clang-format off
@@ -40,9 +38,9 @@ constexpr RangeRecord kTempTable[] = {
 
 // clang-format on
 
-} // namespace
+}  // namespace
 
 constinit const std::span<const RangeRecord> kTcRecords = kTcTable;
 constinit const std::span<const RangeRecord> kTempRecords = kTempTable;
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -2,10 +2,8 @@
 #include "model/range_records.h"
 #include "model/step_ids.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // position, step, code, word, value, target, filter key, filter
 // clang-format off
@@ -22,8 +20,8 @@ constexpr RangeRecord kVfTable[] = {
 
 // clang-format on
 
-} // namespace
+}  // namespace
 
 constinit const std::span<const RangeRecord> kVfRecords = kVfTable;
 
-} // namespace ombrix
+}  // namespace ombrix

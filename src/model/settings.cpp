@@ -13,8 +13,7 @@
 #include "platform/text.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 int DcRatioRange = 0;
 float DcRatioReading = 16390;
@@ -26,8 +25,7 @@ std::string VFLow;
 std::string VFHigh;
 std::array<std::string, 9> SendFileDefaults;
 
-namespace
-{
+namespace {
 
 constexpr float kDefaultRatioReading = 16390;
 
@@ -129,7 +127,7 @@ std::string FilterSetting(const std::string &board, const FilterDefault &filter)
     const std::string key = board + "." + filter.key;
     std::string code = IniGet("Filter", key);
     if (code.empty())
-        code = IniGet("Filter", filter.key + "." + board); // as some older files have it
+        code = IniGet("Filter", filter.key + "." + board);  // as some older files have it
     if (code.size() != filter.code.size())
         code = filter.code;
     IniSet("Filter", key, code);
@@ -150,7 +148,7 @@ void TakeSendFile(const std::string &boardName, const std::string &file)
         SendFileDefaults[static_cast<std::size_t>(board)] = file;
 }
 
-} // namespace
+}  // namespace
 
 void InitTables()
 {
@@ -295,4 +293,4 @@ std::string PortDevice(int port)
     return port == 1 || port == 2 ? portDevices[static_cast<std::size_t>(port - 1)] : "";
 }
 
-} // namespace ombrix
+}  // namespace ombrix

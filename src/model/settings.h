@@ -3,8 +3,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Fills all tables with their defaults and overlays them with the settings of Ombrix.ini in the current folder. A
 /// first start leaves a complete file.
@@ -35,4 +34,4 @@ void SaveAnaCal();
 /// The device behind COM1 or COM2 (section Ports), by number 1 or 2.
 std::string PortDevice(int port);
 
-} // namespace ombrix
+}  // namespace ombrix

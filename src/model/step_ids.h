@@ -1,8 +1,7 @@
 // The steps of all boards by id, as they stand in the table of titles.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 struct Step {
     enum Id {
@@ -72,4 +71,4 @@ struct Step {
     static constexpr int kCount = 61;
 };
 
-} // namespace ombrix
+}  // namespace ombrix
