@@ -3,29 +3,20 @@
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
 #include "links/meter_protocol.h"
-#include "links/meter_simulator.h"
-#include "links/uut.h"
-#include "model/settings.h"
 #include "platform/clock.h"
-#include "platform/fault.h"
 #include "platform/text.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/state.h"
 
-#include <algorithm>
-#include <cctype>
-
 namespace ombrix
 {
 
-std::string MeterError;
 int LastDisplaySetup = 0;
 
 namespace
 {
 
-constexpr int kNotFound = 99;
 constexpr int kRestartMs = 1750;
 constexpr int kCtrRestartMs = 5000; // the longest until a counter gives its sign of life
 constexpr int kMaxBlock = 35;       // what one count character can tell
@@ -51,8 +42,9 @@ Halves HalvesOf(int count)
 std::string HexDigits(std::string_view text)
 {
     std::string digits(text);
-    std::transform(digits.begin(), digits.end(), digits.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    for (char &c : digits)
+        if (c >= 'a' && c <= 'f')
+            c = static_cast<char>(c - 'a' + 'A');
     return IsHexText(digits) ? digits : "";
 }
 
@@ -77,44 +69,6 @@ std::string DisplaySetupData(int value)
     return Left("000000100000", 12 - hex.size()) + hex;
 }
 
-// The meter's answer to the look whether it is there: two bytes of working memory.
-void SetSetupBit(const std::string &answer)
-{
-    constexpr std::string_view kDigits = "0123456789ABCDEF";
-    constexpr std::string_view kBitOfTwoSet = "23236767ABABEFEF";
-    const std::size_t digit = kDigits.find(answer.front());
-    if (digit != std::string_view::npos)
-        WriteNvmWords(MeterKind == kCtr ? 30 : 18, kBitOfTwoSet[digit] + answer.substr(1), "");
-}
-
-void OpenRoute()
-{
-    if (!HardwareMode)
-        return;
-    if (MeterPort == 0) {
-        UutSetup("9600");
-        return;
-    }
-    comDPM.Open(PortDevice(MeterPort));
-    comDPM.SetRts(true);
-    comDPM.SetDtr(true);
-}
-
-int LookForMeter()
-{
-    OpenRoute();
-    MeterCommandA1();
-    const std::string answer = MeterQuery('G', 50, 2, "");
-    if (answer.size() != 2 * kByteDigits) {
-        MeterError = "Meter not found";
-        return kNotFound;
-    }
-    SendMeterCommand("X16DZ");
-    DecodeMeterType(ReadMeterLine());
-    SetSetupBit(answer);
-    return 0;
-}
-
 void SendAndWait(std::string_view payload, int ms)
 {
     SendMeterCommand(payload);
@@ -122,26 +76,6 @@ void SendAndWait(std::string_view payload, int ms)
 }
 
 } // namespace
-
-int OpenMeterLink()
-{
-    Abort = false;
-    SetMeterAddress("1");
-    MeterError.clear();
-    const ScopedFlag faults(SimAddressFaults);
-    try {
-        return LookForMeter();
-    } catch (const RuntimeFault &fault) {
-        MeterError = fault.what();
-        return fault.Number();
-    }
-}
-
-void CloseLinks()
-{
-    comCAL.Close();
-    comDPM.Close();
-}
 
 std::string ReadNvmWords(int address, int count, std::string_view suffix)
 {

@@ -1,9 +1,11 @@
-// What the station does with a meter: open the link, read the display, read and write its memories, put it on a range.
+// What the station does with a meter: read the display, read and write its memories, put it on a range.
 //
 // Words are 16 bits, told as four hexadecimal digits; a run of words is one text, addressed by its highest word and
 // running downward. A read or write that ends with Z lets the meter go on; without Z it restarts, and the operation
 // waits for that. Chain writes with Z and leave Z off the last one.
 #pragma once
+
+#include "links/meter_link.h"
 
 #include <string>
 #include <string_view>
@@ -11,17 +13,8 @@
 namespace ombrix
 {
 
-/// The failure word of OpenMeterLink.
-extern std::string MeterError;
 /// The last value given to the display setup words.
 extern int LastDisplaySetup;
-
-/// Opens the route and looks for a meter. 0 found; 99 "Meter not found" in MeterError; otherwise the number of a
-/// run-time fault, with its words in MeterError. Clears Abort.
-int OpenMeterLink();
-
-/// Closes both ports, whoever holds which: before the links open anew, and at the end.
-void CloseLinks();
 
 /// count words from `address` downward, 4 digits each; "" on silence, a wrong length or a character that
 /// is no hexadecimal digit. Without Z the meter restarts.
@@ -55,7 +48,7 @@ void WriteDisplaySetupWords(int value);
 /// The same, and nothing on a CTR, where these words are the customer's.
 void WriteDisplaySetupForward(int value);
 /// Puts the meter on a range, with one restart at the end: filter code (5 characters), range code (2 hex digits),
-/// value of the display setup words. Nothing when the filter code or the meter's answer has the wrong length.
+/// value of the display setup words. Nothing when a code or the meter's answer has the wrong length.
 void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
 void LoadFactoryMeterSetup();
 
