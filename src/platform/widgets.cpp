@@ -2,11 +2,15 @@
 
 #include "platform/fault.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
+#include <QEvent>
 #include <QFrame>
 #include <QGroupBox>
 #include <QLabel>
+#include <QMouseEvent>
+#include <QPalette>
 #include <QPushButton>
 #include <QRadioButton>
 
@@ -32,6 +36,30 @@ QColor TextOn(const QColor &fill)
     const double brightness = 0.299 * fill.red() + 0.587 * fill.green() + 0.114 * fill.blue();
     return brightness > 127 ? Qt::black : Qt::white;
 }
+
+// A push button paints its own face; filled behind it as well, its round corners would turn square.
+bool PaintsItsFace(const QWidget *widget)
+{
+    return qobject_cast<const QPushButton *>(widget) != nullptr;
+}
+
+class DoubleClickFilter : public QObject
+{
+public:
+    DoubleClickFilter(QObject *parent, Handler handler) : QObject(parent), m_handler(std::move(handler)) {}
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::MouseButtonDblClick ||
+            static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+            return false;
+        RunHandler(m_handler);
+        return true;
+    }
+
+private:
+    Handler m_handler;
+};
 
 } // namespace
 
@@ -84,15 +112,25 @@ QGroupBox *Group(QWidget *parent, const QString &name, const std::string &captio
     return group;
 }
 
+void OnDoubleClick(QWidget *widget, Handler handler)
+{
+    widget->installEventFilter(new DoubleClickFilter(widget, std::move(handler)));
+}
+
 void SetFill(QWidget *widget, const QColor &colour)
 {
+    const QColor dull = Mix(colour, QApplication::palette().color(QPalette::Window), 0.4);
     QPalette palette = widget->palette();
-    palette.setColor(QPalette::Window, colour);
-    palette.setColor(QPalette::Button, colour);
-    palette.setColor(QPalette::WindowText, TextOn(colour));
-    palette.setColor(QPalette::ButtonText, TextOn(colour));
+    for (const auto role : {QPalette::Window, QPalette::Button}) {
+        palette.setColor(role, colour);
+        palette.setColor(QPalette::Disabled, role, dull);
+    }
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText}) {
+        palette.setColor(role, TextOn(colour));
+        palette.setColor(QPalette::Disabled, role, Mix(TextOn(dull), dull, 0.5));
+    }
     widget->setPalette(palette);
-    widget->setAutoFillBackground(true);
+    widget->setAutoFillBackground(!PaintsItsFace(widget));
 }
 
 void ClearFill(QWidget *widget)
@@ -113,6 +151,33 @@ void SetOption(QAbstractButton *option, bool on)
     option->setAutoExclusive(exclusive);
     if (group)
         group->setExclusive(groupExclusive);
+}
+
+QColor Mix(const QColor &one, const QColor &other, double share)
+{
+    const auto part = [share](int of, int rest) { return static_cast<int>(of * share + rest * (1.0 - share)); };
+    return QColor(part(one.red(), other.red()), part(one.green(), other.green()), part(one.blue(), other.blue()));
+}
+
+bool IsDark(const QPalette &palette)
+{
+    return TextOn(palette.color(QPalette::Window)) == QColor(Qt::white);
+}
+
+QColor InfoBackground()
+{
+    return IsDark(QApplication::palette()) ? Mix(QColor(255, 215, 80), ButtonFace(), 0.3)
+                                           : Mix(QColor(255, 240, 130), ButtonFace(), 0.6);
+}
+
+QColor ScrollBarColour()
+{
+    return Mix(QColor(90, 130, 220), ButtonFace(), 0.35);
+}
+
+QColor ButtonFace()
+{
+    return QApplication::palette().color(QPalette::Active, QPalette::Button);
 }
 
 QColor Cyan()

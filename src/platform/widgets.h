@@ -13,6 +13,7 @@ class QColor;
 class QFrame;
 class QGroupBox;
 class QLabel;
+class QPalette;
 class QPushButton;
 class QRadioButton;
 class QWidget;
@@ -36,13 +37,26 @@ QLabel *Label(QWidget *parent, const QString &name, const std::string &text = ""
 QFrame *Shape(QWidget *parent, const QString &name);
 QGroupBox *Group(QWidget *parent, const QString &name, const std::string &caption);
 
-/// Fills a shape or label with a colour; text on it takes black or white, whichever reads better.
+/// Calls `handler` at each double click with the left button.
+void OnDoubleClick(QWidget *widget, Handler handler);
+
+/// Fills a shape, label or button with a colour; text on it takes black or white, whichever reads better. Disabled it
+/// is dull in colour and text.
 void SetFill(QWidget *widget, const QColor &colour);
 /// Back to the page's own colours.
 void ClearFill(QWidget *widget);
 
 /// Sets or clears an option of an exclusive group without its handler; clearing leaves none set.
 void SetOption(QAbstractButton *option, bool on);
+
+/// `share` (0..1) of one colour and the rest of the other.
+QColor Mix(const QColor &one, const QColor &other, double share);
+/// An idle item (the system's information background), a service item (its scroll bar), an item not in use (its
+/// button face): taken from the palette in force, so that they are told apart in light and in dark.
+QColor InfoBackground();
+QColor ScrollBarColour();
+QColor ButtonFace();
+bool IsDark(const QPalette &palette);
 
 /// Keys of the system's colours.
 QColor Cyan();

@@ -10,8 +10,17 @@ namespace
 
 std::map<int, StepEntry> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
+std::map<int, std::function<void()>> tabPreparations;
+
+template <class Procedure> Procedure Registered(const std::map<int, Procedure> &table, int key)
+{
+    const auto found = table.find(key);
+    return found == table.end() ? Procedure() : found->second;
+}
 
 } // namespace
+
+std::function<bool(int)> StepAllowed = [](int) { return true; };
 
 void RegisterSteps(std::initializer_list<int> stepIds, StepEntry entry)
 {
@@ -21,8 +30,7 @@ void RegisterSteps(std::initializer_list<int> stepIds, StepEntry entry)
 
 StepEntry EntryOfStep(int stepId)
 {
-    const auto found = stepTable.find(stepId);
-    return found == stepTable.end() ? StepEntry() : found->second;
+    return Registered(stepTable, stepId);
 }
 
 void RegisterPage(int index, std::function<void(QFrame *page)> build)
@@ -32,8 +40,17 @@ void RegisterPage(int index, std::function<void(QFrame *page)> build)
 
 std::function<void(QFrame *page)> BuilderOfPage(int index)
 {
-    const auto found = pageBuilders.find(index);
-    return found == pageBuilders.end() ? std::function<void(QFrame *)>() : found->second;
+    return Registered(pageBuilders, index);
+}
+
+void RegisterTab(int tab, std::function<void()> prepare)
+{
+    tabPreparations[tab] = std::move(prepare);
+}
+
+std::function<void()> PreparationOfTab(int tab)
+{
+    return Registered(tabPreparations, tab);
 }
 
 } // namespace ombrix

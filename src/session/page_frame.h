@@ -49,4 +49,11 @@ StepEntry EntryOfStep(int stepId);
 void RegisterPage(int index, std::function<void(QFrame *page)> build);
 std::function<void(QFrame *page)> BuilderOfPage(int index);
 
+/// `prepare` makes a tab ready when a board is applied on it, after its step buttons are filled.
+void RegisterTab(int tab, std::function<void()> prepare);
+std::function<void()> PreparationOfTab(int tab);
+
+/// A page's say in EnableSteps(true): a position for which it returns false stays off. All may be on at first.
+extern std::function<bool(int position)> StepAllowed;
+
 } // namespace ombrix

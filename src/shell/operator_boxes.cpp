@@ -1,0 +1,66 @@
+#include "shell/operator_boxes.h"
+
+#include "platform/clock.h"
+#include "platform/widgets.h"
+#include "shell/main_window.h"
+
+#include <QMainWindow>
+#include <QMessageBox>
+
+#include <vector>
+
+namespace ombrix
+{
+namespace
+{
+
+std::vector<QMessageBox *> openBoxes;
+bool silenced = false;
+
+class OpenBox
+{
+public:
+    explicit OpenBox(QMessageBox *box) { openBoxes.push_back(box); }
+    ~OpenBox() { openBoxes.pop_back(); }
+    OpenBox(const OpenBox &) = delete;
+    OpenBox &operator=(const OpenBox &) = delete;
+};
+
+// Shown and pumped, never run in a loop of its own: the program's one way to wait stays the only one.
+void AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string &title)
+{
+    if (silenced)
+        return;
+    QMessageBox box(icon, Caption(title), Caption(text), QMessageBox::Ok, frmOmbrix);
+    box.setTextFormat(Qt::PlainText);
+    box.setWindowModality(Qt::ApplicationModal);
+    const OpenBox scope(&box);
+    box.show();
+    while (box.isVisible())
+        PumpEvents(kForever);
+}
+
+} // namespace
+
+void PromptOperator(const std::string &text, const std::string &title)
+{
+    AskForOk(QMessageBox::Warning, text, title);
+}
+
+void WarnOperator(const std::string &text, const std::string &title)
+{
+    AskForOk(QMessageBox::Critical, text, title);
+}
+
+void CloseBoxes()
+{
+    for (QMessageBox *box : openBoxes)
+        box->hide();
+}
+
+void SilenceBoxes(bool on)
+{
+    silenced = on;
+}
+
+} // namespace ombrix

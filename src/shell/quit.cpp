@@ -1,0 +1,139 @@
+#include "shell/quit.h"
+
+#include "links/calibrator.h"
+#include "links/meter_operations.h"
+#include "links/meter_protocol.h"
+#include "model/settings.h"
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "shell/board_dialog.h"
+#include "shell/main_window.h"
+#include "shell/operator_boxes.h"
+
+#include <QCoreApplication>
+#include <QMainWindow>
+#include <QSocketNotifier>
+#include <QThread>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <fcntl.h>
+#include <memory>
+#include <unistd.h>
+
+namespace ombrix
+{
+namespace
+{
+
+// No click starts anything any more; what stood open below is not answered.
+void CloseDoors()
+{
+    frmOmbrix->centralWidget()->setEnabled(false);
+    CloseBoxes();
+    CloseBoardDialog();
+}
+
+// While an Establish runs, and after a failed or dropped one, there is no session, but the calibrator may hold its
+// output: whoever has its port open puts it down.
+void SpeakLastWords()
+{
+    if (!Established && !comCAL.IsOpen())
+        return;
+    if (comCAL.IsOpen() && CalPort == 0)
+        CalPort = 1; // dropped on the Setup page since: the port that is open is still the calibrator's
+    RequestStop();
+    CalibratorStandby();
+    CalibratorLocal();
+    if (Established)
+        WriteDisplaySetupForward(1);
+}
+
+void SaveSettings()
+{
+    SaveGains();
+    SaveCalibValues();
+}
+
+// ---- signals ----
+
+std::array<int, 2> signalPipe = {-1, -1};
+std::unique_ptr<QSocketNotifier> signalNotifier;
+
+extern "C" void HandleSignal(int)
+{
+    const int before = errno;
+    const char byte = 0;
+    [[maybe_unused]] const auto written = write(signalPipe[1], &byte, 1);
+    errno = before;
+}
+
+void ReadSignal()
+{
+    char byte = 0;
+    while (read(signalPipe[0], &byte, 1) == 1) {
+    }
+    RunHandler([] { Quit(QuitBy::Signal); });
+}
+
+void InstallHandler(void (*handler)(int))
+{
+    struct sigaction action {
+    };
+    action.sa_handler = handler;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_RESTART;
+    for (const int number : {SIGTERM, SIGINT})
+        sigaction(number, &action, nullptr);
+}
+
+} // namespace
+
+void Quit(QuitBy by)
+{
+    if (by == QuitBy::Signal) {
+        SilenceBoxes(true);
+        CloseBoxes();
+    }
+    if (Quitting)
+        return;
+    Quitting = true;
+    Abort = false;
+    {
+        const NoShutdownScope lastWords;
+        CloseDoors();
+        RunHandler(SpeakLastWords); // whatever fails there, the rest follows
+        comCAL.Close();
+        comDPM.Close();
+        RunHandler(SaveSettings);
+    }
+    RequestShutdown();
+    frmOmbrix->hide();
+    if (QThread::currentThread()->loopLevel() > 0)
+        QCoreApplication::exit(0);
+}
+
+void WatchSignals()
+{
+    if (pipe2(signalPipe.data(), O_NONBLOCK | O_CLOEXEC) != 0)
+        return; // the signals then end the program at once, as for any other
+    signalNotifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
+    QObject::connect(signalNotifier.get(), &QSocketNotifier::activated, signalNotifier.get(), ReadSignal);
+    InstallHandler(HandleSignal);
+}
+
+void StopWatchingSignals()
+{
+    InstallHandler(SIG_DFL);
+    signalNotifier.reset();
+    for (int &end : signalPipe) {
+        if (end >= 0)
+            close(end);
+        end = -1;
+    }
+}
+
+} // namespace ombrix

@@ -1,0 +1,17 @@
+// The way out: standby, local, settings saved, from whatever the station is doing.
+#pragma once
+
+namespace ombrix
+{
+
+enum class QuitBy { Operator, Signal };
+
+/// Ends the session and then, through the pump, every procedure on the stack; the event loop if one runs. Once.
+/// By a signal nobody is asked anything.
+void Quit(QuitBy by);
+
+/// SIGTERM and SIGINT take the same road.
+void WatchSignals();
+void StopWatchingSignals();
+
+} // namespace ombrix

@@ -1,0 +1,84 @@
+#include "shell/simulation_switch.h"
+
+#include "platform/widgets.h"
+#include "session/outlets.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "shell/board_dialog.h"
+#include "shell/main_window.h"
+#include "shell/navigation_lock.h"
+#include "shell/setup_page.h"
+
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
+
+namespace ombrix
+{
+namespace
+{
+
+QFrame *shpSim = nullptr;
+QLabel *lblSim = nullptr;
+
+// The operator picks the simulated meter; the session follows at the next Establish or tab.
+void lblSim_DoubleClick()
+{
+    if (HardwareMode || !TabChangeAllowed)
+        return;
+    RunProcedure([] {
+        const NavigationLock lock;
+        ShowSCDialogFull = 0;
+        AskBoard();
+    });
+}
+
+} // namespace
+
+QWidget *BuildSimulationMark(QWidget *parent)
+{
+    auto *fraSim = new QFrame(parent);
+    fraSim->setObjectName("fraSim");
+    lblRev = Label(fraSim, "lblRev");
+    lblRev->setAlignment(Qt::AlignCenter);
+    lblRev->setMinimumWidth(lblRev->fontMetrics().horizontalAdvance("Rev A2"));
+    shpSim = Shape(fraSim, "shpSim");
+    SetFill(shpSim, Cyan());
+    lblSim = Label(shpSim, "lblSim", "S");
+    lblSim->setToolTip("Simulation: the station answers for meter and calibrator");
+    QFont font = lblSim->font();
+    font.setPointSize(font.pointSize() + 6);
+    font.setBold(true);
+    lblSim->setFont(font);
+    auto *mark = new QHBoxLayout(shpSim);
+    mark->setContentsMargins(8, 2, 8, 2);
+    mark->addWidget(lblSim);
+    OnDoubleClick(lblSim, lblSim_DoubleClick);
+    auto *row = new QHBoxLayout(fraSim);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(lblRev);
+    row->addWidget(shpSim);
+    return fraSim;
+}
+
+void ShowSimFlag(bool on)
+{
+    shpSim->setVisible(on);
+    lblSim->setVisible(on);
+}
+
+void SwitchSimulation()
+{
+    if (!SimToggleAllowed || ProcedureRunning())
+        return;
+    ResetSession();
+    HardwareMode = !HardwareMode;
+    if (HardwareMode)
+        outlets.showSwitch(false);
+    ShowSimFlag(!HardwareMode);
+    RealTimeDelays = HardwareMode;
+    HideStatus();
+    ShowPortNotes();
+}
+
+} // namespace ombrix

@@ -1,0 +1,82 @@
+#include "shell/station.h"
+
+#include "links/calibrator.h"
+#include "links/calibrator_simulator.h"
+#include "links/meter_protocol.h"
+#include "links/meter_simulator.h"
+#include "model/ini_store.h"
+#include "model/settings.h"
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "session/outlets.h"
+#include "session/page_frame.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "shell/board_chooser.h"
+#include "shell/main_window.h"
+#include "shell/operator_boxes.h"
+#include "shell/output_panel.h"
+#include "shell/setup_page.h"
+#include "shell/simulation_switch.h"
+#include "shell/status_line.h"
+#include "shell/step_buttons.h"
+#include "shell/tab_strip.h"
+#include "shell/theme.h"
+
+#include <QMainWindow>
+
+namespace ombrix
+{
+
+void FillOutlets()
+{
+    outlets.showOutput = ShowOutput;
+    outlets.showDangerFlag = ShowDangerFlag;
+    outlets.promptOperator = PromptOperator;
+    outlets.warnOperator = WarnOperator;
+    outlets.showSwitchText = ShowSwitchText;
+    outlets.showSwitch = ShowSwitch;
+    outlets.showWait = ShowWait;
+    outlets.showRemark = ShowRemark;
+    FaultOutlet = ShowRemark;
+}
+
+void RegisterPages()
+{
+    RegisterSetupPage();
+}
+
+void OpenStation()
+{
+    InitSessionState();
+    ClearStop();
+    SilenceBoxes(false);
+    InitMeterSimulator();
+    InitCalibratorSimulator();
+    BuildMainWindow();
+    ShowBoardChooser(false);
+    InitTables();
+    ApplyTheme(IniGet("Look", "Theme"));
+    ShowSwitch(false);
+    HideAssumed();
+    BlankSteps();
+    BuildPages();
+    ShowSimFlag(false);
+    frmOmbrix->show();
+    ResetSession();
+    HideStatus();
+    TabEventsMuted = true;
+    PutStripOn(kTabDc);
+    OpenSetup();
+}
+
+void CloseStation()
+{
+    comCAL.Close();
+    comDPM.Close();
+    DestroyMainWindow();
+    outlets = Outlets();
+    FaultOutlet = [](const std::string &) {};
+}
+
+} // namespace ombrix

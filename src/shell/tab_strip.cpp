@@ -1,0 +1,171 @@
+#include "shell/tab_strip.h"
+
+#include "links/calibrator.h"
+#include "links/meter_identity.h"
+#include "model/range_tables.h"
+#include "platform/fault.h"
+#include "platform/widgets.h"
+#include "session/page_frame.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "shell/board_chooser.h"
+#include "shell/main_window.h"
+#include "shell/navigation_lock.h"
+#include "shell/step_buttons.h"
+
+#include <QGuiApplication>
+#include <QLabel>
+#include <QPushButton>
+#include <QTabBar>
+
+#include <utility>
+
+namespace ombrix
+{
+namespace
+{
+
+QTabBar *tabCalib = nullptr;
+int stripTab = 0; // where the strip stood last, also when nothing followed
+
+bool CarriesFamily(int tab)
+{
+    return tab == kTabAc || tab == kTabTc;
+}
+
+int BoardLastUsedOn(int tab)
+{
+    switch (tab) {
+    case kTabAc:
+        return LastAcBoard;
+    case kTabTc:
+        return LastTempBoard;
+    default:
+        return tab;
+    }
+}
+
+// Board and mismatch of the tab in front. On a tab that isn't the meter's own the board is the one last used there.
+void TakeTab()
+{
+    CalibTab = tabCalib->currentIndex();
+    TabMismatch = false;
+    if (CalibTab >= kTabAnaCal)
+        return;
+    TabMismatch = MeterTab != CalibTab;
+    SCType = TabMismatch ? BoardLastUsedOn(CalibTab) : MeterSCType;
+    if (CalibTab == kTabAc)
+        LastAcBoard = SCType;
+    else if (CalibTab == kTabTc)
+        LastTempBoard = SCType;
+}
+
+void EnterTab()
+{
+    RequestStop();
+    if (Automatic)
+        CalibratorStandby();
+    if (ReadIdentityOnTabChange)
+        ReadIdentity();
+    TakeTab();
+    ApplyBoard();
+    if (TabMismatch && CarriesFamily(CalibTab))
+        ShowBoardChooser(true);
+}
+
+void ClickTab(int previous)
+{
+    if (TabEventsMuted)
+        return;
+    if (!TabChangeAllowed) {
+        PutStripOn(previous);
+        return;
+    }
+    RunAfterStop([] {
+        const NavigationLock lock;
+        EnterTab();
+    });
+}
+
+// The strip moved: by a click, by a key, or by code, which mutes.
+void tabCalib_Change(int tab)
+{
+    const int previous = std::exchange(stripTab, tab);
+    ClickTab(previous);
+}
+
+// A click on the tab in front moves nothing, and counts all the same.
+void tabCalib_Press(int tab)
+{
+    if (tab == tabCalib->currentIndex() && QGuiApplication::mouseButtons() == Qt::LeftButton)
+        ClickTab(tab);
+}
+
+} // namespace
+
+QWidget *BuildTabStrip(QWidget *parent)
+{
+    tabCalib = new QTabBar(parent);
+    tabCalib->setObjectName("tabCalib");
+    for (const char *caption : {"DC", "AC", "LC", "TC", "VF", "AnaCal"})
+        tabCalib->addTab(caption);
+    tabCalib->setExpanding(false);
+    QFont font = tabCalib->font();
+    font.setPointSize(font.pointSize() + 2);
+    tabCalib->setFont(font);
+    stripTab = tabCalib->currentIndex();
+    QObject::connect(tabCalib, &QTabBar::currentChanged, tabCalib,
+                     [](int tab) { RunHandler([tab] { tabCalib_Change(tab); }); });
+    QObject::connect(tabCalib, &QTabBar::tabBarClicked, tabCalib,
+                     [](int tab) { RunHandler([tab] { tabCalib_Press(tab); }); });
+    return tabCalib;
+}
+
+void PutStripOn(int tab)
+{
+    const ScopedFlag muted(TabEventsMuted);
+    tabCalib->setCurrentIndex(tab);
+}
+
+void PutStripOnOpenTab()
+{
+    PutStripOn(CalibTab);
+}
+
+void OpenBoardTab()
+{
+    const int tab = TabOfBoard(SCType);
+    if (tabCalib->currentIndex() == tab) {
+        TakeTab();
+        ApplyBoard();
+        return;
+    }
+    PutStripOn(tab);
+    const ScopedFlag identityIsKnown(ReadIdentityOnTabChange, false);
+    EnterTab();
+}
+
+void ReadIdentity()
+{
+    ReadMeterIdentity();
+    lblRev->setText(Caption("Rev\r\n" + MeterRevText));
+    MeterTab = TabOfBoard(MeterSCType);
+}
+
+void ApplyBoard()
+{
+    CaptionBoardTab();
+    FillStepTable();
+    SelectStep(-1);
+    ShowCalPanel(CalibTab < kTabAnaCal);
+    if (const auto prepare = PreparationOfTab(CalibTab))
+        prepare();
+}
+
+void CaptionBoardTab()
+{
+    if (CalibTab < kTabVf)
+        tabCalib->setTabText(CalibTab, Caption(BoardName(SCType)));
+}
+
+} // namespace ombrix

@@ -1,0 +1,27 @@
+// tabCalib: one tab for each family of boards, and what a click on it does.
+#pragma once
+
+class QWidget;
+
+namespace ombrix
+{
+
+QWidget *BuildTabStrip(QWidget *parent);
+
+/// Moves the strip without any reaction.
+void PutStripOn(int tab);
+/// The same to the tab that is open: an operator who clicked a tab and then something else has left it.
+void PutStripOnOpenTab();
+
+/// Opens the tab of the identified board; the identity was just read.
+void OpenBoardTab();
+
+/// Reads the meter's identity and shows its revision.
+void ReadIdentity();
+
+/// Captions the open tab, fills the steps for SCType, leaves the step, shows or hides the output panel.
+void ApplyBoard();
+/// A tab of 0 to 3 is named after the board in work.
+void CaptionBoardTab();
+
+} // namespace ombrix
