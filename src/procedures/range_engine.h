@@ -5,37 +5,39 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
+
+/// What a reading function returns instead of a reading when its live loop is to end.
+constexpr std::string_view kStop = "STOP";
 
 /// The step in work, filled by LoadStep.
 struct StepContext {
     int RangeCodeIndex = 0;
-    std::string RangeCode; ///< two hex digits
-    int SampleCount = 4;   ///< value of the display setup words
+    std::string RangeCode;  ///< two hex digits
+    int SampleCount = 4;    ///< value of the display setup words
     std::int32_t TargetCounts = 0;
     float TargetCountsF = 0;
-    std::string CalValue; ///< calibrator value
+    std::string CalValue;  ///< calibrator value
     int StepNvmWord = 0;
-    std::string StepWordHex; ///< the word now in the meter
+    std::string StepWordHex;  ///< the word now in the meter
     std::string FilterCode;
-    bool TurnoverStep = false;     ///< reads at + and - input
-    bool OffsetStep = false;       ///< the word is a signed offset
-    bool ProportionalStep = false; ///< corrected by the ratio rule
-    bool TripleWordStep = false;   ///< the word has companions
+    bool TurnoverStep = false;      ///< reads at + and - input
+    bool OffsetStep = false;        ///< the word is a signed offset
+    bool ProportionalStep = false;  ///< corrected by the ratio rule
+    bool TripleWordStep = false;    ///< the word has companions
     std::int32_t WordMin = 0;
     std::int32_t WordMax = 65535;
     float SpanFraction = 1.0f;
     float SpanRemainder = 0.0f;
-    float NominalSlope = 0.0f; ///< word counts per display count
+    float NominalSlope = 0.0f;  ///< word counts per display count
     std::int32_t Readings[2] = {0, 0};
     float ReadingsF[2] = {0, 0};
     float FirstPointWord = 0;
     float FirstPointReading = 0;
     float PrevWord = 0;
     float PrevReading = 0;
-    bool CorrectionLimited = false; ///< the last computed word was clamped
-    std::string ZeroValue;          ///< VF: value of the low point
+    bool CorrectionLimited = false;  ///< the last computed word was clamped
+    std::string ZeroValue;           ///< VF: value of the low point
 };
 extern StepContext step;
 
@@ -76,4 +78,4 @@ std::string ReadingErrorText();
 /// A word as a number: signed on an offset step, else unsigned.
 std::int32_t HexWordToNumber(std::string_view hex);
 
-} // namespace ombrix
+}  // namespace ombrix
