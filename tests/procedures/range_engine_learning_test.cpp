@@ -1,0 +1,110 @@
+#include "procedures/engine_fixture.h"
+
+#include "model/nominals.h"
+#include "platform/text.h"
+
+namespace ombrix::test {
+namespace {
+
+class Learning : public OnSimulator
+{
+protected:
+    void SetUp() override
+    {
+        OnSimulator::SetUp();
+        Opens(kDc, 4);
+    }
+};
+
+struct SlopeRow {
+    float nominal, firstWord, firstReading;
+    const char *word;
+    bool offset;
+    const char *cell;
+    float learned;  // the nominal slope itself: nothing is learned
+    const char *stored;
+};
+
+constexpr SlopeRow kSlopes[] = {
+    {9.737f, 0, -13, "006E", true, "1", 9.549014f, "9.5490"},
+    {9.737f, 0, -13, "006E", true, "-1", 9.549014f, "9.5490"},
+    {9.737f, 0, 13, "FF81", true, "-2", 9.917846f, "9.9178"},
+    {3.35f, 35144, 79960, "8A0A", false, "+80003\r\n-79995", 3.512436f, "3.5124"},
+    {3.153f, 30248, 80040, "7628", false, "+80003\r\n-79995", 3.153f, ""},
+    {3.0945f, 32768, 79997, "8009", false, "+80001\r\n-79999", 3.08505f, "3.0851"},
+    {3.0945f, 32768, 79997, "8009", false, "+79998\r\n-79996", 3.0945f, ""},
+    {31.4f, 256, 4010, "FFC6", true, "4001", 31.74889f, "31.7489"},
+    {9.737f, 0, -13, "006E", true, "-13", 9.186377f, "9.1864"},
+    {9.737f, 0, 13, "006E", true, "-13", 9.737f, ""},
+};
+
+TEST_F(Learning, MovesTheNominalSlopeATenthOfTheWay)
+{
+    for (const SlopeRow &row : kSlopes) {
+        SCOPED_TRACE(std::string(row.word) + " " + row.cell);
+        InitNominals();
+        step.OffsetStep = row.offset;
+        step.NominalSlope = row.nominal;
+        step.FirstPointWord = row.firstWord;
+        step.FirstPointReading = row.firstReading;
+        step.StepWordHex = row.word;
+        UpdateNominalSlope(row.cell);
+        EXPECT_FLOAT_EQ(step.NominalSlope, row.learned);
+        const bool learns = row.learned != row.nominal;
+        EXPECT_EQ(SlopesDirty, learns);
+        if (learns) {
+            EXPECT_EQ(GetNominalSlope(32), step.NominalSlope);
+            EXPECT_EQ(Format(step.NominalSlope, 4), row.stored);
+        }
+    }
+}
+
+TEST_F(Learning, TakesACellWithALineBreakOfTheWindowAlike)
+{
+    step.NominalSlope = 3.35f;
+    step.FirstPointWord = 35144;
+    step.FirstPointReading = 79960;
+    step.StepWordHex = "8A0A";
+    UpdateNominalSlope("+80003\n-79995");
+    EXPECT_FLOAT_EQ(step.NominalSlope, 3.512436f);
+}
+
+TEST_F(Learning, LearnsNoSlopeWhenTheWordIsThatOfTheFirstRound)
+{
+    step.StepWordHex = "8948";
+    step.FirstPointWord = 0x8948;
+    step.FirstPointReading = 79000;
+    UpdateNominalSlope("80000");
+    EXPECT_EQ(step.NominalSlope, 3.35f);
+    EXPECT_FALSE(SlopesDirty);
+}
+
+struct WordRow {
+    const char *old, *word;
+    bool offset;
+    const char *learned;
+};
+
+TEST_F(Learning, MovesTheNominalWordATenthOfTheWay)
+{
+    const WordRow rows[] = {
+        {"8948", "8952", false, "8949"}, {"8948", "894D", false, "8948"}, {"8948", "894C", false, "8948"},
+        {"8949", "894E", false, "894A"}, {"0660", "0000", true, "05BD"},  {"FFF0", "0010", true, "FFF3"},
+        {"0000", "FFFB", true, "0000"},  {"0000", "FFF1", true, "FFFE"},  {"FFFF", "FFFF", true, "FFFF"},
+        {"3400", "8100", true, "221A"},  {"3400", "8100", false, "3BB3"}, {"FFFF", "0000", false, "E666"},
+    };
+    for (const WordRow &row : rows) {
+        SCOPED_TRACE(std::string(row.old) + " toward " + row.word);
+        SetNominalWord(32, row.old);
+        NominalDirty = false;
+        UpdateNominalWordFor(32, row.word, row.offset);
+        EXPECT_EQ(GetNominalWord(32), row.learned);
+        EXPECT_EQ(NominalDirty, std::string(row.old) != row.learned);
+        EXPECT_EQ(step.StepNvmWord, 32);
+        EXPECT_EQ(step.StepWordHex, row.word);
+        EXPECT_EQ(step.OffsetStep, row.offset);
+    }
+}
+
+}  // namespace
+}  // namespace ombrix::test
