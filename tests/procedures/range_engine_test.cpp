@@ -484,7 +484,7 @@ TEST_F(StepWord, ClearsCorrectionLimitedWithTheNextGoodCorrection)
     Reads(0);
     ComputeCorrectedWord(true);
     EXPECT_TRUE(step.CorrectionLimited);
-    Reads(105000);
+    Reads(90000);
     ComputeCorrectedWord(false);
     EXPECT_FALSE(step.CorrectionLimited);
 }
