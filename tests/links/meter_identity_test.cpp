@@ -175,13 +175,10 @@ TEST_F(MeterIdentity, OfASilentMeterIsUnknown)
 TEST_F(MeterIdentity, TheBoardByteIs00WhenItCannotBeRead)
 {
     EXPECT_EQ(ReadBoardCodeByte(), "00");
-    Answers("X110", "006");
-    EXPECT_EQ(ReadBoardCodeByte(), "00");
-    Answers("X110", "0");
-    Answers("X110", "0080");
-    ReadBoardCodeByte();
-    EXPECT_EQ(ReadBoardCodeByte(), "00");
-    EXPECT_EQ(ReadBoardCodeByte(), "80");
+    for (const char *line : {"006", "0", "00800080", "0080"})
+        Answers("X110", line);
+    for (const char *byte : {"00", "00", "00", "80"})
+        EXPECT_EQ(ReadBoardCodeByte(), byte);
 }
 
 TEST_F(MeterIdentity, EachBoardHasItsByte)
