@@ -43,7 +43,8 @@ std::string OutputLine(const std::string &value, std::string_view mode)
 // One question and its answer. A late answer to an earlier question would be taken for this one's.
 std::string AskCalibrator(std::string_view question)
 {
-    comCAL.ReadAll();
+    if (HardwareMode)
+        comCAL.ReadAll();
     SendCalibratorCommand(question);
     return ReadCalibratorLine();
 }

@@ -1,0 +1,694 @@
+#include "links/links_fixture.h"
+
+#include <algorithm>
+
+using namespace ombrix;
+using namespace ombrix::test;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+class Calibrator : public LinksTest
+{
+protected:
+    void SetUp() override
+    {
+        LinksTest::SetUp();
+        OpenCalibratorPort();
+    }
+
+    int Count(const std::string &write) const
+    {
+        const auto writes = calibrator.Writes();
+        return static_cast<int>(std::count(writes.begin(), writes.end(), write));
+    }
+
+    void ByHand()
+    {
+        Automatic = false;
+        CalPort = 0;
+    }
+};
+
+// ---- opening ----
+
+class CalibratorLink : public LinksTest
+{
+};
+
+TEST_F(CalibratorLink, OpensResetsTakesRemoteAndAsksForErrors)
+{
+    calibrator.Answers("ERR?\n", kNoError, 30);
+    CalHzFlag = true;
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_THAT(calibrator.Writes(), ElementsAre("*RST ; *CLS\n", "REMOTE\n", "ERR?\n"));
+    EXPECT_EQ(calibrator.log.front(), "open");
+    EXPECT_FALSE(CalHzFlag);
+    EXPECT_TRUE(CalStandbyFlag) << "a reset calibrator is in standby";
+    EXPECT_EQ(CalError, "");
+    EXPECT_EQ(clock.Elapsed(), 30);
+    EXPECT_THAT(waits, ElementsAre("Calibrator: waiting for reply", ""));
+}
+
+TEST_F(CalibratorLink, ASilentCalibratorIsNotFound)
+{
+    EXPECT_EQ(OpenCalibratorLink(), 99);
+    EXPECT_EQ(CalError, "Calibrator not found");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST_F(CalibratorLink, AnErrorInItsQueueIsNoFailure)
+{
+    calibrator.Answers("ERR?\n", "-113,\"Undefined header\"\r\n");
+    calibrator.Answers("ERR?\n", kNoError);
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_EQ(CalError, "");
+}
+
+TEST_F(CalibratorLink, ABusyPortIsAFaultWithItsNumberAndWords)
+{
+    calibrator.RefusesToOpen(16, "Device or resource busy");
+    EXPECT_EQ(OpenCalibratorLink(), 16);
+    EXPECT_EQ(CalError, "Device or resource busy");
+    EXPECT_FALSE(CalStandbyFlag);
+    calibrator.RefusesToOpen(0, "");
+    calibrator.Answers("ERR?\n", kNoError);
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_EQ(CalError, "");
+}
+
+TEST_F(CalibratorLink, ASecondOpeningReopensThePort)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    calibrator.Forget();
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_EQ(calibrator.log[0], "close");
+    EXPECT_EQ(calibrator.log[1], "open");
+}
+
+TEST_F(CalibratorLink, InManualModeSucceedsWithoutSpeaking)
+{
+    CalPort = 0;
+    CalStandbyFlag = true;
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_THAT(calibrator.log, IsEmpty());
+    EXPECT_FALSE(CalStandbyFlag);
+    ResetCalibrator();
+    CalibratorRemote();
+    CalibratorLocal();
+    EXPECT_FALSE(CalStandbyFlag) << "no calibrator, no reset";
+}
+
+TEST_F(CalibratorLink, InSimulationSucceedsWithoutSpeaking)
+{
+    Simulate();
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_THAT(calibrator.log, IsEmpty());
+}
+
+TEST_F(CalibratorLink, NothingIsSentWhileThePortIsClosed)
+{
+    SendCalibratorCommand("LOCAL");
+    EXPECT_THAT(calibrator.log, IsEmpty());
+    EXPECT_EQ(ReadCalibratorLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+// ---- lines ----
+
+TEST_F(Calibrator, ACommandEndsInLineFeed)
+{
+    SendCalibratorCommand("REMOTE");
+    CalibratorLocal();
+    EXPECT_EQ(calibrator.Heard(), "REMOTE\nLOCAL\n");
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Calibrator, NothingIsSentWithoutACalibratorPort)
+{
+    CalPort = 0;
+    SelectRtd();
+    SetZComp("WIRE4");
+    CalibratorLocal();
+    EXPECT_THAT(calibrator.log, IsEmpty());
+}
+
+TEST_F(Calibrator, ChunksWaitTheirTime)
+{
+    EXPECT_EQ(ReceiveCalibratorChunk1s(), "");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+    EXPECT_EQ(CalWaitMs, 1000);
+    clock.Restart();
+    EXPECT_EQ(ReceiveCalibratorChunk5s(), "");
+    EXPECT_EQ(clock.Elapsed(), 5000);
+    EXPECT_EQ(CalWaitMs, 5000);
+    clock.Restart();
+    calibrator.Says("x", 4999);
+    EXPECT_EQ(ReceiveCalibratorChunk(), "x");
+    EXPECT_EQ(clock.Elapsed(), 4999);
+}
+
+TEST_F(Calibrator, InputIsLookedAtBeforeTheLimit)
+{
+    CallAfter(100, [this] {
+        calibrator.Says("1\r\n");
+        clock.Advance(9000);
+    });
+    EXPECT_EQ(ReceiveCalibratorChunk1s(), "1\r\n");
+}
+
+TEST_F(Calibrator, ALineEndsInCarriageReturnAndLineFeed)
+{
+    calibrator.SaysByteByByte("0,\"No Error\"\r\nrest", 50, 1);
+    EXPECT_EQ(ReadCalibratorLine(), "0,\"No Error\"");
+    EXPECT_EQ(CalReply, "0,\"No Error\"");
+    EXPECT_EQ(clock.Elapsed(), 50 + 13);
+}
+
+TEST_F(Calibrator, ALineWithoutItsEndIsEmpty)
+{
+    calibrator.Says("12\r", 300);
+    EXPECT_EQ(ReadCalibratorLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 1300);
+}
+
+TEST_F(Calibrator, AbortEndsALineAtTheEndOfTheChunk)
+{
+    AbortsAfter(100);
+    calibrator.SaysByteByByte(std::string(50, 'x'), 400, 400);
+    EXPECT_EQ(ReadCalibratorLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 400);
+    EXPECT_EQ(ReadCalibratorLine(), "") << "and keeps the next from waiting";
+    EXPECT_EQ(clock.Elapsed(), 400);
+}
+
+TEST_F(Calibrator, AChatteringLineEnds)
+{
+    CallAfter(1, [this] {
+        for (int i = 0; i < 100; ++i)
+            calibrator.Says(std::string(100, 'x'), 100 * i + 1);
+    });
+    EXPECT_EQ(ReadCalibratorLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 4002);
+}
+
+TEST_F(Calibrator, AVanishedPortIsPacedSilence)
+{
+    calibrator.Vanishes();
+    EXPECT_EQ(CheckCalibratorErrors(), "");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+// ---- errors ----
+
+TEST_F(Calibrator, TheWholeErrorQueueIsEmptiedAndTheFirstEntryReturned)
+{
+    calibrator.Answers("ERR?\n", "-113,\"Undefined header\"\r\n");
+    calibrator.Answers("ERR?\n", "-222,\"Data out of range\"\r\n");
+    calibrator.Answers("ERR?\n", kNoError);
+    EXPECT_EQ(CheckCalibratorErrors(), "-113,\"Undefined header\"");
+    EXPECT_EQ(Count("ERR?\n"), 3);
+}
+
+TEST_F(Calibrator, SilenceBehindAnErrorEndsTheQueue)
+{
+    calibrator.Answers("ERR?\n", "-113,\"Undefined header\"\r\n");
+    calibrator.Answers("ERR?\n", "");
+    EXPECT_EQ(CheckCalibratorErrors(), "-113,\"Undefined header\"");
+    EXPECT_EQ(Count("ERR?\n"), 2);
+}
+
+TEST_F(Calibrator, AnEndlessErrorQueueIsReadAtMost32Times)
+{
+    calibrator.Answers("ERR?\n", "0\r\n", 10);
+    EXPECT_EQ(CheckCalibratorErrors(), "0");
+    EXPECT_EQ(Count("ERR?\n"), 32);
+}
+
+TEST_F(Calibrator, AbortEndsTheErrorQueue)
+{
+    calibrator.Answers("ERR?\n", "-113,\"Undefined header\"\r\n", 100);
+    AbortsAfter(250);
+    CheckCalibratorErrors();
+    EXPECT_EQ(Count("ERR?\n"), 3);
+}
+
+TEST_F(Calibrator, ALateReplyIsNoAnswerToTheNextQuestion)
+{
+    calibrator.Says("1\r\n");
+    calibrator.Answers("ERR?\n", kNoError, 5);
+    EXPECT_EQ(CheckCalibratorErrors(), "0,\"No Error\"");
+    EXPECT_EQ(Count("ERR?\n"), 1);
+}
+
+// ---- the output ----
+
+TEST_F(Calibrator, AnOutputIsSetPolledAndReadBack)
+{
+    calibrator.Answers("ERR?\n", kNoError, 20);
+    calibrator.Answers("OPER?\n", "0\r\n", 20);
+    calibrator.Answers("OPER?\n", "1\r\n", 20);
+    calibrator.Answers("OUT?\n", "2.0003E-01,V,0E+00,0,0.00E+00\r\n", 20);
+    CalStandbyFlag = true;
+    EXPECT_TRUE(SetCalibratorOutput("200 mV", "OPER"));
+    EXPECT_THAT(calibrator.Writes(),
+                ElementsAre("ERR?\n", "OUT 200 mV ; OPER ; *WAI\n", "OPER?\n", "OPER?\n", "OUT?\n"));
+    EXPECT_THAT(calibrator.writeTimes, ElementsAre(0, 20, 520, 1040, 1060));
+    EXPECT_EQ(clock.Elapsed(), 1080);
+    EXPECT_EQ(panel, "200.0 mV");
+    EXPECT_EQ(Flag(), Danger::Warning);
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_THAT(waits, ElementsAre("Calibrator: waiting for reply", "", "Calibrator: waiting for OPER", "",
+                                   "Calibrator: waiting for reply", ""));
+}
+
+TEST_F(Calibrator, AStandbyIsConfirmedByZero)
+{
+    CalibratorAnswers("0", "0.0000E+00,V,0E+00,0,0.00E+00");
+    EXPECT_TRUE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_EQ(calibrator.Writes()[1], "OUT 0 V ; STBY ; *WAI\n");
+    EXPECT_EQ(Count("OPER?\n"), 1);
+    EXPECT_EQ(clock.Elapsed(), 500);
+    EXPECT_THAT(waits, ::testing::Contains("Calibrator: waiting for STBY"));
+}
+
+TEST_F(Calibrator, AReplyToOperWithBlanksAroundItIsTrimmed)
+{
+    CalibratorAnswers("  1 ", "2,V");
+    SetCalibratorOutput("2 V", "OPER");
+    EXPECT_EQ(Count("OPER?\n"), 1);
+}
+
+TEST_F(Calibrator, ThePanelShowsWhatTheCalibratorSays)
+{
+    CalibratorAnswers("1", " 6.5998E+02 , V ,0E+00,0,0.00E+00");
+    SetCalibratorOutput("2 V", "OPER");
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, AReplyWithoutCommaHasNoUnit)
+{
+    CalibratorAnswers("1", "7");
+    SetCalibratorOutput("2 V", "OPER");
+    EXPECT_EQ(panel, "7.0 ");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, TheWorstCaseIs25PollsAndNoError)
+{
+    CalibratorAnswers("0", "2,V");
+    EXPECT_TRUE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_EQ(Count("ERR?\n"), 5);
+    EXPECT_EQ(Count("OUT 2 V ; OPER ; *WAI\n"), 5);
+    EXPECT_EQ(Count("OPER?\n"), 25);
+    EXPECT_EQ(Count("OUT?\n"), 1);
+    EXPECT_EQ(clock.Elapsed(), 25 * 500);
+    EXPECT_EQ(panel, "2.0 V");
+}
+
+TEST_F(Calibrator, AThirdAttemptCanConfirm)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OUT?\n", "2,V\r\n");
+    for (int i = 0; i < 11; ++i)
+        calibrator.Answers("OPER?\n", "0\r\n");
+    calibrator.Answers("OPER?\n", "1\r\n");
+    SetCalibratorOutput("2 V", "OPER");
+    EXPECT_EQ(Count("OUT 2 V ; OPER ; *WAI\n"), 3);
+    EXPECT_EQ(clock.Elapsed(), 12 * 500);
+}
+
+TEST_F(Calibrator, AnAnswerHeldBackIsWaitedFor)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "1\r\n", 9500);
+    calibrator.Answers("OUT?\n", "2,V\r\n");
+    SetCalibratorOutput("2 V", "OPER");
+    EXPECT_EQ(Count("OPER?\n"), 1);
+    EXPECT_EQ(clock.Elapsed(), 500 + 9500);
+}
+
+TEST_F(Calibrator, ASilentCalibratorEndsAfterTenReadsOfEachPoll)
+{
+    EXPECT_TRUE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_EQ(Count("OPER?\n"), 25);
+    EXPECT_EQ(clock.Elapsed(), 5 * (1000 + 5 * (500 + 10 * 1000)) + 1000);
+}
+
+TEST_F(Calibrator, AVanishedCalibratorHoldsTheSamePace)
+{
+    CalibratorAnswers("0", "2,V");
+    CallAfter(750, [this] { calibrator.Vanishes(); });
+    EXPECT_TRUE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_EQ(clock.Elapsed(), 500 + 4 * 10'500 + 4 * (1000 + 5 * 10'500) + 1000);
+}
+
+TEST_F(Calibrator, AnEmptyReadBackShowsTheRequestedValue)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "1\r\n");
+    SetCalibratorOutput("660 V", "OPER");
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, AnUnconfirmedStandbyWithoutReadBackKeepsTheFlag)
+{
+    SetDangerFlag(Danger::Danger);
+    EXPECT_TRUE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_EQ(panel, "0.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, AConfirmedStandbyWithoutReadBackLowersTheFlag)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "0\r\n");
+    SetDangerFlag(Danger::Danger);
+    SetCalibratorOutput("0 V", "STBY");
+    EXPECT_EQ(Flag(), Danger::Safe);
+}
+
+TEST_F(Calibrator, TheFlagRisesBeforeTheOutputIsSwitchedOn)
+{
+    std::vector<Danger> atSending;
+    calibrator.onWrite = [&](const std::string &bytes) {
+        if (bytes.starts_with("OUT "))
+            atSending = flags;
+    };
+    CalibratorAnswers("1", "6.6E+02,V");
+    SetCalibratorOutput("660 V", "OPER");
+    EXPECT_THAT(atSending, ElementsAre(Danger::Danger));
+    calibrator.onWrite = nullptr;
+}
+
+TEST_F(Calibrator, TheFlagIsNotLoweredBeforeTheReadBack)
+{
+    SetDangerFlag(Danger::Danger);
+    CalibratorAnswers("1", "2.0E-03,V");
+    SetCalibratorOutput("2 mV", "OPER");
+    EXPECT_THAT(flags, ElementsAre(Danger::Danger, Danger::Warning));
+}
+
+TEST_F(Calibrator, WithoutACalibratorPortAnOutputIsNothing)
+{
+    CalPort = 0;
+    EXPECT_TRUE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_THAT(calibrator.log, IsEmpty());
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+// ---- stopping ----
+
+TEST_F(Calibrator, AbortBeforeAnOutputSendsNothing)
+{
+    Abort = true;
+    CalStandbyFlag = true;
+    EXPECT_FALSE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_THAT(calibrator.Writes(), IsEmpty());
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Calibrator, AbortDuringAPollEndsWithinItsPause)
+{
+    CalibratorAnswers("0", "2,V");
+    AbortsAfter(1200);
+    EXPECT_FALSE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_EQ(clock.Elapsed(), 1500);
+    EXPECT_EQ(Count("OUT?\n"), 0);
+    EXPECT_FALSE(CalStandbyFlag);
+}
+
+TEST_F(Calibrator, AbortDuringASilentPollEndsWithinASecond)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    AbortsAfter(3700);
+    EXPECT_FALSE(SetCalibratorOutput("2 V", "OPER"));
+    EXPECT_EQ(clock.Elapsed(), 4500);
+}
+
+TEST_F(Calibrator, AbortWhileTheErrorsAreReadSwitchesNothingOn)
+{
+    AbortsAfter(400);
+    EXPECT_FALSE(SetCalibratorOutput("660 V", "OPER"));
+    EXPECT_THAT(calibrator.Writes(), ElementsAre("ERR?\n"));
+    EXPECT_THAT(flags, IsEmpty());
+}
+
+TEST_F(Calibrator, AbortWhileTheErrorsAreReadStillSendsAStandby)
+{
+    AbortsAfter(400);
+    EXPECT_FALSE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_THAT(calibrator.Writes(), ElementsAre("ERR?\n", "OUT 0 V ; STBY ; *WAI\n"));
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST_F(Calibrator, AbortDuringTheReadBackIsNoEnd)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "0\r\n");
+    AbortsAfter(800);
+    RemoveInput();
+    EXPECT_FALSE(CalStandbyFlag);
+}
+
+TEST_F(Calibrator, AnAbortedStandbyIsSentAgain)
+{
+    CalibratorAnswers("1", "2,V");
+    AbortsAfter(700);
+    RemoveInput();
+    EXPECT_FALSE(CalStandbyFlag);
+    Abort = false;
+    Start();
+    RemoveInput();
+    EXPECT_GT(Count("OUT 0 V ; STBY ; *WAI\n"), 0);
+    EXPECT_TRUE(CalStandbyFlag);
+}
+
+TEST_F(Calibrator, TheEndOfTheProgramLeavesAnOutputAtOnce)
+{
+    CalibratorAnswers("0", "2,V");
+    CallAfter(1200, [] { RequestShutdown(); });
+    EXPECT_THROW(SetCalibratorOutput("2 V", "OPER"), Shutdown);
+    EXPECT_EQ(clock.Elapsed(), 1200);
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_EQ(waits.back(), "");
+}
+
+// ---- applying and removing ----
+
+TEST_F(Calibrator, AnInputIsAppliedInOperate)
+{
+    CalibratorAnswers("1", "2.0E00,V");
+    ApplyInput("2 V, 300 Hz");
+    EXPECT_TRUE(CalHzFlag);
+    EXPECT_EQ(Count("OUT 2 V, 300 Hz ; OPER ; *WAI\n"), 1);
+    ApplyInput("2 V");
+    EXPECT_FALSE(CalHzFlag);
+    EXPECT_THAT(prompts, IsEmpty());
+}
+
+TEST_F(Calibrator, RemoveInputTwiceInARowSendsOneCommand)
+{
+    CalibratorAnswers("0", "0,V");
+    RemoveInput();
+    EXPECT_TRUE(CalStandbyFlag);
+    RemoveInput();
+    EXPECT_EQ(Count("OUT 0 V ; STBY ; *WAI\n"), 1);
+}
+
+TEST_F(Calibrator, AnAcInputIsRemovedAt1mVAndStaysAc)
+{
+    CalibratorAnswers("0", "1.0E-03,V");
+    CalHzFlag = true;
+    RemoveInput();
+    EXPECT_EQ(Count("OUT 1 mV ; STBY ; *WAI\n"), 1);
+    EXPECT_TRUE(CalHzFlag);
+}
+
+TEST_F(Calibrator, StandbyAfterAnAcOutputThatIsAlreadyInStandbyStillSendsZeroHertz)
+{
+    CalibratorAnswers("0", "0,V");
+    CalHzFlag = true;
+    RemoveInput();
+    EXPECT_TRUE(CalStandbyFlag);
+    Start();
+    CalibratorStandby();
+    EXPECT_EQ(Count("OUT 0 V, 0 Hz ; STBY ; *WAI\n"), 1);
+    EXPECT_FALSE(CalHzFlag);
+    EXPECT_TRUE(CalStandbyFlag);
+    Start();
+    CalibratorStandby();
+    EXPECT_THAT(calibrator.Writes(), IsEmpty());
+}
+
+TEST_F(Calibrator, AnAbortedFullStandbyIsNoStandby)
+{
+    CalibratorAnswers("1", "2,V");
+    AbortsAfter(700);
+    CalibratorStandby();
+    EXPECT_FALSE(CalStandbyFlag);
+    Abort = false;
+    Start();
+    CalibratorStandby();
+    EXPECT_GT(Count("OUT 0 V, 0 Hz ; STBY ; *WAI\n"), 0);
+}
+
+// ---- by hand ----
+
+TEST_F(Calibrator, ByHandTheOperatorIsAskedToApply)
+{
+    ByHand();
+    CalStandbyFlag = true;
+    ApplyInput("2 V, 300 Hz");
+    EXPECT_THAT(prompts, ElementsAre("Apply Input Signal: Apply an accurate input signal of 2 V, 300 Hz to the Meter"));
+    EXPECT_EQ(panel, "2.0 V");
+    EXPECT_TRUE(CalHzFlag);
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_THAT(calibrator.log, IsEmpty());
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Calibrator, ByHand100KohmShows100Point0kOhmOnThePanel)
+{
+    ByHand();
+    ApplyInput("100 KOHM");
+    EXPECT_EQ(panel, "100.0 kOhm");
+    EXPECT_EQ(Flag(), Danger::Safe);
+}
+
+TEST_F(Calibrator, ByHandThePanelWaitsForTheOperator)
+{
+    ByHand();
+    outlets.promptOperator = [this](const std::string &, const std::string &) { EXPECT_EQ(panel, ""); };
+    ApplyInput("2 V");
+    EXPECT_EQ(panel, "2.0 V");
+}
+
+TEST_F(Calibrator, ByHandTheOperatorIsAskedToRemoveOnce)
+{
+    ByHand();
+    RemoveInput();
+    EXPECT_THAT(prompts, ElementsAre("Remove Input: Remove any input signal from the meter"));
+    EXPECT_EQ(panel, "0.0 V");
+    EXPECT_TRUE(CalStandbyFlag);
+    RemoveInput();
+    CalHzFlag = true;
+    CalibratorStandby();
+    EXPECT_EQ(prompts.size(), 1u);
+    EXPECT_FALSE(CalHzFlag);
+}
+
+// ---- quitting ----
+
+TEST_F(Calibrator, QuittingSendsStandbyOnceAndReturnsAtOnce)
+{
+    Quitting = true;
+    EXPECT_TRUE(SetCalibratorOutput("660 V", "OPER"));
+    EXPECT_THAT(calibrator.Writes(), ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n"));
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Calibrator, QuittingSendsStandbyWhateverTheFlagsSay)
+{
+    Quitting = true;
+    for (const bool standby : {false, true})
+        for (const bool hertz : {false, true})
+            for (const bool abort : {false, true}) {
+                for (void (*leave)() : {RemoveInput, CalibratorStandby}) {
+                    CalStandbyFlag = standby;
+                    CalHzFlag = hertz;
+                    Abort = abort;
+                    Start();
+                    leave();
+                    EXPECT_THAT(calibrator.Writes(), ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n"));
+                    EXPECT_EQ(clock.Elapsed(), 0);
+                }
+            }
+}
+
+TEST_F(Calibrator, QuittingByHandStillAsksToRemoveTheInput)
+{
+    ByHand();
+    Quitting = true;
+    CalibratorStandby();
+    EXPECT_THAT(prompts, ElementsAre("Remove Input: Remove any input signal from the meter"));
+    EXPECT_THAT(calibrator.log, IsEmpty());
+}
+
+TEST_F(Calibrator, QuittingByHandAsksNothingWhenNothingIsApplied)
+{
+    ByHand();
+    CalStandbyFlag = true;
+    Quitting = true;
+    CalibratorStandby();
+    EXPECT_THAT(prompts, IsEmpty());
+}
+
+// ---- sensors ----
+
+TEST_F(Calibrator, AThermocoupleIsSelectedByTheFirstLetterOfItsName)
+{
+    CalibratorAnswers("1", "0,CEL");
+    const char *letters[] = {"J", "T", "J", "J", "T", "T"};
+    for (int i = 0; i < 6; ++i) {
+        Start();
+        SelectThermocouple(i);
+        EXPECT_THAT(calibrator.Writes(), ElementsAre("TSENS_TYPE TC\n", std::string("TC_TYPE ") + letters[i] + "\n",
+                                                     "ERR?\n", "OUT 0 CEL ; OPER ; *WAI\n", "OPER?\n", "OUT?\n"))
+            << i;
+        EXPECT_EQ(panel, "0.0 °C");
+    }
+}
+
+TEST_F(Calibrator, AnIndexWithoutThermocoupleDoesNothing)
+{
+    for (int i : {-1, 6, 7, 8, 9, 10})
+        SelectThermocouple(i);
+    EXPECT_THAT(calibrator.log, IsEmpty());
+}
+
+TEST_F(Calibrator, AnRtdIsSensedWithFourWires)
+{
+    SelectRtd();
+    EXPECT_THAT(calibrator.Writes(), ElementsAre("TSENS_TYPE RTD\n", "RTD_TYPE PT385\n", "ZCOMP WIRE4\n"));
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Calibrator, DegreesFahrenheitAreAppliedWithFourWires)
+{
+    CalibratorAnswers("1", "1356.4,FAR");
+    ApplyFahrenheit("1356.4");
+    EXPECT_EQ(Count("OUT 1356.4 FAR ; OPER ; *WAI\n"), 1);
+    EXPECT_EQ(calibrator.Writes().back(), "ZCOMP WIRE4\n");
+    EXPECT_EQ(panel, "1356.4 °F");
+}
+
+TEST_F(Calibrator, OnlyAResistanceIsAppliedWithFourWires)
+{
+    CalibratorAnswers("1", "2,V");
+    ApplyInputValue("2 V");
+    EXPECT_EQ(Count("ZCOMP WIRE4\n"), 0);
+    ApplyInputValue("20 OHM");
+    EXPECT_EQ(Count("ZCOMP WIRE4\n"), 1);
+    ApplyInputValue("2 KOHM");
+    EXPECT_EQ(Count("ZCOMP WIRE4\n"), 2);
+}
+
+// ---- without hardware ----
+
+TEST_F(Calibrator, InSimulationAnInputStandsAtOnce)
+{
+    Simulate();
+    ApplyInput("660 V");
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(SimCalOper, "1");
+    RemoveInput();
+    EXPECT_EQ(panel, "0.0 V");
+    EXPECT_EQ(SimCalOper, "0");
+    EXPECT_TRUE(CalStandbyFlag);
+    EXPECT_EQ(clock.Elapsed(), 0);
+    EXPECT_THAT(calibrator.log, IsEmpty()) << "the port isn't touched";
+}

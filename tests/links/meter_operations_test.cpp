@@ -1,0 +1,615 @@
+#include "links/links_fixture.h"
+
+#include "platform/text.h"
+
+#include <algorithm>
+
+using namespace ombrix;
+using namespace ombrix::test;
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+namespace
+{
+
+// Words of four digits, each holding its own number, from `address` downward.
+std::string NumberedWords(int address, int count)
+{
+    std::string hex;
+    for (int i = 0; i < count; ++i)
+        hex += HexText(address - i, 4);
+    return hex;
+}
+
+std::string Frame(const std::string &payload)
+{
+    return "*1" + payload + "\r";
+}
+
+} // namespace
+
+class MeterOperations : public LinksTest
+{
+protected:
+    void SetUp() override
+    {
+        LinksTest::SetUp();
+        MeterKind = kDpm;
+        OpenMeterPort();
+    }
+
+    /// The payloads that the meter heard.
+    std::vector<std::string> Payloads() const
+    {
+        std::vector<std::string> payloads;
+        for (const std::string &write : meter.Writes())
+            payloads.push_back(write.substr(2, write.size() - 3));
+        return payloads;
+    }
+
+    void Answers(const std::string &payload, const std::string &line, int afterMs = 0)
+    {
+        meter.Answers(Frame(payload), line + "\r", afterMs);
+    }
+};
+
+// ---- reading words ----
+
+TEST_F(MeterOperations, ReadsOfWordsAsk)
+{
+    const struct {
+        int address;
+        int count;
+        const char *suffix;
+        std::vector<std::string> payloads;
+    } rows[] = {
+        {200, 1, "", {"X1C8"}},
+        {200, 2, "", {"X2C8"}},
+        {200, 4, "", {"X4C8"}},
+        {200, 9, "", {"X9C8"}},
+        {200, 34, "", {"XYC8"}},
+        {200, 35, "", {"XZC8"}},
+        {200, 36, "", {"XIB6Z", "XIC8"}},
+        {200, 37, "", {"XIB5Z", "XJC8"}},
+        {200, 38, "", {"XJB5Z", "XJC8"}},
+        {200, 39, "", {"XKB5Z", "XJC8"}},
+        {200, 57, "", {"XSABZ", "XTC8"}},
+        {200, 58, "", {"XTABZ", "XTC8"}},
+        {200, 69, "", {"XYA5Z", "XZC8"}},
+        {200, 70, "", {"XZA5Z", "XZC8"}},
+        {200, 71, "", {"X1A5Z", "XZC8"}},
+        {200, 72, "", {"X1A4Z", "X1C8"}},
+        {200, 1, "Z", {"X1C8Z"}},
+        {200, 2, "Z", {"X2C8Z"}},
+        {200, 4, "Z", {"X4C8Z"}},
+        {200, 9, "Z", {"X9C8Z"}},
+        {200, 34, "Z", {"XYC8Z"}},
+        {200, 35, "Z", {"XZC8Z"}},
+        {200, 36, "Z", {"XIB6Z", "XIC8Z"}},
+        {200, 37, "Z", {"XIB5Z", "XJC8Z"}},
+        {200, 38, "Z", {"XJB5Z", "XJC8Z"}},
+        {200, 39, "Z", {"XKB5Z", "XJC8Z"}},
+        {200, 57, "Z", {"XSABZ", "XTC8Z"}},
+        {200, 58, "Z", {"XTABZ", "XTC8Z"}},
+        {200, 69, "Z", {"XYA5Z", "XZC8Z"}},
+        {200, 70, "Z", {"XZA5Z", "XZC8Z"}},
+        {200, 71, "Z", {"X1A5Z", "XZC8Z"}},
+        {200, 72, "Z", {"X1A4Z", "X1C8Z"}},
+        {56, 57, "", {"XS1BZ", "XT38"}},
+        {117, 1, "Z", {"X175Z"}},
+        {201, 9, "Z", {"X9C9Z"}},
+        {49, 6, "Z", {"X631Z"}},
+        {40, 23, "Z", {"XN28Z"}},
+        {17, 18, "", {"XI11"}},
+        {63, 20, "Z", {"XK3FZ"}},
+        {43, 19, "", {"XJ2B"}},
+        {49, 25, "Z", {"XP31Z"}},
+        {24, 25, "", {"XP18"}},
+        {50, 4, "", {"X432"}},
+        {20, 4, "", {"X414"}},
+        {20, 3, "", {"X314"}},
+        {21, 1, "Z", {"X115Z"}},
+        {16, 1, "", {"X110"}},
+        {109, 1, "", {"X16D"}},
+    };
+    for (const auto &row : rows) {
+        Start();
+        ReadNvmWords(row.address, row.count, row.suffix);
+        EXPECT_EQ(Payloads(), row.payloads) << row.address << " " << row.count;
+    }
+}
+
+TEST_F(MeterOperations, Count36Asks18WordsAtTheAddressMinus18WithZThen18AtTheAddress)
+{
+    Answers("XIB6Z", NumberedWords(182, 18), 10);
+    Answers("XIC8", NumberedWords(200, 18), 10);
+    EXPECT_EQ(ReadNvmWords(200, 36, ""), NumberedWords(200, 36)) << "the second reply stands in front";
+    EXPECT_THAT(Payloads(), ElementsAre("XIB6Z", "XIC8"));
+    EXPECT_EQ(clock.Elapsed(), 500 + 500 + 1750);
+}
+
+TEST_F(MeterOperations, Count37SplitsInto18And19AndCount39Into20And19)
+{
+    ReadNvmWords(200, 37, "Z");
+    ReadNvmWords(200, 39, "Z");
+    EXPECT_THAT(Payloads(), ElementsAre("XIB5Z", "XJC8Z", "XKB5Z", "XJC8Z"));
+}
+
+TEST_F(MeterOperations, AReadWithZCostsItsQuestionAlone)
+{
+    Answers("X16DZ", "3201", 20);
+    EXPECT_EQ(ReadNvmWords(109, 1, "Z"), "3201");
+    EXPECT_EQ(clock.Elapsed(), 500);
+}
+
+TEST_F(MeterOperations, AReadWithoutZAddsTheRestart)
+{
+    Answers("X16D", "3201", 20);
+    EXPECT_EQ(ReadNvmWords(109, 1, ""), "3201");
+    EXPECT_EQ(clock.Elapsed(), 500 + 1750);
+    EXPECT_THAT(waits, ElementsAre("Meter: waiting for reply", "", "Meter restarts", ""));
+}
+
+TEST_F(MeterOperations, ASilentReadWaitsOutTheRestartToo)
+{
+    EXPECT_EQ(ReadNvmWords(109, 1, ""), "");
+    EXPECT_EQ(clock.Elapsed(), 1500 + 1750);
+}
+
+TEST_F(MeterOperations, ASilentLongReadCostsBothQuestions)
+{
+    EXPECT_EQ(ReadNvmWords(200, 36, ""), "");
+    EXPECT_EQ(clock.Elapsed(), 2 * 1500 + 1750);
+}
+
+TEST_F(MeterOperations, AReadOfTheWrongLengthIsEmpty)
+{
+    for (const char *line : {"320", "32010", "", "32013201"}) {
+        Answers("X16DZ", line);
+        EXPECT_EQ(ReadNvmWords(109, 1, "Z"), "") << line;
+    }
+    Answers("XIB6Z", NumberedWords(182, 18));
+    EXPECT_EQ(ReadNvmWords(200, 36, "Z"), "") << "one half alone";
+}
+
+TEST_F(MeterOperations, AGarbledReadIsEmpty)
+{
+    Answers("X16DZ", "32?1");
+    EXPECT_EQ(ReadNvmWords(109, 1, "Z"), "");
+}
+
+TEST_F(MeterOperations, LowerCaseIsTakenAndTurnedUpper)
+{
+    Answers("X16DZ", "ab0f");
+    EXPECT_EQ(ReadNvmWords(109, 1, "Z"), "AB0F");
+}
+
+TEST_F(MeterOperations, InTheSimulatorReadsHaveTheirLengths)
+{
+    Simulate();
+    for (int count : {1, 2, 4, 9, 34, 35, 36, 37, 38, 39, 57, 58, 69, 70})
+        for (const char *suffix : {"", "Z"})
+            EXPECT_EQ(ReadNvmWords(200, count, suffix).size(), static_cast<std::size_t>(4 * count)) << count;
+    EXPECT_EQ(ReadNvmWords(200, 71, ""), "") << "a count of 36 is asked as 1";
+    EXPECT_EQ(ReadNvmWords(200, 72, "Z"), "");
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+// ---- writing words ----
+
+TEST_F(MeterOperations, WritesOfWordsSplitTheTextLowBlockFirst)
+{
+    struct Block {
+        const char *head;
+        int word;
+        int count;
+    };
+    const struct {
+        int words;
+        Block low;
+        Block high;
+    } rows[] = {
+        {1, {"", 0, 0}, {"W1C8", 200, 1}},           {2, {"", 0, 0}, {"W2C8", 200, 2}},
+        {35, {"", 0, 0}, {"WZC8", 200, 35}},         {36, {"WIB6", 0xB6, 18}, {"WIC8", 200, 18}},
+        {37, {"WIB5", 0xB5, 18}, {"WJC8", 200, 19}}, {39, {"WKB5", 0xB5, 20}, {"WJC8", 200, 19}},
+        {57, {"WSAB", 0xAB, 28}, {"WTC8", 200, 29}}, {70, {"WZA5", 0xA5, 35}, {"WZC8", 200, 35}},
+        {71, {"W1A5", 0xA5, 36}, {"WZC8", 200, 35}}, {72, {"W1A4", 0xA4, 36}, {"W1C8", 200, 36}},
+    };
+    for (const auto &row : rows) {
+        for (const std::string suffix : {"", "Z"}) {
+            Start();
+            WriteNvmWords(200, NumberedWords(200, row.words), suffix);
+            std::vector<std::string> expected;
+            std::vector<std::int64_t> times;
+            if (row.low.count > 0) {
+                expected.push_back(row.low.head + NumberedWords(row.low.word, row.low.count) + "Z");
+                times.push_back(0);
+            }
+            expected.push_back(row.high.head + NumberedWords(row.high.word, row.high.count) + suffix);
+            times.push_back(8 * row.low.count);
+            EXPECT_EQ(Payloads(), expected) << row.words;
+            EXPECT_EQ(meter.writeTimes, times) << row.words;
+            EXPECT_EQ(clock.Elapsed(), 8 * row.low.count + (suffix == "Z" ? 8 * row.high.count : 1750)) << row.words;
+        }
+    }
+}
+
+TEST_F(MeterOperations, AWriteOfMoreThan70WordsSends1AsItsCount)
+{
+    WriteNvmWords(200, NumberedWords(200, 71), "Z");
+    EXPECT_EQ(Payloads()[0].substr(0, 2), "W1");
+}
+
+TEST_F(MeterOperations, AWriteReadsNothingBack)
+{
+    WriteNvmWords(200, "00C8", "Z");
+    EXPECT_THAT(meter.log, ElementsAre("RTS on", "read", "write *1W1C800C8Z\r")) << "RTS stays on";
+}
+
+TEST_F(MeterOperations, WhatIsNoRunOfWordsIsNotSent)
+{
+    for (const char *text : {"", "0A", "ABCDEF", "0123456789", "12G4", "????", "STOP", "12 4"})
+        WriteNvmWords(10, text, "");
+    EXPECT_THAT(Payloads(), IsEmpty());
+    EXPECT_EQ(clock.Elapsed(), 0) << "and nothing restarts";
+}
+
+TEST_F(MeterOperations, LowerCaseIsSentUpper)
+{
+    WriteNvmWords(10, "ab0f", "Z");
+    EXPECT_THAT(Payloads(), ElementsAre("W10AAB0FZ"));
+}
+
+// ---- working memory ----
+
+TEST_F(MeterOperations, BytesAreReadWithoutRestart)
+{
+    Answers("G130", "65", 20);
+    EXPECT_EQ(ReadRamBytes(48, 1), "65");
+    EXPECT_EQ(clock.Elapsed(), 500);
+}
+
+TEST_F(MeterOperations, ALongReadOfBytesIsSplitWithoutSuffix)
+{
+    Answers("GI1E", std::string(36, '1'));
+    Answers("GI30", std::string(36, '2'));
+    EXPECT_EQ(ReadRamBytes(48, 36), std::string(36, '2') + std::string(36, '1'));
+    EXPECT_THAT(Payloads(), ElementsAre("GI1E", "GI30"));
+}
+
+TEST_F(MeterOperations, ASilentReadOfBytesIsNotRepeated)
+{
+    EXPECT_EQ(ReadRamBytes(48, 1), "");
+    EXPECT_THAT(Payloads(), ElementsAre("G130"));
+    EXPECT_EQ(clock.Elapsed(), 1500);
+}
+
+TEST_F(MeterOperations, AReadOfBytesOfTheWrongLengthIsRepeated)
+{
+    Answers("G130", "6");
+    Answers("G130", "656");
+    Answers("G130", "6?");
+    Answers("G130", "3F");
+    EXPECT_EQ(ReadRamBytes(48, 1), "3F");
+    EXPECT_EQ(meter.Writes().size(), 4u);
+}
+
+TEST_F(MeterOperations, AReadOfBytesGivesUpAfter20WrongReplies)
+{
+    Answers("G130", "6");
+    EXPECT_EQ(ReadRamBytes(48, 1), "");
+    EXPECT_EQ(meter.Writes().size(), 20u);
+    EXPECT_EQ(clock.Elapsed(), 20 * 500);
+}
+
+TEST_F(MeterOperations, AbortEndsTheRepeats)
+{
+    Answers("G130", "6");
+    AbortsAfter(1200);
+    EXPECT_EQ(ReadRamBytes(48, 1), "");
+    EXPECT_EQ(clock.Elapsed(), 1500);
+}
+
+TEST_F(MeterOperations, BytesAreWrittenWithoutSuffixOrRestart)
+{
+    WriteRamBytes(53, "80");
+    EXPECT_THAT(Payloads(), ElementsAre("F13580"));
+    EXPECT_EQ(clock.Elapsed(), 4);
+}
+
+TEST_F(MeterOperations, ALongWriteOfBytesWaits4msForEach)
+{
+    std::string hex;
+    for (int address = 100; address > 100 - 37; --address)
+        hex += HexText(address, 2);
+    WriteRamBytes(100, hex);
+    EXPECT_THAT(Payloads(), ElementsAre("FI51" + hex.substr(38), "FJ64" + hex.substr(0, 38)));
+    EXPECT_THAT(meter.writeTimes, ElementsAre(0, 72));
+    EXPECT_EQ(clock.Elapsed(), 72 + 76);
+}
+
+TEST_F(MeterOperations, WhatIsNoRunOfBytesIsNotSent)
+{
+    for (const char *text : {"", "8", "800", "8G"})
+        WriteRamBytes(53, text);
+    EXPECT_THAT(Payloads(), IsEmpty());
+}
+
+// ---- display ----
+
+TEST_F(MeterOperations, OneTryAtTheDisplayIsTrimmed)
+{
+    meter.Says("stale\r");
+    meter.Answers("*1B1\r", "  -12.34 \r", 30);
+    EXPECT_EQ(ReadDisplayRaw(), "-12.34");
+    EXPECT_EQ(clock.Elapsed(), 30) << "no pause of 500 ms";
+}
+
+TEST_F(MeterOperations, OneTryAtASilentDisplayIsEmpty)
+{
+    EXPECT_EQ(ReadDisplayRaw(), "");
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST_F(MeterOperations, TheDisplayIsReadUntilItHoldsAPoint)
+{
+    Answers("B1", "", 10);
+    Answers("B1", "OVERLOAD", 10);
+    Answers("B1", "12.34", 10);
+    EXPECT_EQ(ReadDisplay(), "12.34");
+    EXPECT_EQ(meter.Writes().size(), 3u);
+}
+
+TEST_F(MeterOperations, ASilentMeterHoldsTheReadUntilTheStop)
+{
+    AbortsAfter(600'000);
+    EXPECT_EQ(ReadDisplay(), "");
+    EXPECT_EQ(clock.Elapsed(), 600'000);
+    EXPECT_EQ(meter.Writes().size(), 600u) << "one try each second";
+}
+
+TEST_F(MeterOperations, AVanishedPortHoldsTheSamePace)
+{
+    meter.Vanishes();
+    AbortsAfter(10'500);
+    EXPECT_EQ(ReadDisplay(), "");
+    EXPECT_EQ(clock.Elapsed(), 11'000);
+}
+
+TEST_F(MeterOperations, DigitsAreTheDisplayWithoutItsPoint)
+{
+    for (const char *shown : {"12.34", "80000.", "-.5", "."})
+        Answers("B1", shown);
+    for (const char *digits : {"1234", "80000", "-5", ""})
+        EXPECT_EQ(ReadDisplayDigits(), digits);
+    Abort = true;
+    EXPECT_EQ(ReadDisplayDigits(), "");
+}
+
+// ---- restart ----
+
+TEST_F(MeterOperations, ARestartIsWaitedOut)
+{
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 1750);
+    EXPECT_THAT(waits, ElementsAre("Meter restarts", ""));
+}
+
+TEST_F(MeterOperations, BytesDoNotShortenTheRestartOfAPlainMeter)
+{
+    meter.Says("!", 100);
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 1750);
+}
+
+TEST_F(MeterOperations, ACounterEndsItsRestartWithASignOfLifeThatIsDropped)
+{
+    MeterKind = kCtr;
+    meter.Says("!", 2345);
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 2345);
+    EXPECT_EQ(comDPM.BytesWaiting(), 0u);
+    EXPECT_THAT(waits, ElementsAre("Meter restarts", ""));
+}
+
+TEST_F(MeterOperations, ASilentCounterIsWaitedForUpTo5000ms)
+{
+    MeterKind = kCtr;
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 5000);
+    clock.Restart();
+    CallAfter(1000, [this] { meter.Vanishes(); });
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 5000) << "also when its line is pulled";
+}
+
+TEST_F(MeterOperations, ThroughTheCalibratorACountersRestartIsOneLongChunk)
+{
+    MeterKind = kCtr;
+    UseUutRoute();
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 5000);
+    clock.Restart();
+    calibrator.Says("!", 3000);
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 3000);
+    EXPECT_EQ(comCAL.BytesWaiting(), 0u);
+    EXPECT_THAT(calibrator.Writes(), IsEmpty());
+}
+
+TEST_F(MeterOperations, InSimulationEveryKindRestartsTheSame)
+{
+    HardwareMode = false; // with real waits, so that the length shows
+    for (int kind : {-1, static_cast<int>(kDpm), static_cast<int>(kWtMtr), static_cast<int>(kCtr)}) {
+        MeterKind = kind;
+        clock.Restart();
+        WaitMeterRestart();
+        EXPECT_EQ(clock.Elapsed(), 1750) << kind;
+    }
+    RealTimeDelays = false;
+    clock.Restart();
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(MeterOperations, AbortDoesNotShortenARestart)
+{
+    AbortsAfter(100);
+    WaitMeterRestart();
+    EXPECT_EQ(clock.Elapsed(), 1750);
+}
+
+// ---- filter, display setup, range ----
+
+TEST(EncodeFilterCode, FollowsItsWeights)
+{
+    const struct {
+        const char *code;
+        const char *text;
+    } rows[] = {{"00108", "28"}, {"00116", "36"}, {"00117", "37"}, {"00118", "38"},  {"00106", "26"}, {"00107", "27"},
+                {"00008", "08"}, {"10000", "80"}, {"11119", "F9"}, {"1111A", "FA"},  {"0000B", "08"}, {"00AX8", "38"},
+                {"9999A", "FA"}, {"00000", "00"}, {"0010", "38"},  {"001080", "38"}, {"", "38"},      {" 0108", "A8"}};
+    for (const auto &row : rows)
+        EXPECT_EQ(EncodeFilterCode(row.code), row.text) << row.code;
+}
+
+TEST(EncodeFilterCode, Of4CharactersIs38)
+{
+    EXPECT_EQ(EncodeFilterCode("0010"), "38");
+}
+
+TEST_F(MeterOperations, TheFilterCodeGoesBehindByte48)
+{
+    Answers("G130", "4A");
+    WriteFilterCode("00116");
+    EXPECT_THAT(Payloads(), ElementsAre("G130", "W1114A36"));
+    EXPECT_EQ(clock.Elapsed(), 500 + 1750);
+}
+
+TEST_F(MeterOperations, TheFilterCodeIsNotWrittenWhenByte48IsNotRead)
+{
+    WriteFilterCode("00116");
+    EXPECT_THAT(Payloads(), ElementsAre("G130"));
+}
+
+TEST_F(MeterOperations, TheDisplaySetupIsWrittenInHexadecimal)
+{
+    const struct {
+        int value;
+        const char *data;
+    } rows[] = {{0, "000000100000"},     {1, "000000100001"},   {2, "000000100002"},   {4, "000000100004"},
+                {8, "000000100008"},     {10, "00000010000A"},  {15, "00000010000F"},  {16, "000000100010"},
+                {100, "000000100064"},   {255, "0000001000FF"}, {256, "000000100100"}, {4096, "000000101000"},
+                {32767, "000000107FFF"}, {-1, "00000010FFFF"}};
+    for (const auto &row : rows) {
+        Start();
+        WriteDisplaySetupWords(row.value);
+        EXPECT_THAT(Payloads(), ElementsAre(std::string("W305") + row.data));
+        EXPECT_EQ(LastDisplaySetup, row.value);
+        EXPECT_EQ(clock.Elapsed(), 1750);
+    }
+}
+
+TEST_F(MeterOperations, TheDisplaySetupOfACounterIsTheCustomers)
+{
+    WriteDisplaySetupForward(1);
+    EXPECT_THAT(Payloads(), ElementsAre("W305000000100001"));
+    Start();
+    MeterKind = kCtr;
+    WriteDisplaySetupForward(1);
+    EXPECT_THAT(Payloads(), IsEmpty());
+}
+
+TEST_F(MeterOperations, ARangeIsSetWithOneRestartAtItsEnd)
+{
+    SCType = kDc;
+    Answers("G130", "65");
+    WriteRangeSetup("00108", "61", 4);
+    EXPECT_THAT(Payloads(), ElementsAre("G130", "W21165280061Z", "W305000000100004"));
+    EXPECT_EQ(clock.Elapsed(), 500 + 2 * 8 + 1750);
+    EXPECT_EQ(LastDisplaySetup, 4);
+}
+
+TEST_F(MeterOperations, OnTcARangeKeepsTheWordsBetween)
+{
+    SCType = kTc;
+    Answers("G130", "65");
+    Answers("X314", "0503ABCD21D1");
+    WriteRangeSetup("00108", "61", 4);
+    EXPECT_THAT(Payloads(), ElementsAre("G130", "X314",
+                                        "W615"
+                                        "0001"
+                                        "0503ABCD21D1"
+                                        "6528"
+                                        "0061"
+                                        "Z",
+                                        "W305000000100004"));
+    EXPECT_EQ(clock.Elapsed(), 500 + (500 + 1750) + 6 * 8 + 1750);
+    Start();
+    WriteRangeSetup("00118", "40", 8);
+    EXPECT_EQ(Payloads()[2], "W615"
+                             "0031"
+                             "0503ABCD21D1"
+                             "6538"
+                             "0040"
+                             "Z");
+}
+
+TEST_F(MeterOperations, AFailedReadLeavesTheRangeAlone)
+{
+    SCType = kTc;
+    LastDisplaySetup = 10;
+    WriteRangeSetup("00108", "61", 4);
+    EXPECT_THAT(Payloads(), ElementsAre("G130"));
+    Answers("G130", "65");
+    for (const char *line : {"", "0503", "0503ABCD21D", "0503ABCD21D1FFFF", "0503ABCD21?1"}) {
+        Start();
+        Answers("X314", line);
+        WriteRangeSetup("00108", "61", 4);
+        EXPECT_THAT(Payloads(), ElementsAre("G130", "X314")) << line;
+    }
+    EXPECT_EQ(LastDisplaySetup, 10);
+}
+
+TEST_F(MeterOperations, ACodeOfTheWrongLengthLeavesTheRangeAlone)
+{
+    SCType = kDc;
+    Answers("G130", "65");
+    WriteRangeSetup("0010", "61", 4);
+    WriteRangeSetup("", "61", 4);
+    WriteRangeSetup("00108", "", 4);
+    EXPECT_THAT(Payloads(), ElementsAre("G130", "G130", "G130"));
+}
+
+TEST_F(MeterOperations, TheFactorySetupIsWord18ThenFilterThenDisplay)
+{
+    Answers("G130", "65");
+    LoadFactoryMeterSetup();
+    EXPECT_THAT(Payloads(), ElementsAre("W11221D1", "G130", "W1116536", "W305000000100004"));
+    EXPECT_EQ(clock.Elapsed(), 1750 + 500 + 1750 + 1750);
+}
+
+TEST_F(MeterOperations, BareCommandsHoldTheirPauses)
+{
+    const struct {
+        void (*command)();
+        const char *payload;
+        int ms;
+    } rows[] = {{MeterCommandA1, "A1", 200},
+                {MeterCommandC0, "C0", 500},
+                {MeterCommandCZ, "CZ", 1000},
+                {MeterCommandV6, "V6", 0}};
+    for (const auto &row : rows) {
+        Start();
+        row.command();
+        EXPECT_THAT(Payloads(), ElementsAre(row.payload));
+        EXPECT_EQ(clock.Elapsed(), row.ms) << row.payload;
+    }
+}
+
+TEST_F(MeterOperations, TheEndOfTheProgramLeavesAWaitAtOnce)
+{
+    CallAfter(100, [] { RequestShutdown(); });
+    EXPECT_THROW(WriteNvmWords(200, "00C8", ""), Shutdown);
+    EXPECT_EQ(clock.Elapsed(), 100);
+}
