@@ -12,20 +12,18 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kFirstKind = 2;
 constexpr int kLastKind = 10;
 constexpr int kResistanceKind = 10;
 
-constexpr int kEdge = 8;       // free at all sides of the picture
-constexpr int kGap = 6;        // from a label to the connector
-constexpr int kBodyWidth = 24; // of the connector
-constexpr int kWire = 22;      // from the connector to the nearest box
-constexpr double kScrew = 7;   // radius
+constexpr int kEdge = 8;        // free at all sides of the picture
+constexpr int kGap = 6;         // from a label to the connector
+constexpr int kBodyWidth = 24;  // of the connector
+constexpr int kWire = 22;       // from the connector to the nearest box
+constexpr double kScrew = 7;    // radius
 constexpr double kPost = 3.5;
 
 int Pitch(const QFontMetrics &metrics)
@@ -47,7 +45,7 @@ int LabelWidth(const QFontMetrics &metrics)
 struct Pin {
     bool used = false;
     bool positive = false;
-    bool excitation = false; // excitation or its sense line
+    bool excitation = false;  // excitation or its sense line
     double y = 0;
 };
 
@@ -167,7 +165,7 @@ void PaintBox(QPainter &painter, const QRectF &box, const std::vector<Pin> &pins
     }
 }
 
-} // namespace
+}  // namespace
 
 bool KindIsAc(int kind)
 {
@@ -228,4 +226,4 @@ void PaintConnector(QPainter &painter, int kind, const QPalette &palette)
     PaintSignalSymbol(painter, box.adjusted(SignRoom(metrics), 0, 0, 0), kind, ink);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

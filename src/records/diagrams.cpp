@@ -1,6 +1,7 @@
 #include "records/diagrams.h"
 
 #include "model/connection_tables.h"
+#include "model/step_ids.h"
 #include "platform/widgets.h"
 #include "records/connector_drawing.h"
 #include "records/diagram_painting.h"
@@ -18,13 +19,11 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kAnalogBlock = 5;
-constexpr int kFirstDrawnKind = 2; // 0 and 1 have no drawing
+constexpr int kFirstDrawnKind = 2;  // 0 and 1 have no drawing
 
 // The rows of positions on each block. A block's labels take its letters in the order in which they stand here.
 struct BlockRow {
@@ -210,12 +209,17 @@ void ShowBlock(int index, const std::string &caption, const std::vector<std::str
 // These pages have no place for the cable message: the next range page must still say it.
 bool PageTellsCable()
 {
-    constexpr int kFirstCycle = 14, kVerify = 15, kZeroAdjust = 39, kTrim = 40, kGainTrim = 41, kR38Trim = 51;
-    for (int step : {kFirstCycle, kVerify, kZeroAdjust, kTrim, kGainTrim, kR38Trim}) {
-        if (CurrentStepId == step)
-            return false;
+    switch (CurrentStepId) {
+    case Step::FirstCycle:
+    case Step::Verify:
+    case Step::ZeroAdjust:
+    case Step::TrimR13R14:
+    case Step::MinusGainTrim:
+    case Step::TrimR38:
+        return false;
+    default:
+        return true;
     }
-    return true;
 }
 
 std::string CableMessage(int row)
@@ -240,7 +244,7 @@ void DrawConnectionDiagram(int row)
     ShowBlock(JumperBlockOfBoard(SCType), RangeCaption(SCType, row), JumperLetters(SCType, row));
 }
 
-} // namespace
+}  // namespace
 
 void BuildDiagrams(QWidget *parent)
 {
@@ -287,4 +291,4 @@ void ForgetCable()
     lastCable = Cable();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -12,13 +12,12 @@ class QFontMetrics;
 class QPainter;
 class QPalette;
 
-namespace ombrix
-{
+namespace ombrix {
 
 struct JumperRow {
-    std::string positions; ///< letters from left to right, a blank is a gap
-    int pinColumns = 1;    ///< columns of pins under one cap
-    std::string set;       ///< letters of the positions that carry a cap; other characters don't matter
+    std::string positions;  ///< letters from left to right, a blank is a gap
+    int pinColumns = 1;     ///< columns of pins under one cap
+    std::string set;        ///< letters of the positions that carry a cap; other characters don't matter
 };
 
 /// Room for the picture in logical pixels.
@@ -35,4 +34,4 @@ int LabelLeft(const JumperRow &row, const std::string &text, int width, const QF
 
 void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette);
 
-} // namespace ombrix
+}  // namespace ombrix
