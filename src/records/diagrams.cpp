@@ -66,7 +66,6 @@ struct Inputs {
     QLabel *caption = nullptr;
     Canvas *canvas = nullptr;
     std::array<QLabel *, kPlaces> places{};
-    int kind = 0;
 };
 
 // Of the window that stands; `column` is null once it is gone, and the rest is then not touched.
@@ -118,7 +117,6 @@ void BuildInputs(QWidget *parent)
     inputs.caption = CardCaption(inputs.frame, "lblInput");
     inputs.canvas = new Canvas(inputs.frame, "imgInputs");
     inputs.frame->layout()->addWidget(inputs.canvas);
-    inputs.canvas->paint = [](QPainter &painter) { PaintConnector(painter, inputs.kind, inputs.canvas->palette()); };
     for (int place = 0; place < kPlaces; place++) {
         inputs.places[place] = PaperLabel(inputs.canvas, Indexed("lblInp", place), false);
         inputs.places[place]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -151,18 +149,14 @@ void BuildBlock(QWidget *parent, int index)
         if (row.block == index)
             BuildPicture(block, row);
     }
-    // The blocks stay in their array as long as the window, so a picture can be drawn from its place in it.
-    for (Picture &picture : block.pictures) {
-        picture.canvas->paint = [&picture](QPainter &painter) {
-            PaintJumperRow(painter, picture.row, picture.canvas->palette());
-        };
-    }
 }
 
 void ShowInputs(int kind)
 {
     const QFontMetrics metrics = inputs.canvas->fontMetrics();
-    inputs.kind = kind;
+    inputs.canvas->paint = [canvas = inputs.canvas, kind](QPainter &painter) {
+        PaintConnector(painter, kind, canvas->palette());
+    };
     inputs.caption->setText(
         Caption(std::string(KindIsAc(kind) ? "AC " : "DC ") + (KindIsCurrent(kind) ? "Current" : "Voltage")));
     for (int place = 0; place < kPlaces; place++) {
@@ -183,7 +177,7 @@ void ShowLetters(QLabel *label, const Picture &picture, const std::string &lette
     const std::string text = letters.empty() ? "" : "(" + letters + ")";
     label->setText(Caption(text));
     label->adjustSize();
-    label->move(LabelLeft(picture.row, text, label->width(), label->fontMetrics()), 0);
+    label->move(LabelLeft(picture.row, text, picture.canvas->fontMetrics(), label->fontMetrics()), 0);
     label->setVisible(!text.empty());
 }
 
@@ -201,6 +195,9 @@ void ShowBlock(int index, const std::string &caption, const std::vector<std::str
             picture.row.set += set;
             entry++;
         }
+        picture.canvas->paint = [canvas = picture.canvas, row = picture.row](QPainter &painter) {
+            PaintJumperRow(painter, row, canvas->palette());
+        };
         picture.canvas->update();
     }
     block.frame->show();

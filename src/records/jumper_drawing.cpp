@@ -152,16 +152,16 @@ QRectF LetterOf(const JumperRow &row, char letter, const QFontMetrics &metrics)
     return QRectF(column.center().x() - width / 2, column.bottom() + kLetterGap, width, metrics.height() + 2);
 }
 
-int LabelLeft(const JumperRow &row, const std::string &text, int width, const QFontMetrics &metrics)
+int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics &metrics, const QFontMetrics &label)
 {
     const std::size_t first = text.find_first_not_of('(');
-    const int room = JumperRowSize(row, metrics).width();
     if (first == std::string::npos || !Has(row.positions, text[first]))
         return 0;
-    const int before = metrics.horizontalAdvance(QString::fromStdString(text.substr(0, first))) +
-                       metrics.horizontalAdvance(QChar(text[first])) / 2;
+    const QString shown = QString::fromStdString(text);
+    const int before = label.horizontalAdvance(shown.left(first)) + label.horizontalAdvance(shown[first]) / 2;
     const int wanted = static_cast<int>(Column(row, text[first], metrics).center().x()) - before;
-    return std::clamp(wanted, 0, std::max(0, room - width));
+    const int room = JumperRowSize(row, metrics).width() - label.horizontalAdvance(shown);
+    return std::clamp(wanted, 0, std::max(0, room));
 }
 
 void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette)

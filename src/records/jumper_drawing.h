@@ -29,8 +29,8 @@ QRectF CapOf(const JumperRow &row, char letter, const QFontMetrics &metrics);
 /// Where the letter below a position stands. Null for a letter that the row doesn't have.
 QRectF LetterOf(const JumperRow &row, char letter, const QFontMetrics &metrics);
 
-/// Left end of a label "(x,y)" of `width`, so that its first letter stands over that letter's position.
-int LabelLeft(const JumperRow &row, const std::string &text, int width, const QFontMetrics &metrics);
+/// Left end of a label "(x,y)" in its own font, so that its first letter stands over that letter's position.
+int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics &metrics, const QFontMetrics &label);
 
 void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette);
 

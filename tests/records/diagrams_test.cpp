@@ -2,6 +2,7 @@
 
 #include "model/connection_tables.h"
 #include "model/step_ids.h"
+#include "records/connector_drawing.h"
 #include "records/diagram_painting.h"
 #include "records/jumper_drawing.h"
 #include "session/page_frame.h"
@@ -317,20 +318,14 @@ TEST_F(Diagrams, AnalogBlockShowsItsLetter)
     EXPECT_EQ(Text("lblJmprAna"), "(b)");
 }
 
-TEST_F(Diagrams, DualConverterShowsBothConnectors)
+TEST_F(Diagrams, OnlyADualConverterShowsItsConnectors)
 {
-    ShowAnalogDiagram(0, true);
-    const char *texts[] = {"0 - 20 mA  1", "0 - 10 V  2", "Gnd  3", "Gnd  1", "+/- 10 V  2"};
-    for (int pin = 0; pin < 5; pin++) {
-        const std::string label = "lblDACPin(" + std::to_string(pin) + ")";
-        EXPECT_EQ(Text(label), texts[pin]);
-        EXPECT_TRUE(Shown(label));
+    for (const bool dual : {true, false}) {
+        ShowAnalogDiagram(0, dual);
+        EXPECT_EQ(Shown("lblDAC(2)"), dual);
+        EXPECT_EQ(Shown("lblDACPin(4)"), dual);
+        EXPECT_TRUE(Shown("lblJmprAna"));
     }
-    EXPECT_EQ(Text("lblDAC(0)"), "DAC1");
-    EXPECT_EQ(Text("lblDAC(1)"), "DAC2");
-    EXPECT_EQ(Text("lblDAC(2)"), "Dual DAC");
-    ShowAnalogDiagram(0, false);
-    EXPECT_FALSE(Shown("lblDACPin(0)"));
 }
 
 TEST_F(Diagrams, Ac3HasTwoPictures)
@@ -410,6 +405,36 @@ TEST_F(Diagrams, EveryRangeIsDrawnWithItsPositionsFilledAndNoOther)
             }
         }
     }
+}
+
+TEST_F(Diagrams, EveryRangeIsDrawnWithItsPlacesFilledAndNoOther)
+{
+    column->resize(280, 500);
+    auto *canvas = Find("imgInputs");
+    const QColor paper = InkOf(column->palette()).paper;
+    for (const Range &range : kRanges) {
+        Show(range.board, range.row);
+        QImage image(column->size(), QImage::Format_RGB32);
+        column->render(&image);
+        for (int place = 0; place < kPlaces; place++) {
+            const QPointF beside = TerminalOf(place, canvas->fontMetrics()).center() + QPointF(3, 3);  // off the slot
+            const QPoint point = (canvas->mapTo(column.get(), QPoint()) + beside).toPoint();
+            EXPECT_EQ(image.pixelColor(point) != paper, !kConnectors.at(range.kind).pins[place].empty())
+                << range.board << " row " << range.row << " place " << place;
+        }
+    }
+}
+
+TEST_F(Diagrams, AnOldWindowIsStillDrawnAfterANewOneIsMade)
+{
+    const std::unique_ptr<QWidget> old = std::move(column);
+    Show(kDc, 8);
+    column = std::make_unique<QWidget>();
+    BuildDiagrams(column.get());
+    Show(kLc, 0, Step::Ratio);
+    const QImage before = old->grab().toImage();
+    column.reset();
+    EXPECT_EQ(old->grab().toImage(), before);
 }
 
 TEST_F(Diagrams, EveryRangeFitsTheColumn)

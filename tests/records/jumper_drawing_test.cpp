@@ -82,12 +82,15 @@ TEST(JumperRowGeometry, ALetterThatTheRowDoesNotHaveHasNoPlace)
 TEST(JumperRowGeometry, ALabelStandsWithItsFirstLetterOverThePosition)
 {
     const JumperRow row{"abcde fgh", 1, ""};
-    for (const std::string text : {"(b)", "(e,g)", "(d,g)", "(f)"}) {
-        const int width = Metrics().horizontalAdvance(QString::fromStdString(text));
-        const int left = LabelLeft(row, text, width, Metrics());
-        const int letter = Metrics().horizontalAdvance(text[1]);
-        const double middle = left + Metrics().horizontalAdvance('(') + letter / 2.0;
-        EXPECT_NEAR(middle, CapOf(row, text[1], Metrics()).center().x(), 1.0) << text;
+    QFont bold = QApplication::font();
+    bold.setBold(true);
+    for (const QFont &font : {QApplication::font(), bold}) {
+        const QFontMetrics label(font);
+        for (const std::string text : {"(b)", "(e,g)", "(d,g)", "(f)"}) {
+            const double middle = LabelLeft(row, text, Metrics(), label) + label.horizontalAdvance('(') +
+                                  label.horizontalAdvance(text[1]) / 2.0;
+            EXPECT_NEAR(middle, CapOf(row, text[1], Metrics()).center().x(), 1.0) << text;
+        }
     }
 }
 
@@ -95,10 +98,13 @@ TEST(JumperRowGeometry, ALabelNeverLeavesThePicture)
 {
     const JumperRow row{"ab", 1, ""};
     const int room = JumperRowSize(row, Metrics()).width();
-    EXPECT_EQ(LabelLeft(row, "(b,a,b,a)", room - 5, Metrics()), 5);
-    EXPECT_EQ(LabelLeft(row, "(b,a,b,a)", room + 50, Metrics()), 0);
-    EXPECT_EQ(LabelLeft(row, "", 0, Metrics()), 0);
-    EXPECT_EQ(LabelLeft(row, "(x)", 20, Metrics()), 0);
+    const auto right = [&](const std::string &text) {
+        return LabelLeft(row, text, Metrics(), Metrics()) + Metrics().horizontalAdvance(QString::fromStdString(text));
+    };
+    EXPECT_EQ(right("(b,a,b)"), room);
+    EXPECT_EQ(LabelLeft(row, "(b,a,b,a,b,a,b,a,b,a)", Metrics(), Metrics()), 0);
+    EXPECT_EQ(LabelLeft(row, "", Metrics(), Metrics()), 0);
+    EXPECT_EQ(LabelLeft(row, "(x)", Metrics(), Metrics()), 0);
 }
 
 TEST(JumperRowPicture, FillsThePositionsToSetAndNoOther)
