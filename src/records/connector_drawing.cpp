@@ -12,20 +12,18 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kFirstKind = 2;
 constexpr int kLastKind = 10;
 constexpr int kResistanceKind = 10;
 
-constexpr int kEdge = 8;       // free at all sides of the picture
-constexpr int kGap = 6;        // from a label to the connector
-constexpr int kBodyWidth = 24; // of the connector
-constexpr int kWire = 22;      // from the connector to the nearest box
-constexpr double kScrew = 7;   // radius
+constexpr int kEdge = 8;        // free at all sides of the picture
+constexpr int kGap = 6;         // from a label to the connector
+constexpr int kBodyWidth = 24;  // of the connector
+constexpr int kWire = 22;       // from the connector to the nearest box
+constexpr double kScrew = 7;    // radius
 constexpr double kPost = 3.5;
 
 int Pitch(const QFontMetrics &metrics)
@@ -47,7 +45,7 @@ int LabelWidth(const QFontMetrics &metrics)
 struct Pin {
     bool used = false;
     bool positive = false;
-    bool excitation = false; // excitation or its sense line
+    bool excitation = false;  // excitation or its sense line
     double y = 0;
 };
 
@@ -61,7 +59,9 @@ Pin PinAt(int kind, int place, const QFontMetrics &metrics)
 
 QColor ColourOf(const Pin &pin, const Ink &ink)
 {
-    return !pin.used ? ink.dim : pin.positive ? ink.plus : ink.line;
+    if (!pin.used)
+        return ink.dim;
+    return pin.positive ? ink.plus : ink.line;
 }
 
 double BodyRight(const QFontMetrics &metrics)
@@ -82,21 +82,25 @@ void PaintBody(QPainter &painter, int kind, const Ink &ink)
     }
 }
 
-// "V" or "A" over the sign of direct or alternating current, or a resistor over its unit.
+QString UnitOf(int kind)
+{
+    if (kind == kResistanceKind)
+        return QString(QChar(0x03A9));  // capital omega
+    return KindIsCurrent(kind) ? "A" : "V";
+}
+
+// "V" or "A" over the sign of direct or alternating current, or the unit of resistance over a resistor.
 void PaintSignalSymbol(QPainter &painter, const QRectF &room, int kind, const Ink &ink)
 {
     const double letterHeight = painter.fontMetrics().height();
     const QPointF centre = room.center();
-    const bool resistance = kind == kResistanceKind;
     painter.setPen(ink.line);
     painter.drawText(QRectF(room.left(), centre.y() - letterHeight + 2, room.width(), letterHeight), Qt::AlignCenter,
-                     resistance            ? QString(QChar(0x03A9))
-                     : KindIsCurrent(kind) ? "A"
-                                           : "V");
+                     UnitOf(kind));
     painter.setPen(QPen(ink.line, kThin));
     painter.setBrush(Qt::NoBrush);
     const QPointF sign(centre.x(), centre.y() + 8);
-    if (resistance) {
+    if (kind == kResistanceKind) {
         painter.drawRect(QRectF(sign.x() - 9, sign.y() - 3, 18, 7));
         painter.drawLine(sign + QPointF(-14, 0.5), sign + QPointF(-9, 0.5));
         painter.drawLine(sign + QPointF(9, 0.5), sign + QPointF(14, 0.5));
@@ -130,18 +134,26 @@ std::vector<Pin> PinsServed(int kind, Serves serves, const QFontMetrics &metrics
 // In a box, from its left edge to what stands in its middle.
 double SignRoom(const QFontMetrics &metrics)
 {
-    return kPost + 3 + metrics.horizontalAdvance("LO") - 4;
+    return kPost + 3 + metrics.horizontalAdvance("LO");
 }
 
 double BoxWidth(const QFontMetrics &metrics)
 {
-    return SignRoom(metrics) + metrics.horizontalAdvance("EXC") + 12;
+    return SignRoom(metrics) + metrics.horizontalAdvance("EXC") + 8;
 }
 
 QRectF BoxAround(const std::vector<Pin> &pins, double left, double right, const QFontMetrics &metrics)
 {
-    const double margin = metrics.height() / 2 + 3;
+    const double margin = metrics.height() / 2.0 + 3;
     return QRectF(QPointF(left, pins.front().y - margin), QPointF(right, pins.back().y + margin));
+}
+
+QString SignOf(const Pin &pin, bool highLow)
+{
+    constexpr char16_t kMinus = 0x2212;
+    if (highLow)
+        return pin.positive ? "HI" : "LO";
+    return pin.positive ? QString("+") : QString(QChar(kMinus));
 }
 
 // The box and, for each pin, its wire, its post and its polarity.
@@ -161,13 +173,12 @@ void PaintBox(QPainter &painter, const QRectF &box, const std::vector<Pin> &pins
         painter.setBrush(colour);
         painter.drawEllipse(QPointF(box.left(), pin.y), kPost, kPost);
         painter.setPen(colour);
-        const QString sign = highLow ? (pin.positive ? "HI" : "LO") : QString(QChar(pin.positive ? '+' : 0x2212));
         painter.drawText(QRectF(box.left() + kPost + 3, pin.y - metrics.height() / 2.0, box.width(), metrics.height()),
-                         Qt::AlignLeft | Qt::AlignVCenter, sign);
+                         Qt::AlignLeft | Qt::AlignVCenter, SignOf(pin, highLow));
     }
 }
 
-} // namespace
+}  // namespace
 
 bool KindIsAc(int kind)
 {
@@ -185,7 +196,9 @@ int InputsWidth(int kind, const QFontMetrics &metrics)
     constexpr int kUnit = 13;
     constexpr int kUsualHeight = 16;
     const int unit = std::max(kUnit, kUnit * metrics.height() / kUsualHeight);
-    return (kind == 4 || kind == 9 ? 20 : kind == 10 ? 17 : 14) * unit;
+    if (kind == 4 || kind == 9)
+        return 20 * unit;
+    return (kind == kResistanceKind ? 17 : 14) * unit;
 }
 
 QSize ConnectorSize(int kind, const QFontMetrics &metrics)
@@ -228,4 +241,4 @@ void PaintConnector(QPainter &painter, int kind, const QPalette &palette)
     PaintSignalSymbol(painter, box.adjusted(SignRoom(metrics), 0, 0, 0), kind, ink);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

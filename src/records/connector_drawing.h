@@ -10,8 +10,7 @@ class QFontMetrics;
 class QPainter;
 class QPalette;
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kPlaces = 6;
 
@@ -33,4 +32,4 @@ QRectF TerminalOf(int place, const QFontMetrics &metrics);
 
 void PaintConnector(QPainter &painter, int kind, const QPalette &palette);
 
-} // namespace ombrix
+}  // namespace ombrix

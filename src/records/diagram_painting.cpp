@@ -9,10 +9,8 @@
 #include <algorithm>
 #include <cmath>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr double kReadable = 4.5;
 constexpr double kSmallestPoints = 9;
@@ -26,9 +24,9 @@ double Luminance(const QColor &colour)
 
 QColor Mix(const QColor &one, const QColor &other, double share)
 {
-    const auto between = [share](double a, double b) { return static_cast<float>(a + (b - a) * share); };
-    return QColor::fromRgbF(between(one.redF(), other.redF()), between(one.greenF(), other.greenF()),
-                            between(one.blueF(), other.blueF()));
+    const auto between = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
+    return QColor(between(one.red(), other.red()), between(one.green(), other.green()),
+                  between(one.blue(), other.blue()));
 }
 
 // The colour itself, or as much nearer to the text colour as it takes to be read on the paper.
@@ -40,7 +38,7 @@ QColor Readable(const QColor &colour, const QColor &paper, const QColor &text)
     return result;
 }
 
-} // namespace
+}  // namespace
 
 double Contrast(const QColor &one, const QColor &other)
 {
@@ -97,4 +95,4 @@ void Canvas::paintEvent(QPaintEvent *)
     });
 }
 
-} // namespace ombrix
+}  // namespace ombrix

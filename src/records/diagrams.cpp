@@ -1,6 +1,7 @@
 #include "records/diagrams.h"
 
 #include "model/connection_tables.h"
+#include "model/step_ids.h"
 #include "platform/widgets.h"
 #include "records/connector_drawing.h"
 #include "records/diagram_painting.h"
@@ -18,13 +19,11 @@
 #include <string>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kAnalogBlock = 5;
-constexpr int kFirstDrawnKind = 2; // 0 and 1 have no drawing
+constexpr int kFirstDrawnKind = 2;  // 0 and 1 have no drawing
 
 // The rows of positions on each block. A block's labels take its letters in the order in which they stand here.
 struct BlockRow {
@@ -67,7 +66,6 @@ struct Inputs {
     QLabel *caption = nullptr;
     Canvas *canvas = nullptr;
     std::array<QLabel *, kPlaces> places{};
-    int kind = 0;
 };
 
 // Of the window that stands; `column` is null once it is gone, and the rest is then not touched.
@@ -119,7 +117,6 @@ void BuildInputs(QWidget *parent)
     inputs.caption = CardCaption(inputs.frame, "lblInput");
     inputs.canvas = new Canvas(inputs.frame, "imgInputs");
     inputs.frame->layout()->addWidget(inputs.canvas);
-    inputs.canvas->paint = [](QPainter &painter) { PaintConnector(painter, inputs.kind, inputs.canvas->palette()); };
     for (int place = 0; place < kPlaces; place++) {
         inputs.places[place] = PaperLabel(inputs.canvas, Indexed("lblInp", place), false);
         inputs.places[place]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -152,18 +149,14 @@ void BuildBlock(QWidget *parent, int index)
         if (row.block == index)
             BuildPicture(block, row);
     }
-    // The blocks stay in their array as long as the window, so a picture can be drawn from its place in it.
-    for (Picture &picture : block.pictures) {
-        picture.canvas->paint = [&picture](QPainter &painter) {
-            PaintJumperRow(painter, picture.row, picture.canvas->palette());
-        };
-    }
 }
 
 void ShowInputs(int kind)
 {
     const QFontMetrics metrics = inputs.canvas->fontMetrics();
-    inputs.kind = kind;
+    inputs.canvas->paint = [canvas = inputs.canvas, kind](QPainter &painter) {
+        PaintConnector(painter, kind, canvas->palette());
+    };
     inputs.caption->setText(
         Caption(std::string(KindIsAc(kind) ? "AC " : "DC ") + (KindIsCurrent(kind) ? "Current" : "Voltage")));
     for (int place = 0; place < kPlaces; place++) {
@@ -184,7 +177,7 @@ void ShowLetters(QLabel *label, const Picture &picture, const std::string &lette
     const std::string text = letters.empty() ? "" : "(" + letters + ")";
     label->setText(Caption(text));
     label->adjustSize();
-    label->move(LabelLeft(picture.row, text, label->width(), label->fontMetrics()), 0);
+    label->move(LabelLeft(picture.row, text, picture.canvas->fontMetrics(), label->fontMetrics()), 0);
     label->setVisible(!text.empty());
 }
 
@@ -202,6 +195,9 @@ void ShowBlock(int index, const std::string &caption, const std::vector<std::str
             picture.row.set += set;
             entry++;
         }
+        picture.canvas->paint = [canvas = picture.canvas, row = picture.row](QPainter &painter) {
+            PaintJumperRow(painter, row, canvas->palette());
+        };
         picture.canvas->update();
     }
     block.frame->show();
@@ -210,12 +206,17 @@ void ShowBlock(int index, const std::string &caption, const std::vector<std::str
 // These pages have no place for the cable message: the next range page must still say it.
 bool PageTellsCable()
 {
-    constexpr int kFirstCycle = 14, kVerify = 15, kZeroAdjust = 39, kTrim = 40, kGainTrim = 41, kR38Trim = 51;
-    for (int step : {kFirstCycle, kVerify, kZeroAdjust, kTrim, kGainTrim, kR38Trim}) {
-        if (CurrentStepId == step)
-            return false;
+    switch (CurrentStepId) {
+    case Step::FirstCycle:
+    case Step::Verify:
+    case Step::ZeroAdjust:
+    case Step::TrimR13R14:
+    case Step::MinusGainTrim:
+    case Step::TrimR38:
+        return false;
+    default:
+        return true;
     }
-    return true;
 }
 
 std::string CableMessage(int row)
@@ -240,7 +241,7 @@ void DrawConnectionDiagram(int row)
     ShowBlock(JumperBlockOfBoard(SCType), RangeCaption(SCType, row), JumperLetters(SCType, row));
 }
 
-} // namespace
+}  // namespace
 
 void BuildDiagrams(QWidget *parent)
 {
@@ -287,4 +288,4 @@ void ForgetCable()
     lastCable = Cable();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -8,8 +8,7 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kJumperBlocks = 9;
 
@@ -26,4 +25,4 @@ void ShowAnalogDiagram(int row, bool dual);
 /// The next AC3 range asks for its cable again.
 void ForgetCable();
 
-} // namespace ombrix
+}  // namespace ombrix

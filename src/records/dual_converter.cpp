@@ -8,10 +8,8 @@
 #include <QPainter>
 #include <QPalette>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // Pins from the top: those of the first connector, then those of the second.
 constexpr const char *kPins[] = {"0 - 20 mA  1", "0 - 10 V  2", "Gnd  3", "Gnd  1", "+/- 10 V  2"};
@@ -37,7 +35,7 @@ Canvas *Screw(QWidget *parent, const QString &name)
     return screw;
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildDualConverter(QWidget *parent)
 {
@@ -59,4 +57,4 @@ QWidget *BuildDualConverter(QWidget *parent)
     return box;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,10 +3,9 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Makes the picture and its labels in `parent`, hidden.
 QWidget *BuildDualConverter(QWidget *parent);
 
-} // namespace ombrix
+}  // namespace ombrix

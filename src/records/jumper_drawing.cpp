@@ -8,18 +8,16 @@
 
 #include <algorithm>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
-constexpr int kMargin = 6;       // from the edge of the picture to the housing
-constexpr int kPinPitch = 14;    // from pin to pin, down and, under a wide cap, across
-constexpr int kBracket = 9;      // from the label to the housing
-constexpr int kHousing = 36;     // height of the housing
-constexpr int kLetterGap = 3;    // from the housing to the letters
-constexpr double kPin = 5;       // side of a pin
-constexpr double kCapMargin = 5; // from the pins' centres to the edge of the cap
+constexpr int kMargin = 6;        // from the edge of the picture to the housing
+constexpr int kPinPitch = 14;     // from pin to pin, down and, under a wide cap, across
+constexpr int kBracket = 9;       // from the label to the housing
+constexpr int kHousing = 36;      // height of the housing
+constexpr int kLetterGap = 2;     // from the housing to the letters
+constexpr double kPin = 5;        // side of a pin
+constexpr double kCapMargin = 5;  // from the pins' centres to the edge of the cap
 
 int PositionWidth(const JumperRow &row, const QFontMetrics &metrics)
 {
@@ -127,12 +125,12 @@ void PaintBracket(QPainter &painter, const JumperRow &row, const Ink &ink)
         painter.drawLine(QPointF(left, top), QPointF(right, top));
 }
 
-} // namespace
+}  // namespace
 
 QSize JumperRowSize(const JumperRow &row, const QFontMetrics &metrics)
 {
     return QSize(PositionLeft(row, row.positions.size(), metrics) + kMargin,
-                 HousingTop(metrics) + kHousing + kLetterGap + metrics.height() + 1);
+                 HousingTop(metrics) + kHousing + kLetterGap + metrics.height() + 3);
 }
 
 QRectF CapOf(const JumperRow &row, char letter, const QFontMetrics &metrics)
@@ -151,19 +149,19 @@ QRectF LetterOf(const JumperRow &row, char letter, const QFontMetrics &metrics)
     if (column.isNull())
         return column;
     const double width = metrics.height() + 4;
-    return QRectF(column.center().x() - width / 2, column.bottom() + kLetterGap, width, metrics.height());
+    return QRectF(column.center().x() - width / 2, column.bottom() + kLetterGap, width, metrics.height() + 2);
 }
 
-int LabelLeft(const JumperRow &row, const std::string &text, int width, const QFontMetrics &metrics)
+int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics &metrics, const QFontMetrics &label)
 {
     const std::size_t first = text.find_first_not_of('(');
-    const int room = JumperRowSize(row, metrics).width();
     if (first == std::string::npos || !Has(row.positions, text[first]))
         return 0;
-    const int before = metrics.horizontalAdvance(QString::fromStdString(text.substr(0, first))) +
-                       metrics.horizontalAdvance(QChar(text[first])) / 2;
+    const QString shown = QString::fromStdString(text);
+    const int before = label.horizontalAdvance(shown.left(first)) + label.horizontalAdvance(shown[first]) / 2;
     const int wanted = static_cast<int>(Column(row, text[first], metrics).center().x()) - before;
-    return std::clamp(wanted, 0, std::max(0, room - width));
+    const int room = JumperRowSize(row, metrics).width() - label.horizontalAdvance(shown);
+    return std::clamp(wanted, 0, std::max(0, room));
 }
 
 void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette)
@@ -177,4 +175,4 @@ void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &pal
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

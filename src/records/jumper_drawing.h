@@ -12,13 +12,12 @@ class QFontMetrics;
 class QPainter;
 class QPalette;
 
-namespace ombrix
-{
+namespace ombrix {
 
 struct JumperRow {
-    std::string positions; ///< letters from left to right, a blank is a gap
-    int pinColumns = 1;    ///< columns of pins under one cap
-    std::string set;       ///< letters of the positions that carry a cap; other characters don't matter
+    std::string positions;  ///< letters from left to right, a blank is a gap
+    int pinColumns = 1;     ///< columns of pins under one cap
+    std::string set;        ///< letters of the positions that carry a cap; other characters don't matter
 };
 
 /// Room for the picture in logical pixels.
@@ -30,9 +29,9 @@ QRectF CapOf(const JumperRow &row, char letter, const QFontMetrics &metrics);
 /// Where the letter below a position stands. Null for a letter that the row doesn't have.
 QRectF LetterOf(const JumperRow &row, char letter, const QFontMetrics &metrics);
 
-/// Left end of a label "(x,y)" of `width`, so that its first letter stands over that letter's position.
-int LabelLeft(const JumperRow &row, const std::string &text, int width, const QFontMetrics &metrics);
+/// Left end of a label "(x,y)" in its own font, so that its first letter stands over that letter's position.
+int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics &metrics, const QFontMetrics &label);
 
 void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette);
 
-} // namespace ombrix
+}  // namespace ombrix
