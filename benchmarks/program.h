@@ -1,0 +1,35 @@
+// A program under measurement: started, looked at from outside through /proc, ended.
+#pragma once
+
+#include <chrono>
+#include <string>
+#include <sys/types.h>
+#include <vector>
+
+namespace ombrix::benchmarks {
+
+class Program
+{
+public:
+    /// Starts it in `folder` with these variables set beside the present ones ("DISPLAY=:3").
+    Program(const std::vector<std::string> &command, const std::string &folder,
+            const std::vector<std::string> &variables);
+    /// SIGTERM, then SIGKILL when it is still there after 5 s.
+    ~Program();
+    Program(const Program &) = delete;
+    Program &operator=(const Program &) = delete;
+
+    std::chrono::steady_clock::time_point Started() const { return m_started; }
+    /// VmRSS in MiB.
+    double ResidentMiB() const;
+    /// How often its threads went to sleep by themselves so far.
+    long Sleeps() const;
+    /// That, a second, over the next `seconds`.
+    double SleepsASecond(int seconds) const;
+
+private:
+    pid_t m_pid = -1;
+    std::chrono::steady_clock::time_point m_started;
+};
+
+}  // namespace ombrix::benchmarks
