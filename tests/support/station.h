@@ -1,0 +1,49 @@
+// The whole station in its real window, on virtual time, in an empty folder of its own.
+#pragma once
+
+#include "support/scripted_operator.h"
+#include "support/virtual_clock.h"
+
+#include <QString>
+#include <QTemporaryDir>
+
+#include <string>
+
+namespace ombrix::test {
+
+/// An empty folder that is the current one while it stands.
+class WorkFolder
+{
+public:
+    WorkFolder();
+    ~WorkFolder();
+
+private:
+    QTemporaryDir m_folder;
+    QString m_before;
+};
+
+/// The station without instruments: what a double click on "Calibrator Output" makes a simulation.
+class Station
+{
+public:
+    Station();
+    ~Station();
+    Station(const Station &) = delete;
+    Station &operator=(const Station &) = delete;
+
+    VirtualClock clock;
+    WorkFolder folder;
+    ScriptedOperator person;
+
+    /// Switches to simulation and establishes.
+    bool EstablishesInSimulation();
+};
+
+/// What main does: fills the outlets, registers the pages, opens the window.
+void OpenWholeStation();
+
+/// Name of a step button.
+std::string StepButton(int position);
+
+}  // namespace ombrix::test
