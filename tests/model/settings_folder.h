@@ -1,0 +1,91 @@
+// A station folder for one test: empty at first, with the session and the settings at their start values, and an ear
+// for what the operator is told.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "model/analog_words.h"
+#include "model/ini_store.h"
+#include "model/nominals.h"
+#include "model/range_tables.h"
+#include "model/settings.h"
+#include "model/station_settings.h"
+#include "platform/safe_file.h"
+#include "session/outlets.h"
+#include "session/state.h"
+
+namespace ombrix {
+
+class SettingsFolder : public testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        Empty();
+        InitSessionState();
+        Forget();
+        outlets = Outlets();
+        outlets.warnOperator = [this](const std::string &text, const std::string &title) {
+            warnings.push_back(title + ": " + text);
+        };
+        outlets.showRemark = [this](const std::string &text) { remarks.push_back(text); };
+    }
+
+    void TearDown() override
+    {
+        outlets = Outlets();
+        Empty();
+        Forget();
+    }
+
+    static void Write(const std::string &path, const std::string &bytes)
+    {
+        std::ofstream(path, std::ios::binary) << bytes;
+        ASSERT_EQ(Read(path).size(), bytes.size());
+    }
+    static std::string Read(const std::string &path) { return ReadFile(path).value_or("(none)"); }
+    static bool Exists(const std::string &path) { return StateOfFile(path) != FileState::Missing; }
+
+    /// A fresh program: nothing in memory, then what the folder gives.
+    static void Start()
+    {
+        Forget();
+        InitTables();
+    }
+
+    std::vector<std::string> warnings;
+    std::vector<std::string> remarks;
+
+private:
+    static void Empty()
+    {
+        for (const QFileInfo &entry : QDir().entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
+            if (entry.isDir())
+                QDir(entry.filePath()).removeRecursively();
+            else
+                QFile::remove(entry.filePath());
+        }
+    }
+
+    static void Forget()
+    {
+        LoadIni("no such file");
+        IniReady = IniDirty = WordsDirty = false;
+        InitNominals();
+        ClearFilterCodes();
+        StoredAnalogWords.fill("");
+        DacTypeText = CurrentOffsetPoint = "";
+        DcRatioRange = StrainRange = 0;
+        DcRatioReading = StrainReading = 0;
+        RtdDesiredText = QDTargetText = VFLow = VFHigh = "";
+        SendFileDefaults.fill("");
+    }
+};
+
+}  // namespace ombrix
