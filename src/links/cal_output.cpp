@@ -7,10 +7,8 @@
 #include <cmath>
 #include <string_view>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 Danger shownLevel = Danger::Safe;
 
@@ -44,7 +42,7 @@ bool IsTemperature(const std::string &unit)
     return StartsWith(unit, "CF");
 }
 
-} // namespace
+}  // namespace
 
 OutputValue ParseOutputValue(const std::string &value)
 {
@@ -118,4 +116,4 @@ Danger DangerOfValue(const std::string &value)
     return DescribeCalOutput(requested.number, requested.unit).level;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

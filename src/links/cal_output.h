@@ -5,18 +5,17 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// A value text as the calibrator takes it, without its frequency: "2 V, 300 Hz" is 2 and "V".
 struct OutputValue {
     double number;
-    std::string unit; ///< "V", "A", "mV", "mA", "OHM", "KOHM", "CEL", "FAR"
+    std::string unit;  ///< "V", "A", "mV", "mA", "OHM", "KOHM", "CEL", "FAR"
 };
 OutputValue ParseOutputValue(const std::string &value);
 
 struct CalOutput {
-    std::string text; ///< scaled value and unit, "200.0 mV"
+    std::string text;  ///< scaled value and unit, "200.0 mV"
     Danger level;
 };
 
@@ -41,4 +40,4 @@ void ForgetDangerFlag();
 /// The level that a requested value text ("660 V, 300 Hz") would have.
 Danger DangerOfValue(const std::string &value);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -12,8 +12,7 @@
 #include "session/outlets.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 SerialPort comCAL;
 std::string CalError;
@@ -22,17 +21,16 @@ bool CalStandbyFlag = false;
 int CalWaitMs = 1000;
 std::string CalReply;
 
-namespace
-{
+namespace {
 
 constexpr int kNotFound = 99;
 constexpr int kAttempts = 5;
 constexpr int kPolls = 5;
 constexpr int kPollPauseMs = 500;
-constexpr int kSilentReads = 10; // of one poll: a calibrator that settles may hold its answer back
-constexpr int kErrorReads = 32;  // no error queue is longer
+constexpr int kSilentReads = 10;  // of one poll: a calibrator that settles may hold its answer back
+constexpr int kErrorReads = 32;   // no error queue is longer
 constexpr int kThermocouples = 6;
-constexpr char kFullStandby[] = "0 V, 0 Hz"; // resets the frequency of an AC output too
+constexpr char kFullStandby[] = "0 V, 0 Hz";  // resets the frequency of an AC output too
 constexpr std::string_view kReplyEnd = "\r\n";
 
 std::string OutputLine(const std::string &value, std::string_view mode)
@@ -66,7 +64,7 @@ bool ReachState(const std::string &value, std::string_view mode)
     for (int attempt = 0; attempt < kAttempts && !Abort; ++attempt) {
         CheckCalibratorErrors();
         if (operate) {
-            if (Abort) // a stop while the errors were read: nothing is switched on after it
+            if (Abort)  // a stop while the errors were read: nothing is switched on after it
                 return false;
             RaiseDangerFlag(DangerOfValue(value));
         }
@@ -102,7 +100,7 @@ int LookForCalibrator()
     return kNotFound;
 }
 
-} // namespace
+}  // namespace
 
 int OpenCalibratorLink()
 {
@@ -197,7 +195,7 @@ std::string CheckCalibratorErrors()
 
 bool SetCalibratorOutput(const std::string &value, std::string_view mode)
 {
-    if (Quitting) { // the last word: nobody waits for an answer any more
+    if (Quitting) {  // the last word: nobody waits for an answer any more
         SendCalibratorCommand(OutputLine(kFullStandby, "STBY"));
         return true;
     }
@@ -283,4 +281,4 @@ void SetZComp(std::string_view text)
     SendCalibratorCommand("ZCOMP " + std::string(text));
 }
 
-} // namespace ombrix
+}  // namespace ombrix

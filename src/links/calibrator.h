@@ -9,15 +9,14 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 extern SerialPort comCAL;
-extern std::string CalError; ///< the failure word of OpenCalibratorLink
-extern bool CalHzFlag;       ///< the last requested output is AC
-extern bool CalStandbyFlag;  ///< the calibrator is known to be in standby
-extern int CalWaitMs;        ///< the receive wait in force
-extern std::string CalReply; ///< the last reply line
+extern std::string CalError;  ///< the failure word of OpenCalibratorLink
+extern bool CalHzFlag;        ///< the last requested output is AC
+extern bool CalStandbyFlag;   ///< the calibrator is known to be in standby
+extern int CalWaitMs;         ///< the receive wait in force
+extern std::string CalReply;  ///< the last reply line
 
 /// 0 open; 99 "Calibrator not found" in CalError; otherwise the number of a run-time fault with its words there.
 /// In Manual mode and in simulation it succeeds without speaking.
@@ -58,4 +57,4 @@ void SelectRtd();
 void ApplyFahrenheit(const std::string &number);
 void SetZComp(std::string_view text);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,14 +3,12 @@
 #include "links/calibrator.h"
 #include "platform/text.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::string SimCalOut;
 std::string SimCalOper = "0";
 
-namespace
-{
+namespace {
 
 void TakeOutput(std::string_view line)
 {
@@ -47,7 +45,7 @@ std::string OutputReply()
     return FormatExponent(value) + "," + unit + ",0E+00,0,0.00E+00";
 }
 
-} // namespace
+}  // namespace
 
 void InitCalibratorSimulator()
 {
@@ -68,4 +66,4 @@ void SimulateCalibratorCommand(std::string_view text)
         CalReply = SimCalOper;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -4,14 +4,13 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
-extern std::string SimCalOut;  ///< the last OUT line
-extern std::string SimCalOper; ///< "1" operate, "0" standby
+extern std::string SimCalOut;   ///< the last OUT line
+extern std::string SimCalOper;  ///< "1" operate, "0" standby
 
 void InitCalibratorSimulator();
 /// Answers into CalReply.
 void SimulateCalibratorCommand(std::string_view text);
 
-} // namespace ombrix
+}  // namespace ombrix

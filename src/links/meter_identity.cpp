@@ -7,8 +7,7 @@
 
 #include <array>
 
-namespace ombrix
-{
+namespace ombrix {
 
 int MeterKind = -1;
 bool XmtrFlag = false;
@@ -18,8 +17,7 @@ int MeterSCType = -1;
 std::string BoardCode;
 std::string MeterName;
 
-namespace
-{
+namespace {
 
 constexpr int kTypeWord = 109;
 constexpr int kBoardWord = 21;
@@ -52,11 +50,11 @@ std::string RevisionText(int number)
     int digit = 1;
     for (; number > kLetters; number -= kLetters)
         ++digit;
-    const std::string letter(1, static_cast<char>(number + 64)); // 0 gives "@"
+    const std::string letter(1, static_cast<char>(number + 64));  // 0 gives "@"
     return digit > 1 ? letter + std::to_string(digit) : letter;
 }
 
-} // namespace
+}  // namespace
 
 void ReadMeterType()
 {
@@ -174,4 +172,4 @@ void WriteBoardConfigWords(std::string_view boardByte)
         WriteNvmWords(kBoardWord, code + between + "00" + std::string(boardByte), "");
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -4,16 +4,15 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
-extern int MeterKind;            ///< 1 DPM, 2 WtMtr, 3 CTR, -1 unknown
-extern bool XmtrFlag;            ///< the meter is a transmitter
-extern int MeterRevNumber;       ///< high byte of word 109, -1 unknown
-extern std::string MeterRevText; ///< letter and digit made of it: 50 is "X2"
-extern int MeterSCType;          ///< board found in the meter, -1 unknown
-extern std::string BoardCode;    ///< low byte of word 21, two hex digits
-extern std::string MeterName;    ///< "DPM", "WtMtr", "CTR", with " Xmtr"; "???" unknown
+extern int MeterKind;             ///< 1 DPM, 2 WtMtr, 3 CTR, -1 unknown
+extern bool XmtrFlag;             ///< the meter is a transmitter
+extern int MeterRevNumber;        ///< high byte of word 109, -1 unknown
+extern std::string MeterRevText;  ///< letter and digit made of it: 50 is "X2"
+extern int MeterSCType;           ///< board found in the meter, -1 unknown
+extern std::string BoardCode;     ///< low byte of word 21, two hex digits
+extern std::string MeterName;     ///< "DPM", "WtMtr", "CTR", with " Xmtr"; "???" unknown
 
 void ReadMeterType();
 /// Takes word 109 apart; a text that isn't 4 characters leaves kind and revision unknown.
@@ -32,4 +31,4 @@ void SetWordLowByte(int word, std::string_view twoDigits);
 /// TC: board code and board byte in one block of six words at 21; nothing when the words between can't be read.
 void WriteBoardConfigWords(std::string_view boardByte);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -12,16 +12,14 @@
 
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::string MeterError;
 
-namespace
-{
+namespace {
 
 constexpr int kNotFound = 99;
-constexpr std::size_t kAnswerDigits = 4; // two bytes of working memory
+constexpr std::size_t kAnswerDigits = 4;  // two bytes of working memory
 
 // Sets the bit of value 2 in the first digit of the bytes that the meter answered, and writes them to its setup word.
 void SetSetupBit(const std::string &answer)
@@ -61,7 +59,7 @@ int LookForMeter()
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 int OpenMeterLink()
 {
@@ -83,4 +81,4 @@ void CloseLinks()
     comDPM.Close();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,8 +3,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// The failure word of OpenMeterLink.
 extern std::string MeterError;
@@ -16,4 +15,4 @@ int OpenMeterLink();
 /// Closes both ports, whoever holds which: before the links open anew, and at the end.
 void CloseLinks();
 
-} // namespace ombrix
+}  // namespace ombrix

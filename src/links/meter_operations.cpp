@@ -9,17 +9,15 @@
 #include "session/outlets.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 int LastDisplaySetup = 0;
 
-namespace
-{
+namespace {
 
 constexpr int kRestartMs = 1750;
-constexpr int kCtrRestartMs = 5000; // the longest until a counter gives its sign of life
-constexpr int kMaxBlock = 35;       // what one count character can tell
+constexpr int kCtrRestartMs = 5000;  // the longest until a counter gives its sign of life
+constexpr int kMaxBlock = 35;        // what one count character can tell
 constexpr int kRamReads = 20;
 constexpr int kMsPerWord = 8;
 constexpr int kMsPerByte = 4;
@@ -75,7 +73,7 @@ void SendAndWait(std::string_view payload, int ms)
     DelayMs(ms);
 }
 
-} // namespace
+}  // namespace
 
 std::string ReadNvmWords(int address, int count, std::string_view suffix)
 {
@@ -254,4 +252,4 @@ void MeterCommandV6()
     SendMeterCommand("V6");
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -10,8 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// The last value given to the display setup words.
 extern int LastDisplaySetup;
@@ -52,9 +51,9 @@ void WriteDisplaySetupForward(int value);
 void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
 void LoadFactoryMeterSetup();
 
-void MeterCommandA1(); ///< first command after opening the link; 200 ms
-void MeterCommandC0(); ///< 500 ms
-void MeterCommandCZ(); ///< 1000 ms
-void MeterCommandV6(); ///< starts the first cycle stream; no wait
+void MeterCommandA1();  ///< first command after opening the link; 200 ms
+void MeterCommandC0();  ///< 500 ms
+void MeterCommandCZ();  ///< 1000 ms
+void MeterCommandV6();  ///< starts the first cycle stream; no wait
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -8,18 +8,16 @@
 #include "session/outlets.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 SerialPort comDPM;
 std::string MeterAddr = "1";
 std::string MeterReply;
 
-namespace
-{
+namespace {
 
 constexpr int kSilenceMs = 1000;
-constexpr int kReplyPauseMs = 500; // what a meter gets to answer a question
+constexpr int kReplyPauseMs = 500;  // what a meter gets to answer a question
 constexpr char kCr = '\r';
 
 // RTS frames an exchange: on before the frame, off after the reply, whatever ended the wait.
@@ -32,7 +30,7 @@ public:
     RtsEnd &operator=(const RtsEnd &) = delete;
 };
 
-} // namespace
+}  // namespace
 
 void SetMeterAddress(const std::string &address)
 {
@@ -134,4 +132,4 @@ std::string LineOf(std::string_view reply)
     return HoldsLine(reply) ? std::string(reply.substr(0, reply.find(kCr))) : "";
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -10,8 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 extern SerialPort comDPM;
 /// Who is spoken to: "1" the meter under calibration, "2" the meter that serves as output switch.
@@ -56,4 +55,4 @@ std::string MeterPayload(char letter, int address, int count, std::string_view t
 bool HoldsLine(std::string_view reply);
 std::string LineOf(std::string_view reply);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -9,8 +9,7 @@
 #include <random>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::array<std::uint16_t, 256> SimNvm{};
 float SimNominal = 0;
@@ -19,8 +18,7 @@ float SimReading = 0;
 bool SimOneDecimal = false;
 bool SimAddressFaults = false;
 
-namespace
-{
+namespace {
 
 struct StartWord {
     std::size_t address;
@@ -45,8 +43,8 @@ std::mt19937 scatter;
 
 // A command with an address, taken apart as a meter does it.
 struct Block {
-    int count;   // 0 for a character outside the count alphabet
-    int address; // of the first word; the next ones lie below it
+    int count;    // 0 for a character outside the count alphabet
+    int address;  // of the first word; the next ones lie below it
     std::string_view data;
 };
 
@@ -110,7 +108,7 @@ void ReadSimDisplay()
         SimOneDecimal ? Format(SimReading, 1) : std::to_string(RoundHalfEven(static_cast<double>(SimReading))) + ".";
 }
 
-} // namespace
+}  // namespace
 
 void InitMeterSimulator()
 {
@@ -162,4 +160,4 @@ void ClearSimWord21()
     SimNvm[21] = 0;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

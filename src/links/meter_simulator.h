@@ -5,14 +5,13 @@
 #include <cstdint>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 extern std::array<std::uint16_t, 256> SimNvm;
-extern float SimNominal;   ///< what the simulated input reads, in display counts
-extern float SimNoise;     ///< half width of its scatter
-extern float SimReading;   ///< the last reading
-extern bool SimOneDecimal; ///< readings carry one decimal
+extern float SimNominal;    ///< what the simulated input reads, in display counts
+extern float SimNoise;      ///< half width of its scatter
+extern float SimReading;    ///< the last reading
+extern bool SimOneDecimal;  ///< readings carry one decimal
 
 /// SimNominal by its other name.
 inline float &SimTarget = SimNominal;
@@ -30,4 +29,4 @@ void SimulateMeterCommand(std::string_view payload);
 /// A simulated meter without a board code.
 void ClearSimWord21();
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -6,15 +6,13 @@
 #include "session/outlets.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::string SwitchState = "V";
 
-namespace
-{
+namespace {
 
-constexpr int kCurrentDisplay = 11111; // what the second meter shows when it switches to current
+constexpr int kCurrentDisplay = 11111;  // what the second meter shows when it switches to current
 
 class SecondMeterScope
 {
@@ -36,7 +34,7 @@ void WriteSwitchWords(std::string_view hex)
     WaitPlainRestart();
 }
 
-} // namespace
+}  // namespace
 
 void OpenOutputSwitch()
 {
@@ -64,4 +62,4 @@ void ApplySwitched(std::string_view value)
         SetOutputSwitch("A");
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -4,8 +4,7 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// "V" or another text; "V" after opening.
 extern std::string SwitchState;
@@ -16,4 +15,4 @@ void SetOutputSwitch(const std::string &position);
 /// With UseSwitch: "V" for a value that holds "V", "A" for one that holds "A" (not "FAR"); others leave it alone.
 void ApplySwitched(std::string_view value);
 
-} // namespace ombrix
+}  // namespace ombrix

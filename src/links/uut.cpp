@@ -5,10 +5,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr std::string_view kBlockEnd = "\r\n";
 
@@ -33,7 +31,7 @@ std::string_view FromHead(std::string_view buffer)
     return head == std::string_view::npos ? std::string_view() : buffer.substr(head);
 }
 
-} // namespace
+}  // namespace
 
 void UutSetup(std::string_view baud)
 {
@@ -96,4 +94,4 @@ std::string UutReceive()
     return buffer.substr(block.start, block.length);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

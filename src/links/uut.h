@@ -8,8 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 void UutSetup(std::string_view baud);
 void UutFlush();
@@ -18,18 +17,18 @@ void UutSend(std::string_view frame);
 std::string UutReceive();
 
 enum class UutState {
-    NeedsMore, ///< the block isn't complete yet
-    Whole,     ///< a whole block with its CR LF
-    Bad,       ///< a length that is no number: never becomes a block
+    NeedsMore,  ///< the block isn't complete yet
+    Whole,      ///< a whole block with its CR LF
+    Bad,        ///< a length that is no number: never becomes a block
 };
 
 /// What a buffer holds so far.
 struct UutBlock {
     UutState state = UutState::NeedsMore;
-    std::size_t start = 0;  ///< place of the data
-    std::size_t length = 0; ///< its length as far as known
+    std::size_t start = 0;   ///< place of the data
+    std::size_t length = 0;  ///< its length as far as known
 };
 /// Pure. `buffer` begins with "#" or is empty; the caller has cut what stands before.
 UutBlock ParseUutBlock(std::string_view buffer);
 
-} // namespace ombrix
+}  // namespace ombrix

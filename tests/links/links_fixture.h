@@ -24,8 +24,7 @@
 #include <string>
 #include <vector>
 
-namespace ombrix::test
-{
+namespace ombrix::test {
 
 inline const std::string kCrLf = "\r\n";
 inline const std::string kNoError = "0,\"No Error\"\r\n";
@@ -116,12 +115,18 @@ protected:
         CallAfter(ms, [] { Abort = true; });
     }
 
+    FakeLine &LineAtPort(int port)
+    {
+        LoadPorts();
+        return lines[PortDevice(port)];
+    }
+
     Danger Flag() const { return flags.empty() ? Danger::Safe : flags.back(); }
 
     VirtualClock clock;
     FakeLines lines{clock};
-    FakeLine &meter = lines[PortDevice(1)];
-    FakeLine &calibrator = lines[PortDevice(2)];
+    FakeLine &meter = LineAtPort(1);
+    FakeLine &calibrator = LineAtPort(2);
 
     std::string panel;
     std::vector<Danger> flags;
@@ -131,4 +136,4 @@ protected:
     std::vector<std::string> waits;
 };
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

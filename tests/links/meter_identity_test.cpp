@@ -1,30 +1,17 @@
-#include "links/links_fixture.h"
+#include "links/operations_fixture.h"
 
 using namespace ombrix;
 using namespace ombrix::test;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-class MeterIdentity : public LinksTest
+class MeterIdentity : public MeterOperations
 {
 protected:
     void SetUp() override
     {
-        LinksTest::SetUp();
-        OpenMeterPort();
-    }
-
-    void Answers(const std::string &payload, const std::string &line)
-    {
-        meter.Answers("*1" + payload + "\r", line + "\r", 10);
-    }
-
-    std::vector<std::string> Payloads() const
-    {
-        std::vector<std::string> payloads;
-        for (const std::string &write : meter.Writes())
-            payloads.push_back(write.substr(2, write.size() - 3));
-        return payloads;
+        MeterOperations::SetUp();
+        MeterKind = -1;
     }
 };
 

@@ -59,7 +59,7 @@ TEST_F(OutputSwitch, WhatRunsDuringItsRestartSpeaksToTheMeter)
 {
     CallAfter(500, [] {
         SendMeterCommand("B1");
-        MeterKind = kWtMtr; // an identification
+        MeterKind = kWtMtr;  // an identification
     });
     SetOutputSwitch("A");
     EXPECT_EQ(meter.Heard(), "*2W305002B67100000\r*1B1\r");

@@ -3,16 +3,15 @@
 
 #include "session/outlets.h"
 
-namespace ombrix::test
-{
+namespace ombrix::test {
 
 struct ValueRow {
-    const char *value; ///< as it is applied
-    double number;     ///< taken apart
+    const char *value;  ///< as it is applied
+    double number;      ///< taken apart
     const char *unit;
-    const char *byHand; ///< the panel in Manual mode
-    const char *reply;  ///< the simulated answer to OUT?
-    const char *driven; ///< the panel with a calibrator
+    const char *byHand;  ///< the panel in Manual mode
+    const char *reply;   ///< the simulated answer to OUT?
+    const char *driven;  ///< the panel with a calibrator
     Danger level;
 };
 
@@ -82,4 +81,4 @@ constexpr ValueRow kValueRows[] = {
     {"0 mA", 0, "mA", "0.0 mA", "0.0000E00,A,0E+00,0,0.00E+00", "0.0 A", Danger::Safe},
 };
 
-} // namespace ombrix::test
+}  // namespace ombrix::test
