@@ -122,18 +122,52 @@ TEST(ConnectorPicture, AWireLeavesEachUsedPlaceAndNoOther)
     }
 }
 
+// How many boxes a line meets on its way from beside the connector to the right edge, between two places.
+int BoxesBetween(const QImage &image, int upperPlace)
+{
+    const QFontMetrics metrics(QApplication::font());
+    const QRectF upper = TerminalOf(upperPlace, metrics);
+    const double y = TerminalOf(upperPlace + 1, metrics).center().y() - 6;  // off the wires
+    const QColor paper = InkOf(QPalette()).paper;
+    int boxes = 0;
+    bool onPaper = true;
+    for (double x = upper.right() + 8; x < image.width() / image.devicePixelRatio() - 1; x += 0.5) {
+        const bool nowOnPaper = At(image, QPointF(x, y)) == paper;
+        boxes += onPaper && !nowOnPaper ? 1 : 0;
+        onPaper = nowOnPaper;
+    }
+    return boxes;
+}
+
 TEST(ConnectorPicture, ExcitationHasABoxOfItsOwn)
 {
-    // At the right edge, on the row of the uppermost place, only kinds 4 and 9 have something: the box of excitation;
-    // kind 10 has the resistance there, kind 5 its source.
-    const QFontMetrics metrics(QApplication::font());
-    const Ink ink = InkOf(QPalette());
     for (const int kind : kKinds) {
         const QImage image = Picture(kind, 2, QApplication::font());
-        const QPointF inside(ConnectorSize(kind, metrics).width() - 12, TerminalOf(0, metrics).center().y() - 7);
-        const bool box = kind == 4 || kind == 5 || kind == 9 || kind == 10;
-        EXPECT_EQ(At(image, inside), box ? ink.body : ink.paper) << kind;
+        // Here stands the source, on kind 9 with the excitation's tall box behind it; that of kind 5 ends above.
+        EXPECT_EQ(BoxesBetween(image, 2), kind == 9 ? 2 : kind == 5 ? 0 : 1) << kind;
+        // Between places 0 and 1 the source of kind 5, the box of kind 9, the resistance of kind 10.
+        EXPECT_EQ(BoxesBetween(image, 0), kind == 5 || kind == 9 || kind == 10 ? 1 : 0) << kind;
     }
+}
+
+TEST(ConnectorPicture, AResistanceIsOneBoxForItsFourWires)
+{
+    const QFontMetrics metrics(QApplication::font());
+    const Ink ink = InkOf(QPalette());
+    const QImage image = Picture(10, 2, QApplication::font());
+    const double x = ConnectorSize(10, metrics).width() - 14;
+    for (double y = TerminalOf(0, metrics).center().y(); y <= TerminalOf(3, metrics).center().y(); y += 0.5)
+        EXPECT_EQ(At(image, QPointF(x, y)), ink.body) << y;
+}
+
+TEST(ConnectorPicture, TheExcitationOfARatioStandsAtTheRightEdge)
+{
+    const QFontMetrics metrics(QApplication::font());
+    const Ink ink = InkOf(QPalette());
+    const QImage image = Picture(4, 2, QApplication::font());
+    const double x = ConnectorSize(4, metrics).width() - 11;
+    EXPECT_EQ(At(image, QPointF(x, TerminalOf(0, metrics).center().y() - 7)), ink.body);
+    EXPECT_EQ(At(image, QPointF(x, TerminalOf(2, metrics).center().y() - 7)), ink.paper);
 }
 
 }  // namespace
