@@ -3,6 +3,7 @@
 
 #include "model/analog_words.h"
 #include "model/ini_store.h"
+#include "model/nvm_map.h"
 #include "model/old_files.h"
 #include "model/settings.h"
 #include "platform/text.h"
@@ -16,11 +17,6 @@ constexpr std::size_t kImageDigits = 40;
 constexpr std::size_t kShortImageDigits = 16;  ///< of a meter without bipolar and dual words
 constexpr const char *kBuiltInImage = "FD700048FA2001E0FD700048FA2001E0FD700048";
 constexpr const char *kBuiltInTail = "FD700048FA2001E0FD700048";
-
-bool IsWord(const std::string &text)
-{
-    return text.size() == 4 && IsHexText(text);
-}
 
 bool IsDacType(const std::string &text)
 {
@@ -58,9 +54,9 @@ void LoadAnaCalWords()
     const std::string image = ImageOfInitFile();
     for (int i = 0; i < kAnalogWords; ++i) {
         std::string word = IniGet(kSection, AnalogWordTitle(i));
-        if (!IsWord(word))
+        if (!IsWordText(word))
             word = WordOfImage(image, i);
-        if (!IsWord(word))
+        if (!IsWordText(word))
             word = WordOfImage(kBuiltInImage, i);
         StoredAnalogWords[static_cast<std::size_t>(i)] = word;
     }
@@ -98,7 +94,7 @@ std::string StoredAnalogImage()
 
 void StoreAnalogWordsHex(const std::string &image)
 {
-    if (image.size() != kImageDigits || !IsHexText(image))
+    if (!IsWordText(image, kImageDigits))
         return;
     WordsDirty |= image != StoredAnalogImage();
     for (int i = 0; i < kAnalogWords; ++i)

@@ -1,6 +1,7 @@
 #include "model/ini_store.h"
 
 #include <algorithm>
+#include <optional>
 #include <string_view>
 
 #include "platform/safe_file.h"
@@ -167,12 +168,12 @@ void LoadIni(const std::string &path)
     keys.clear();
     toldSections = toldKeys = false;
     iniPath = path;
-    fileUnreadable = StateOfFile(path) == FileState::Unreadable;
+    const std::optional<std::string> bytes = ReadFile(path);
+    fileUnreadable = !bytes && StateOfFile(path) != FileState::Missing;
     if (fileUnreadable)
         outlets.showRemark(path + " can't be read. Settings of this session won't be kept.");
 
-    const std::string bytes = ReadFile(path).value_or("");
-    std::string_view text = bytes;
+    std::string_view text = bytes ? std::string_view(*bytes) : std::string_view();
     if (text.starts_with("\xEF\xBB\xBF"))  // some editors put a byte order mark in front
         text.remove_prefix(3);
     std::string section;

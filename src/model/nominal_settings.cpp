@@ -10,6 +10,7 @@
 #include "model/ini_store.h"
 #include "model/nominal_tables.h"
 #include "model/nominals.h"
+#include "model/nvm_map.h"
 #include "model/old_files.h"
 #include "model/range_records.h"
 #include "model/range_tables.h"
@@ -46,11 +47,6 @@ int WordOfText(const std::string &text)
 {
     const bool number = text.size() <= 4 && text.find_first_not_of("0123456789ABCDEFabcdef") == std::string::npos;
     return number && !text.empty() ? static_cast<int>(HexValue(text)) : -1;
-}
-
-bool IsWords(const std::string &text, std::size_t digits)
-{
-    return text.size() == digits && IsHexText(text);
 }
 
 // Two words that go under one key. The names are crosswise: QD carries the ratio's words, RA those of the quasi-diode.
@@ -92,7 +88,7 @@ void TakeSlopesOfSection()
 void TakeAnalogWord(const std::string &name, const std::string &value)
 {
     const int index = AnalogWordIndex(name);
-    if (index >= 0 && IsWords(value, 4))
+    if (index >= 0 && IsWordText(value))
         StoredAnalogWords[static_cast<std::size_t>(index)] = value;
 }
 
@@ -101,7 +97,7 @@ void TakeBoardWord(int board, const std::string &rest, const std::string &value)
     for (const WordPair &pair : kWordPairs) {
         if (rest != pair.rest)
             continue;
-        if (board != kVf && IsWords(value, 8)) {
+        if (board != kVf && IsWordText(value, 8)) {
             SetNominalWordOf(board, pair.first, value.substr(0, 4));
             SetNominalWordOf(board, pair.second, value.substr(4));
         }

@@ -4,7 +4,7 @@
 #include <cmath>
 
 #include "model/nominal_tables.h"
-#include "platform/text.h"
+#include "model/nvm_map.h"
 #include "session/state.h"
 
 namespace ombrix {
@@ -26,11 +26,6 @@ bool IsCell(int board, int word)
 std::size_t RowOf(int word)
 {
     return static_cast<std::size_t>(word - kFirstNominalWord);
-}
-
-bool IsNominalText(const std::string &hex, std::size_t digits)
-{
-    return hex.size() == digits && IsHexText(hex);
 }
 
 // The text behind a board's word, nullptr when it has none.
@@ -117,7 +112,7 @@ void SetNominalWordOf(int board, int word, const std::string &hex)
 {
     std::string *text = NominalText(board, word);
     // A word of another length would shift every word behind it in the board's image.
-    if (!text || !IsNominalText(hex, board == kVf ? 12 : 4) || *text == hex)
+    if (!text || !IsWordText(hex, board == kVf ? 12 : 4) || *text == hex)
         return;
     *text = hex;
     NominalDirty = true;

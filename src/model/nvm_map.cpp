@@ -90,6 +90,11 @@ NvmRow NvmRowAt(int row, int calibTab, int board)
     return {kMap[row].address, kMap[row].names[column]};
 }
 
+bool IsWordText(std::string_view text, std::size_t digits)
+{
+    return text.size() == digits && IsHexText(text);
+}
+
 std::int32_t Hex6ToLong(std::string_view hex)
 {
     return static_cast<std::int32_t>(HexValue(Left(hex, 3)) * 4096 + HexValue(Right(hex, 3)));

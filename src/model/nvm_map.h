@@ -1,6 +1,7 @@
 // The meter's nonvolatile memory: names of its words and the encodings of their values.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -15,6 +16,9 @@ struct NvmRow {
 };
 /// Row 0..34 of the calibration block for the open tab and, on the TC tab, the board.
 NvmRow NvmRowAt(int row, int calibTab, int board);
+
+/// True for a text of exactly so many upper-case hexadecimal digits: a word has 4, a VF group 12.
+bool IsWordText(std::string_view text, std::size_t digits = 4);
 
 // 24-bit values, six hexadecimal digits.
 std::int32_t Hex6ToLong(std::string_view hex);

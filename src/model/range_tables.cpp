@@ -174,7 +174,9 @@ std::string CalValueAtPosition(int position)
     if (!BoardRowOf(SCType) || !IsPosition(position))
         return "";
     const RangeRecord *record = RecordAt(SCType, position);
-    const std::string value = record && *record->value ? record->value : "0 V";
+    std::string value = record ? record->value : "";
+    if (value.empty())
+        value = "0 V";
     return IsAcBoard(SCType) ? value + ", 300 Hz" : value;
 }
 

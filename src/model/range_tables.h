@@ -31,7 +31,7 @@ int NvmWordAtPosition(int position);
 std::string CalValueAtPosition(int position);
 /// The reading that the meter must show, in display counts.
 int TargetCountsAtPosition(int position);
-/// Value of the display setup words for a step.
+/// Value of the display setup words for a step; 4 for every step and board without a rule of its own.
 int SampleCountForStep(int stepId);
 
 /// The filter code in force, five characters; "00118" where a position has none.

@@ -53,7 +53,7 @@ std::string RandomBytes(std::mt19937 &random, std::size_t length)
 
 TEST_F(IniFuzz, RandomTextIsReadTheSameAfterASave)
 {
-    for (unsigned seed = 0; seed < 500; ++seed) {
+    for (unsigned seed = 0; seed < 250; ++seed) {
         std::mt19937 random(seed);
         LoadBytes(RandomBytes(random, random() % 400));
         ExpectStable("seed " + std::to_string(seed));
@@ -71,7 +71,7 @@ TEST_F(IniFuzz, LongRandomTextBeyondTheCapacityIsReadTheSameAfterASave)
 
 TEST_F(IniFuzz, PlainRandomBytesAreReadTheSameAfterASave)
 {
-    for (unsigned seed = 0; seed < 150; ++seed) {
+    for (unsigned seed = 0; seed < 80; ++seed) {
         std::mt19937 random(seed);
         std::string bytes = "[S]\n";
         for (unsigned i = random() % 2000; i > 0; --i)
@@ -85,7 +85,7 @@ TEST_F(IniFuzz, AStationStartsOnAnyDamageOfItsOwnFile)
 {
     Start();
     const std::string good = Read("Ombrix.ini");
-    for (unsigned seed = 0; seed < 100; ++seed) {
+    for (unsigned seed = 0; seed < 50; ++seed) {
         std::mt19937 random(seed);
         std::string bytes = good;
         for (int i = 0; i < 30; ++i) {

@@ -165,6 +165,14 @@ TEST(NvmMap, HasNoRowOutside)
     EXPECT_EQ(NvmRowAt(0, -1, kDc).address, "");
 }
 
+TEST(WordText, HasExactlyItsDigitsInUpperCase)
+{
+    EXPECT_TRUE(IsWordText("00AF"));
+    EXPECT_TRUE(IsWordText("FFD9B8100000", 12));
+    for (const char *text : {"", "00A", "00AFF", "00af", "00AG", " 0AF"})
+        EXPECT_FALSE(IsWordText(text)) << text;
+}
+
 TEST(Hex6, ReadsTwentyFourBits)
 {
     for (const ParseRow &row : kParse) {
