@@ -75,6 +75,19 @@ TEST_F(CalibratorLink, InManualModeSucceedsWithoutSpeaking)
     EXPECT_FALSE(CalStandbyFlag) << "no calibrator, no reset";
 }
 
+TEST_F(CalibratorLink, OpeningForgetsTheDangerOfTheLastSession)
+{
+    for (const bool hardware : {true, false}) {
+        HardwareMode = hardware;
+        calibrator.Answers("ERR?\n", kNoError);
+        SetDangerFlag(Danger::Danger);
+        EXPECT_EQ(OpenCalibratorLink(), 0);
+        flags.clear();
+        RaiseDangerFlag(Danger::Warning);
+        EXPECT_THAT(flags, ElementsAre(Danger::Warning));
+    }
+}
+
 TEST_F(CalibratorLink, InSimulationSucceedsWithoutSpeaking)
 {
     Simulate();
@@ -324,6 +337,14 @@ TEST_F(Calibrator, AnEmptyReadBackShowsTheRequestedValue)
 {
     calibrator.Answers("ERR?\n", kNoError);
     calibrator.Answers("OPER?\n", "1\r\n");
+    SetCalibratorOutput("660 V", "OPER");
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, AReadBackOfBlanksIsEmptyToo)
+{
+    CalibratorAnswers("1", "  ");
     SetCalibratorOutput("660 V", "OPER");
     EXPECT_EQ(panel, "660.0 V");
     EXPECT_EQ(Flag(), Danger::Danger);

@@ -230,7 +230,7 @@ TEST_F(MeterIdentity, IsWrittenAsTypeBoardByteAndBoardCode)
 TEST_F(MeterIdentity, OfACounterIsItsTypeAlone)
 {
     Answers("X16D", "3201");
-    WriteMeterIdentity(kCtr, false, kVf, "");
+    WriteMeterIdentity(kCtr, false, kVf, "01");
     EXPECT_THAT(Payloads(), ElementsAre("X16D", "W16D3203"));
     EXPECT_EQ(MeterName, "CTR");
     EXPECT_EQ(MeterSCType, kVf);

@@ -210,6 +210,16 @@ TEST_F(MeterLink, InSimulationFindsTheSimulatedMeter)
     EXPECT_FALSE(SimAddressFaults);
 }
 
+TEST_F(MeterLink, OnlyWhileItOpensAWordOutsideTheSimulatedMemoryIsAFault)
+{
+    Simulate();
+    bool during = false;
+    CallAfter(0, [&during] { during = SimAddressFaults; });
+    OpenMeterLink();
+    EXPECT_TRUE(during);
+    EXPECT_FALSE(SimAddressFaults);
+}
+
 TEST_F(MeterLink, InSimulationACounterTakesItsSetupInWord30)
 {
     Simulate();

@@ -277,6 +277,13 @@ TEST_F(MeterOperations, AbortEndsTheRepeats)
     EXPECT_EQ(clock.Elapsed(), 1500);
 }
 
+TEST_F(MeterOperations, AfterAbortNoBytesAreAskedFor)
+{
+    Abort = true;
+    EXPECT_EQ(ReadRamBytes(48, 1), "");
+    EXPECT_THAT(Payloads(), IsEmpty());
+}
+
 TEST_F(MeterOperations, BytesAreWrittenWithoutSuffixOrRestart)
 {
     WriteRamBytes(53, "80");

@@ -184,12 +184,12 @@ TEST_F(Uut, ABlockWithANonDigitInItsLengthIsNeverAccepted)
     EXPECT_EQ(clock.Elapsed(), 1500) << "ends at the next silent chunk";
 }
 
-TEST_F(Uut, AbortGivesNothing)
+TEST_F(Uut, AbortGivesNothingAndEndsAtTheEndOfTheChunk)
 {
-    calibrator.Says("#2056565", 10);
-    AbortsAfter(500);
+    calibrator.SaysByteByByte("#2056565\r\r\n", 400, 400);
+    AbortsAfter(2100);
     EXPECT_EQ(UutReceive(), "");
-    EXPECT_LE(clock.Elapsed(), 1500);
+    EXPECT_EQ(clock.Elapsed(), 2400);
 }
 
 TEST_F(Uut, AStreamWithoutAnyBlockEndsToo)
@@ -235,6 +235,14 @@ TEST_F(Uut, EmptyBlocksCountAsSilence)
     calibrator.Answers("UUT_RECV?\n", "#200\r\n", 150);
     EXPECT_EQ(ReadMeterLine(), "");
     EXPECT_EQ(clock.Elapsed(), 7 * 150) << "asked again until a second without data has passed";
+}
+
+TEST_F(Uut, DataRestartTheSilence)
+{
+    for (int i = 0; i < 6; ++i)
+        calibrator.Answers("UUT_RECV?\n", i == 4 ? "#20232\r\n" : "#200\r\n", 150);
+    EXPECT_EQ(ReadMeterLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 5 * 150 + 7 * 150) << "a second without data after the fifth block";
 }
 
 TEST_F(Uut, TotalSilenceCostsOneSecond)
