@@ -18,10 +18,8 @@
 
 #include <QColor>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // The wiring that is being verified, in the words of the status line.
 struct Wiring {
@@ -94,7 +92,7 @@ void OpenFirstTab()
 void Establish()
 {
     const NavigationLock lock;
-    Abort = false; // a left-over one would empty the calibrator's first answer
+    Abort = false;  // a left-over one would empty the calibrator's first answer
     HideStatus();
     const Wiring wiring = ChosenWiring();
     const std::string trouble = OpenLinks(wiring);
@@ -109,7 +107,7 @@ void Establish()
         OpenFirstTab();
 }
 
-} // namespace
+}  // namespace
 
 void cmdEstablish_Click()
 {
@@ -130,4 +128,4 @@ void IdentifyMeter()
     SCType = MeterSCType;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

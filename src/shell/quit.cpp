@@ -24,10 +24,8 @@
 #include <memory>
 #include <unistd.h>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // No click starts anything any more; what stood open below is not answered.
 void CloseDoors()
@@ -44,7 +42,7 @@ void SpeakLastWords()
     if (!Established && !comCAL.IsOpen())
         return;
     if (comCAL.IsOpen() && CalPort == 0)
-        CalPort = 1; // dropped on the Setup page since: the port that is open is still the calibrator's
+        CalPort = 1;  // dropped on the Setup page since: the port that is open is still the calibrator's
     RequestStop();
     CalibratorStandby();
     CalibratorLocal();
@@ -90,7 +88,7 @@ void InstallHandler(void (*handler)(int))
         sigaction(number, &action, nullptr);
 }
 
-} // namespace
+}  // namespace
 
 void Quit(QuitBy by)
 {
@@ -105,7 +103,7 @@ void Quit(QuitBy by)
     {
         const NoShutdownScope lastWords;
         CloseDoors();
-        RunHandler(SpeakLastWords); // whatever fails there, the rest follows
+        RunHandler(SpeakLastWords);  // whatever fails there, the rest follows
         comCAL.Close();
         comDPM.Close();
         RunHandler(SaveSettings);
@@ -119,7 +117,7 @@ void Quit(QuitBy by)
 void WatchSignals()
 {
     if (pipe2(signalPipe.data(), O_NONBLOCK | O_CLOEXEC) != 0)
-        return; // the signals then end the program at once, as for any other
+        return;  // the signals then end the program at once, as for any other
     signalNotifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(signalNotifier.get(), &QSocketNotifier::activated, signalNotifier.get(), ReadSignal);
     InstallHandler(HandleSignal);
@@ -136,4 +134,4 @@ void StopWatchingSignals()
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -8,6 +8,7 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "records/diagrams.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
@@ -25,8 +26,7 @@
 
 #include <QMainWindow>
 
-namespace ombrix
-{
+namespace ombrix {
 
 void FillOutlets()
 {
@@ -60,6 +60,7 @@ void OpenStation()
     ShowSwitch(false);
     HideAssumed();
     BlankSteps();
+    BuildDiagrams(AddSideFrame("fraDiagrams"));
     BuildPages();
     ShowSimFlag(false);
     frmOmbrix->show();
@@ -79,4 +80,4 @@ void CloseStation()
     FaultOutlet = [](const std::string &) {};
 }
 
-} // namespace ombrix
+}  // namespace ombrix
