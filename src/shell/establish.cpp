@@ -2,8 +2,8 @@
 
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
+#include "links/meter_link.h"
 #include "links/meter_operations.h"
-#include "links/meter_protocol.h"
 #include "links/output_switch.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
@@ -46,8 +46,7 @@ std::string MeterTrouble(const Wiring &wiring)
 // Opens both links and identifies the meter. "" when all is there, otherwise the words for lblStatus.
 std::string OpenLinks(const Wiring &wiring)
 {
-    comCAL.Close();
-    comDPM.Close();
+    CloseLinks();
     if (OpenCalibratorLink() != 0)
         return "Error on " + wiring.calText + ": " + CalError;
     if (OpenMeterLink() != 0)

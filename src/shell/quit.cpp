@@ -1,8 +1,8 @@
 #include "shell/quit.h"
 
 #include "links/calibrator.h"
+#include "links/meter_link.h"
 #include "links/meter_operations.h"
-#include "links/meter_protocol.h"
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
@@ -20,6 +20,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <exception>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
@@ -27,9 +28,10 @@
 namespace ombrix {
 namespace {
 
-// No click starts anything any more; what stood open below is not answered.
+// No click starts anything any more, and the window shows it; what stood open below is not answered.
 void CloseDoors()
 {
+    CloseHandlers();
     frmOmbrix->centralWidget()->setEnabled(false);
     CloseBoxes();
     CloseBoardDialog();
@@ -56,6 +58,16 @@ void SaveSettings()
     SaveCalibValues();
 }
 
+// Whatever fails in one part of the end, the rest follows.
+void Safely(void (*part)())
+{
+    try {
+        part();
+    } catch (const std::exception &) {
+        // Nobody is left to be told.
+    }
+}
+
 // ---- signals ----
 
 std::array<int, 2> signalPipe = {-1, -1};
@@ -74,7 +86,7 @@ void ReadSignal()
     char byte = 0;
     while (read(signalPipe[0], &byte, 1) == 1) {
     }
-    RunHandler([] { Quit(QuitBy::Signal); });
+    Quit(QuitBy::Signal);
 }
 
 void InstallHandler(void (*handler)(int))
@@ -103,10 +115,9 @@ void Quit(QuitBy by)
     {
         const NoShutdownScope lastWords;
         CloseDoors();
-        RunHandler(SpeakLastWords);  // whatever fails there, the rest follows
-        comCAL.Close();
-        comDPM.Close();
-        RunHandler(SaveSettings);
+        Safely(SpeakLastWords);
+        CloseLinks();
+        Safely(SaveSettings);
     }
     RequestShutdown();
     frmOmbrix->hide();

@@ -203,7 +203,7 @@ void AddPortNote(int group, int column, QRadioButton *option, int port)
     font.setPointSizeF(font.pointSizeF() * 0.9);
     label->setFont(font);
     label->setWordWrap(true);
-    label->setContentsMargins(20, 0, 0, 0); // under the option's words
+    label->setContentsMargins(20, 0, 0, 0);  // under the option's words
     label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     qobject_cast<QGridLayout *>(fraAA[group]->layout())->addWidget(label, 1, column);
     portNotes.push_back({option, port, label});

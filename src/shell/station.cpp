@@ -1,8 +1,7 @@
 #include "shell/station.h"
 
-#include "links/calibrator.h"
 #include "links/calibrator_simulator.h"
-#include "links/meter_protocol.h"
+#include "links/meter_link.h"
 #include "links/meter_simulator.h"
 #include "model/ini_store.h"
 #include "model/settings.h"
@@ -50,6 +49,7 @@ void OpenStation()
 {
     InitSessionState();
     ClearStop();
+    CloseHandlers(false);
     SilenceBoxes(false);
     InitMeterSimulator();
     InitCalibratorSimulator();
@@ -73,11 +73,11 @@ void OpenStation()
 
 void CloseStation()
 {
-    comCAL.Close();
-    comDPM.Close();
+    CloseLinks();
     DestroyMainWindow();
     outlets = Outlets();
     FaultOutlet = [](const std::string &) {};
+    CloseHandlers(false);
 }
 
 }  // namespace ombrix
