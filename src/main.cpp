@@ -10,7 +10,7 @@ int main(int argc, char **argv)
 {
     QApplication application(argc, argv);
     QApplication::setStyle("Fusion");
-    QApplication::setQuitOnLastWindowClosed(false); // the last words come first, then the end
+    QApplication::setQuitOnLastWindowClosed(false);  // the last words come first, then the end
     QDir::setCurrent(QCoreApplication::applicationDirPath());
     ombrix::FillOutlets();
     ombrix::RegisterPages();

@@ -2,24 +2,34 @@
 
 #include "platform/clock.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 std::function<void(const std::string &)> FaultOutlet = [](const std::string &) {};
 
+namespace {
+
+bool handlersClosed = false;
+
+}  // namespace
+
 void RunHandler(const std::function<void()> &body)
 {
-    if (ShutdownRequested())
+    if (handlersClosed || ShutdownRequested())
         return;
     try {
         try {
             body();
         } catch (const std::exception &fault) {
-            FaultOutlet(fault.what()); // may pump, so Shutdown can come from here too
+            FaultOutlet(fault.what());  // may pump, so Shutdown can come from here too
         }
     } catch (const Shutdown &) {
         // On its way down: the pump below throws again.
     }
 }
 
-} // namespace ombrix
+void CloseHandlers(bool on)
+{
+    handlersClosed = on;
+}
+
+}  // namespace ombrix

@@ -5,8 +5,7 @@
 #include <stdexcept>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// A fault with the system's number (never 0 or 99) and its own words. Link operations catch it and turn it into
 /// their result; what nobody catches ends at the handler's edge.
@@ -27,4 +26,8 @@ extern std::function<void(const std::string &)> FaultOutlet;
 /// through to the toolkit, and nothing starts while the program ends.
 void RunHandler(const std::function<void()> &body);
 
-} // namespace ombrix
+/// From now on RunHandler starts nothing: the last words to the instruments are spoken, and they pump. Back with
+/// `false`.
+void CloseHandlers(bool on = true);
+
+}  // namespace ombrix

@@ -16,10 +16,8 @@
 
 #include <utility>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // Joins a click to its handler. Only the operator's clicks arrive: code that sets a button calls no handler.
 template <class Widget> Widget *Clickable(Widget *widget, const QString &name, Handler click)
@@ -61,7 +59,7 @@ private:
     Handler m_handler;
 };
 
-} // namespace
+}  // namespace
 
 QString Caption(const std::string &text)
 {
@@ -76,7 +74,7 @@ QString Indexed(const char *name, int index)
 QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click)
 {
     auto *button = Clickable(new QPushButton(Caption(caption), parent), name, std::move(click));
-    button->setAutoDefault(true); // Enter works the focused button, as Space does
+    button->setAutoDefault(true);  // Enter works the focused button, as Space does
     return button;
 }
 
@@ -166,7 +164,7 @@ bool IsDark(const QPalette &palette)
 
 QColor InfoBackground()
 {
-    return IsDark(QApplication::palette()) ? Mix(QColor(255, 215, 80), ButtonFace(), 0.3)
+    return IsDark(QApplication::palette()) ? Mix(QColor(255, 200, 60), ButtonFace(), 0.18)
                                            : Mix(QColor(255, 240, 130), ButtonFace(), 0.6);
 }
 
@@ -200,4 +198,4 @@ QColor Yellow()
     return QColor(255, 255, 0);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -18,8 +18,7 @@ class QPushButton;
 class QRadioButton;
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 using Handler = std::function<void()>;
 
@@ -64,4 +63,4 @@ QColor Red();
 QColor Green();
 QColor Yellow();
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,10 +3,8 @@
 #include <map>
 #include <utility>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 std::map<int, StepEntry> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
@@ -18,7 +16,7 @@ template <class Procedure> Procedure Registered(const std::map<int, Procedure> &
     return found == table.end() ? Procedure() : found->second;
 }
 
-} // namespace
+}  // namespace
 
 std::function<bool(int)> StepAllowed = [](int) { return true; };
 
@@ -53,4 +51,4 @@ std::function<void()> PreparationOfTab(int tab)
     return Registered(tabPreparations, tab);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

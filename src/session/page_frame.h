@@ -10,10 +10,9 @@
 
 class QFrame;
 
-namespace ombrix
-{
+namespace ombrix {
 
-constexpr int kPages = 19; ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is the range page
+constexpr int kPages = 19;  ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is the range page
 
 // ---- defined by the shell ----
 
@@ -56,4 +55,4 @@ std::function<void()> PreparationOfTab(int tab);
 /// A page's say in EnableSteps(true): a position for which it returns false stays off. All may be on at first.
 extern std::function<bool(int position)> StepAllowed;
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -12,10 +12,8 @@
 
 #include <array>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kChoices = 3;
 
@@ -52,7 +50,7 @@ void optTabSelect_Click(int index)
     FillStepTable();
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildBoardChooser(QWidget *parent)
 {
@@ -70,7 +68,7 @@ QWidget *BuildBoardChooser(QWidget *parent)
 
 void ShowBoardChooser(bool on)
 {
-    TabSelectShown = false; // the guard: what code sets here is no choice
+    TabSelectShown = false;  // the guard: what code sets here is no choice
     fraTabSelect->setVisible(on);
     if (!on)
         return;
@@ -90,4 +88,4 @@ void EnableBoardChooser(bool on)
     fraTabSelect->setEnabled(on);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,11 +3,10 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 QWidget *BuildBoardChooser(QWidget *parent);
 void ShowBoardChooser(bool on);
 void EnableBoardChooser(bool on);
 
-} // namespace ombrix
+}  // namespace ombrix

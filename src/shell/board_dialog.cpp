@@ -19,10 +19,8 @@
 #include <array>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 struct BoardChoice {
     const char *caption;
@@ -60,7 +58,7 @@ struct Asking {
     std::vector<QRadioButton *> optSC;
     QPushButton *OKButton = nullptr;
 };
-Asking *asking = nullptr; // the one that is up
+Asking *asking = nullptr;  // the one that is up
 
 void optSC_Click(int index)
 {
@@ -98,7 +96,7 @@ void chkXmtr_Click(bool on)
 
 void OKButton_Click()
 {
-    asking->OKButton->setEnabled(false); // the writes behind it take their time
+    asking->OKButton->setEnabled(false);  // the writes behind it take their time
     asking->answered = true;
 }
 
@@ -180,7 +178,7 @@ void TakeFromMeter(Asking &ask, bool asksMeter)
     }
 }
 
-} // namespace
+}  // namespace
 
 void AskBoard()
 {
@@ -207,4 +205,4 @@ void CloseBoardDialog()
         asking->window->hide();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,8 +1,7 @@
 // dlgSCType: the operator says which board, and where it isn't known which kind of meter, stands before him.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Shows the dialog and returns when it is answered; the answer is then written into the meter. ShowSCDialogFull says
 /// how much it asks.
@@ -11,4 +10,4 @@ void AskBoard();
 /// Takes the dialog away unanswered.
 void CloseBoardDialog();
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -2,8 +2,8 @@
 
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
+#include "links/meter_link.h"
 #include "links/meter_operations.h"
-#include "links/meter_protocol.h"
 #include "links/output_switch.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
@@ -18,10 +18,8 @@
 
 #include <QColor>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // The wiring that is being verified, in the words of the status line.
 struct Wiring {
@@ -48,8 +46,7 @@ std::string MeterTrouble(const Wiring &wiring)
 // Opens both links and identifies the meter. "" when all is there, otherwise the words for lblStatus.
 std::string OpenLinks(const Wiring &wiring)
 {
-    comCAL.Close();
-    comDPM.Close();
+    CloseLinks();
     if (OpenCalibratorLink() != 0)
         return "Error on " + wiring.calText + ": " + CalError;
     if (OpenMeterLink() != 0)
@@ -94,7 +91,7 @@ void OpenFirstTab()
 void Establish()
 {
     const NavigationLock lock;
-    Abort = false; // a left-over one would empty the calibrator's first answer
+    Abort = false;  // a left-over one would empty the calibrator's first answer
     HideStatus();
     const Wiring wiring = ChosenWiring();
     const std::string trouble = OpenLinks(wiring);
@@ -109,7 +106,7 @@ void Establish()
         OpenFirstTab();
 }
 
-} // namespace
+}  // namespace
 
 void cmdEstablish_Click()
 {
@@ -130,4 +127,4 @@ void IdentifyMeter()
     SCType = MeterSCType;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

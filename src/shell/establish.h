@@ -1,12 +1,11 @@
 // Establish: verifies both links, identifies the meter, and opens its tab.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 void cmdEstablish_Click();
 
 /// Reads who the meter is, asks the operator what it can't say, and takes it over into the session.
 void IdentifyMeter();
 
-} // namespace ombrix
+}  // namespace ombrix

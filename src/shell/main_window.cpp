@@ -30,8 +30,7 @@
 
 #include <array>
 
-namespace ombrix
-{
+namespace ombrix {
 
 QMainWindow *frmOmbrix = nullptr;
 QPushButton *cmdSetup = nullptr;
@@ -39,8 +38,7 @@ QPushButton *cmdQuit = nullptr;
 QLabel *lblRev = nullptr;
 QStackedWidget *pageStack = nullptr;
 
-namespace
-{
+namespace {
 
 constexpr QSize kDefaultSize(1100, 760);
 
@@ -115,7 +113,7 @@ QWidget *BuildCommands(QWidget *parent)
     auto *row = new QHBoxLayout(commands);
     row->setContentsMargins(0, 0, 0, 0);
     for (QPushButton *button : {cmdSetup, cmdQuit}) {
-        button->setMinimumSize(90, 40);
+        button->setMinimumSize(76, 40);
         row->addWidget(button);
     }
     return commands;
@@ -159,7 +157,17 @@ void OrderFocus()
     QWidget::setTabOrder(pageStack, cmdSetup);
 }
 
-} // namespace
+// Not larger than the screen, as long as the smallest window fits there at all.
+QSize FirstSize()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    const QSize room = screen ? screen->availableSize() : kDefaultSize;
+    const QSize least = frmOmbrix->minimumSizeHint();
+    const bool fits = room.width() >= least.width() && room.height() >= least.height();
+    return fits ? kDefaultSize.boundedTo(room) : kDefaultSize;
+}
+
+}  // namespace
 
 void BuildMainWindow()
 {
@@ -172,8 +180,7 @@ void BuildMainWindow()
     frmOmbrix->setCentralWidget(centre);
     BuildStatusLine(frmOmbrix->statusBar());
     OrderFocus();
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    frmOmbrix->resize(screen ? kDefaultSize.boundedTo(screen->availableSize()) : kDefaultSize);
+    frmOmbrix->resize(FirstSize());
 }
 
 void BuildPages()
@@ -215,4 +222,4 @@ QString VersionText(int major, int minor, int revision)
     return revision == 0 ? text : text + QString(".%1").arg(revision);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

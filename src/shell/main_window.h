@@ -11,15 +11,14 @@ class QPushButton;
 class QStackedWidget;
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 // Null as long as no window stands.
 extern QMainWindow *frmOmbrix;
 extern QPushButton *cmdSetup;
 extern QPushButton *cmdQuit;
 extern QLabel *lblRev;
-extern QStackedWidget *pageStack; ///< fraCalib(0..18), each in a place that scrolls when the window is too small
+extern QStackedWidget *pageStack;  ///< fraCalib(0..18), each in a place that scrolls when the window is too small
 
 /// Makes the window and all it holds, but fills no page and shows nothing.
 void BuildMainWindow();
@@ -35,4 +34,4 @@ QFrame *PageFrame(int index);
 /// " 1.0", or " 1.0.3" for a revision other than 0.
 QString VersionText(int major, int minor, int revision);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -12,10 +12,8 @@
 
 #include <exception>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 int locks = 0;
 bool pageHasSpoken = false;
@@ -32,7 +30,7 @@ bool FocusIsParked()
     return !focus || focus == pageStack;
 }
 
-} // namespace
+}  // namespace
 
 NavigationLock::NavigationLock() : m_exceptions(std::uncaught_exceptions())
 {
@@ -48,7 +46,7 @@ NavigationLock::~NavigationLock()
 {
     if (--locks > 0)
         return;
-    Abort = false; // Esc ended this navigation, not the next thing
+    Abort = false;  // Esc ended this navigation, not the next thing
     EnableSetupControls(true);
     EnableBoardChooser(true);
     if (!pageHasSpoken || std::uncaught_exceptions() > m_exceptions)
@@ -71,4 +69,4 @@ void NavigationLock::PageHasSpoken()
     pageHasSpoken = true;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,8 +1,7 @@
 // Navigation while it talks to the instruments: steps, tabs, Setup and the choices of the Setup page are off.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Locks when it is made. When it goes, whatever ended the navigation, it gives everything back as far as a link is
 /// established - unless the page that was opened has set the steps itself: then the page's word stands.
@@ -22,4 +21,4 @@ private:
     int m_exceptions;
 };
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -9,10 +9,8 @@
 
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 std::vector<QMessageBox *> openBoxes;
 bool silenced = false;
@@ -40,7 +38,7 @@ void AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string
         PumpEvents(kForever);
 }
 
-} // namespace
+}  // namespace
 
 void PromptOperator(const std::string &text, const std::string &title)
 {
@@ -63,4 +61,4 @@ void SilenceBoxes(bool on)
     silenced = on;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

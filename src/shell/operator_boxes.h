@@ -3,8 +3,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// With an exclamation mark.
 void PromptOperator(const std::string &text, const std::string &title);
@@ -16,4 +15,4 @@ void CloseBoxes();
 /// From now on (until `false`) no box comes up: nobody is there to confirm it.
 void SilenceBoxes(bool on);
 
-} // namespace ombrix
+}  // namespace ombrix

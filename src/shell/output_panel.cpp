@@ -12,12 +12,10 @@
 #include <QPointer>
 #include <QVBoxLayout>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
-constexpr int kPanelPoints = 30; // readable across a room
+constexpr int kPanelPoints = 30;  // readable across a room
 
 QPointer<QFrame> fraCalOut;
 QLabel *lblCalOut = nullptr;
@@ -67,13 +65,12 @@ QLabel *LargeLabel(QFrame *shape, const QString &name, const QString &widest, bo
     return label;
 }
 
-QLabel *Remaining(QLabel *label)
+// Hidden, it keeps its room, so that nothing around it moves.
+void KeepRoom(QWidget *widget)
 {
-    QSizePolicy policy = label->sizePolicy();
+    QSizePolicy policy = widget->sizePolicy();
     policy.setRetainSizeWhenHidden(true);
-    label->setSizePolicy(policy);
-    label->hide();
-    return label;
+    widget->setSizePolicy(policy);
 }
 
 void ShowAssumed()
@@ -81,23 +78,24 @@ void ShowAssumed()
     lblAssumed->setVisible(!Automatic && !lblCalOut->isHidden());
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildOutputPanel(QWidget *parent)
 {
     fraCalOut = new QFrame(parent);
     fraCalOut->setObjectName("fraCalOut");
     lblCalOut = Label(fraCalOut, "lblCalOut", "Calibrator Output");
+    lblCalOut->setWordWrap(true);
     OnDoubleClick(lblCalOut, SwitchSimulation);
-    lblAssumed = Remaining(Label(fraCalOut, "lblAssumed", "(assumed)"));
-    lblSwitch = Remaining(Label(fraCalOut, "lblSwitch"));
+    lblAssumed = Label(fraCalOut, "lblAssumed", "(assumed)");
+    lblSwitch = Label(fraCalOut, "lblSwitch");
     shpOutput = Shape(fraCalOut, "shpOutput");
-    lblOutput = LargeLabel(shpOutput, "lblOutput", "-1000.0 mV", false);
+    lblOutput = LargeLabel(shpOutput, "lblOutput", "-200.0 mV", false);
     shpFlag = Shape(fraCalOut, "shpFlag");
     lblFlag = LargeLabel(shpFlag, "lblFlag", "WARNING", true);
 
     auto *captions = new QVBoxLayout;
-    captions->setSpacing(2);
+    captions->setSpacing(0);
     captions->addWidget(lblCalOut);
     captions->addWidget(lblAssumed);
     captions->addWidget(lblSwitch);
@@ -106,6 +104,9 @@ QWidget *BuildOutputPanel(QWidget *parent)
     layout->addLayout(captions);
     layout->addWidget(shpOutput);
     layout->addWidget(shpFlag);
+    for (QWidget *widget :
+         {static_cast<QWidget *>(lblAssumed), static_cast<QWidget *>(lblSwitch), static_cast<QWidget *>(fraCalOut)})
+        KeepRoom(widget);
     ClearOutputPanel();
     return fraCalOut;
 }
@@ -166,4 +167,4 @@ void ShowCalPanel(bool on)
     fraCalOut->setVisible(on);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -9,8 +9,7 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Makes fraCalOut inside `parent` and returns it.
 QWidget *BuildOutputPanel(QWidget *parent);
@@ -24,4 +23,4 @@ void ShowSwitch(bool on);
 void ClearOutputPanel();
 void HideAssumed();
 
-} // namespace ombrix
+}  // namespace ombrix

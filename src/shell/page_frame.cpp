@@ -7,8 +7,7 @@
 #include <QMainWindow>
 #include <QStackedWidget>
 
-namespace ombrix
-{
+namespace ombrix {
 
 void ShowPage(int index)
 {
@@ -22,4 +21,4 @@ void ShowPage(int index)
         ShowPortNotes();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

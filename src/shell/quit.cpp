@@ -1,8 +1,8 @@
 #include "shell/quit.h"
 
 #include "links/calibrator.h"
+#include "links/meter_link.h"
 #include "links/meter_operations.h"
-#include "links/meter_protocol.h"
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
@@ -20,18 +20,18 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <exception>
 #include <fcntl.h>
 #include <memory>
 #include <unistd.h>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
-// No click starts anything any more; what stood open below is not answered.
+// No click starts anything any more, and the window shows it; what stood open below is not answered.
 void CloseDoors()
 {
+    CloseHandlers();
     frmOmbrix->centralWidget()->setEnabled(false);
     CloseBoxes();
     CloseBoardDialog();
@@ -44,7 +44,7 @@ void SpeakLastWords()
     if (!Established && !comCAL.IsOpen())
         return;
     if (comCAL.IsOpen() && CalPort == 0)
-        CalPort = 1; // dropped on the Setup page since: the port that is open is still the calibrator's
+        CalPort = 1;  // dropped on the Setup page since: the port that is open is still the calibrator's
     RequestStop();
     CalibratorStandby();
     CalibratorLocal();
@@ -56,6 +56,16 @@ void SaveSettings()
 {
     SaveGains();
     SaveCalibValues();
+}
+
+// Whatever fails in one part of the end, the rest follows.
+void Safely(void (*part)())
+{
+    try {
+        part();
+    } catch (const std::exception &) {
+        // Nobody is left to be told.
+    }
 }
 
 // ---- signals ----
@@ -76,7 +86,7 @@ void ReadSignal()
     char byte = 0;
     while (read(signalPipe[0], &byte, 1) == 1) {
     }
-    RunHandler([] { Quit(QuitBy::Signal); });
+    Quit(QuitBy::Signal);
 }
 
 void InstallHandler(void (*handler)(int))
@@ -90,7 +100,7 @@ void InstallHandler(void (*handler)(int))
         sigaction(number, &action, nullptr);
 }
 
-} // namespace
+}  // namespace
 
 void Quit(QuitBy by)
 {
@@ -105,10 +115,9 @@ void Quit(QuitBy by)
     {
         const NoShutdownScope lastWords;
         CloseDoors();
-        RunHandler(SpeakLastWords); // whatever fails there, the rest follows
-        comCAL.Close();
-        comDPM.Close();
-        RunHandler(SaveSettings);
+        Safely(SpeakLastWords);
+        CloseLinks();
+        Safely(SaveSettings);
     }
     RequestShutdown();
     frmOmbrix->hide();
@@ -119,7 +128,7 @@ void Quit(QuitBy by)
 void WatchSignals()
 {
     if (pipe2(signalPipe.data(), O_NONBLOCK | O_CLOEXEC) != 0)
-        return; // the signals then end the program at once, as for any other
+        return;  // the signals then end the program at once, as for any other
     signalNotifier = std::make_unique<QSocketNotifier>(signalPipe[0], QSocketNotifier::Read);
     QObject::connect(signalNotifier.get(), &QSocketNotifier::activated, signalNotifier.get(), ReadSignal);
     InstallHandler(HandleSignal);
@@ -136,4 +145,4 @@ void StopWatchingSignals()
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,8 +1,7 @@
 // The way out: standby, local, settings saved, from whatever the station is doing.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 enum class QuitBy { Operator, Signal };
 
@@ -14,4 +13,4 @@ void Quit(QuitBy by);
 void WatchSignals();
 void StopWatchingSignals();
 
-} // namespace ombrix
+}  // namespace ombrix

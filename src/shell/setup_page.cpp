@@ -16,6 +16,7 @@
 #include "shell/step_buttons.h"
 #include "shell/tab_strip.h"
 
+#include <QApplication>
 #include <QFrame>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -27,14 +28,12 @@
 #include <array>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kGroups = 4;
 
-QPointer<QFrame> shpAA; // null as long as no page stands
+QPointer<QFrame> shpAA;  // null as long as no page stands
 std::array<QGroupBox *, kGroups> fraAA{};
 QRadioButton *optAutomatic = nullptr;
 QRadioButton *optManual = nullptr;
@@ -181,7 +180,10 @@ QGridLayout *AddGroup(int index, const char *caption)
 {
     fraAA[index] = Group(shpAA, Indexed("fraAA", index), caption);
     shpAA->layout()->addWidget(fraAA[index]);
-    return new QGridLayout(fraAA[index]);
+    auto *grid = new QGridLayout(fraAA[index]);
+    grid->setVerticalSpacing(2);
+    grid->setRowStretch(1, 1);
+    return grid;
 }
 
 QRadioButton *AddOption(int group, const char *name, const char *caption, Handler click)
@@ -201,7 +203,7 @@ void AddPortNote(int group, int column, QRadioButton *option, int port)
     font.setPointSizeF(font.pointSizeF() * 0.9);
     label->setFont(font);
     label->setWordWrap(true);
-    label->setIndent(20);
+    label->setContentsMargins(20, 0, 0, 0);  // under the option's words
     label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
     qobject_cast<QGridLayout *>(fraAA[group]->layout())->addWidget(label, 1, column);
     portNotes.push_back({option, port, label});
@@ -289,10 +291,10 @@ PortState StateOfPort(int port)
 
 QColor TroubleColour()
 {
-    return IsDark(shpAA->palette()) ? QColor(255, 150, 140) : QColor(170, 0, 0);
+    return IsDark(QApplication::palette()) ? QColor(255, 150, 140) : QColor(170, 0, 0);
 }
 
-} // namespace
+}  // namespace
 
 void RegisterSetupPage()
 {
@@ -307,7 +309,7 @@ void ShowPortNotes()
     for (const PortNote &note : portNotes) {
         const PortState &state = states[note.port];
         note.label->setText(Caption(state.text));
-        QPalette palette; // trouble matters on the port that is chosen
+        QPalette palette;  // trouble matters on the port that is chosen
         if (state.trouble && note.option->isChecked())
             palette.setColor(QPalette::Active, QPalette::WindowText, TroubleColour());
         note.label->setPalette(palette);
@@ -413,4 +415,4 @@ void ResetSession()
     ClearOutputPanel();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

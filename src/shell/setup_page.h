@@ -5,8 +5,7 @@
 
 class QColor;
 
-namespace ombrix
-{
+namespace ombrix {
 
 constexpr int kSetupPage = 1;
 
@@ -35,4 +34,4 @@ void ShowPortNotes();
 /// No link is established: steps and tabs off, cmdEstablish on, the output panel empty.
 void ResetSession();
 
-} // namespace ombrix
+}  // namespace ombrix

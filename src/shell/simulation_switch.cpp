@@ -13,10 +13,8 @@
 #include <QHBoxLayout>
 #include <QLabel>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 QFrame *shpSim = nullptr;
 QLabel *lblSim = nullptr;
@@ -33,7 +31,7 @@ void lblSim_DoubleClick()
     });
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildSimulationMark(QWidget *parent)
 {
@@ -81,4 +79,4 @@ void SwitchSimulation()
     ShowPortNotes();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

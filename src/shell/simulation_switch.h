@@ -4,8 +4,7 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Makes fraSim inside `parent`: the meter's revision, and the mark of the simulation.
 QWidget *BuildSimulationMark(QWidget *parent);
@@ -14,4 +13,4 @@ QWidget *BuildSimulationMark(QWidget *parent);
 void SwitchSimulation();
 void ShowSimFlag(bool on);
 
-} // namespace ombrix
+}  // namespace ombrix

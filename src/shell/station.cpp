@@ -1,13 +1,13 @@
 #include "shell/station.h"
 
-#include "links/calibrator.h"
 #include "links/calibrator_simulator.h"
-#include "links/meter_protocol.h"
+#include "links/meter_link.h"
 #include "links/meter_simulator.h"
 #include "model/ini_store.h"
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "records/diagrams.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
@@ -25,8 +25,7 @@
 
 #include <QMainWindow>
 
-namespace ombrix
-{
+namespace ombrix {
 
 void FillOutlets()
 {
@@ -50,6 +49,7 @@ void OpenStation()
 {
     InitSessionState();
     ClearStop();
+    CloseHandlers(false);
     SilenceBoxes(false);
     InitMeterSimulator();
     InitCalibratorSimulator();
@@ -60,6 +60,7 @@ void OpenStation()
     ShowSwitch(false);
     HideAssumed();
     BlankSteps();
+    BuildDiagrams(AddSideFrame("fraDiagrams"));
     BuildPages();
     ShowSimFlag(false);
     frmOmbrix->show();
@@ -72,11 +73,11 @@ void OpenStation()
 
 void CloseStation()
 {
-    comCAL.Close();
-    comDPM.Close();
+    CloseLinks();
     DestroyMainWindow();
     outlets = Outlets();
     FaultOutlet = [](const std::string &) {};
+    CloseHandlers(false);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,8 +1,7 @@
 // The station as a whole: what joins its modules, and its start and end.
 #pragma once
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Joins the modules below the window to the window.
 void FillOutlets();
@@ -14,4 +13,4 @@ void OpenStation();
 /// Takes everything away again; another OpenStation may follow.
 void CloseStation();
 
-} // namespace ombrix
+}  // namespace ombrix

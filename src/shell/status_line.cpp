@@ -7,21 +7,19 @@
 #include <QLabel>
 #include <QStatusBar>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kLookMs = 1000;
 
-QFrame *shpBusy = nullptr; // the busy mark
+QFrame *shpBusy = nullptr;  // the busy mark
 QLabel *lblWait = nullptr;
 QLabel *lblRemark = nullptr;
 
 std::string waitText;
 std::int64_t waitStart = 0;
 bool lookPlanned = false;
-int lineNumber = 0; // tells a look planned for an earlier window
+int lineNumber = 0;  // tells a look planned for an earlier window
 
 void ShowWaitText()
 {
@@ -50,18 +48,19 @@ void PlanLook()
     });
 }
 
-} // namespace
+}  // namespace
 
 void BuildStatusLine(QStatusBar *line)
 {
     line->setSizeGripEnabled(false);
+    line->setContentsMargins(6, 0, 8, 0);
     shpBusy = Shape(line, "shpBusy");
     shpBusy->setFixedSize(12, 12);
     SetFill(shpBusy, Cyan());
     shpBusy->hide();
     lblWait = Label(line, "lblWait");
     lblRemark = Label(line, "lblRemark");
-    lblRemark->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // a long remark never widens the window
+    lblRemark->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long remark never widens the window
     lblRemark->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     line->addWidget(shpBusy);
     line->addWidget(lblWait);
@@ -84,7 +83,7 @@ void ShowWait(const std::string &text)
     waitText = text;
     waitStart = NowMicros();
     if (text.empty())
-        return; // the planned look takes it away
+        return;  // the planned look takes it away
     ShowWaitText();
     PlanLook();
 }
@@ -97,4 +96,4 @@ void ShowRemark(const std::string &text)
     lblRemark->setToolTip(Caption(text));
 }
 
-} // namespace ombrix
+}  // namespace ombrix

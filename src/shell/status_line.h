@@ -5,8 +5,7 @@
 
 class QStatusBar;
 
-namespace ombrix
-{
+namespace ombrix {
 
 void BuildStatusLine(QStatusBar *line);
 /// From now on the widgets of an earlier window are not touched.
@@ -17,4 +16,4 @@ void DropStatusLine();
 void ShowWait(const std::string &text);
 void ShowRemark(const std::string &text);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -15,19 +15,16 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 constexpr int kFirstCycle = 14;
 constexpr int kGainOffset = 30;
 constexpr int kOffsetOnly = 31;
 constexpr int kLastPosition = kPositions - 1;
-constexpr int kTallestButton = 44;
 
 std::array<QPushButton *, kPositions> cmdCalib{};
-std::array<QColor, kPositions> StepButtonColours; // kept so that the highlight can be taken off
+std::array<QColor, kPositions> StepButtonColours;  // kept so that the highlight can be taken off
 int LastCalPosition = 0;
 
 bool IsPosition(int index)
@@ -41,7 +38,7 @@ bool MayBeOn(int position)
     if (cmdCalib[position]->text().isEmpty() || !StepAllowed(position))
         return false;
     if (StepIds[position] == kFirstCycle && MeterPort == 0)
-        return false; // the stream can't pass the calibrator
+        return false;  // the stream can't pass the calibrator
     const bool restores = position == kLastPosition && cmdCalib[position]->text() == "Rest Config";
     return !(restores && RestConfigImage.empty());
 }
@@ -52,24 +49,22 @@ void Colour(int position, const QColor &colour)
     SetFill(cmdCalib[position], colour);
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildStepButtons(QWidget *parent)
 {
     auto *column = new QWidget(parent);
     auto *layout = new QVBoxLayout(column);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(3);
+    layout->setSpacing(2);
     for (int position = 0; position < kPositions; position++) {
         QPushButton *button = Button(column, Indexed("cmdCalib", position), "", [position] { ClickStep(position); });
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
-        button->setMinimumHeight(button->fontMetrics().height() + 6);
-        button->setMaximumHeight(kTallestButton);
+        button->setMinimumHeight(button->fontMetrics().height() + 4);
         button->setFixedWidth(button->fontMetrics().horizontalAdvance("Current Offset") + 28);
         layout->addWidget(button);
         cmdCalib[position] = button;
     }
-    layout->addStretch();
     return column;
 }
 
@@ -118,7 +113,7 @@ void SelectStep(int index)
 {
     RequestStop();
     ClearStop();
-    Abort = false; // a left-over one would empty every read of the step
+    Abort = false;  // a left-over one would empty every read of the step
     SimOneDecimal = false;
     ShowBoardChooser(false);
     HighlightStep(index);
@@ -163,4 +158,4 @@ void NextStep()
     ClickStep(next > LastCalPosition ? 0 : next);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

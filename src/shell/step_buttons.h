@@ -6,8 +6,7 @@
 class QPushButton;
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Makes the column of step buttons, blank and off.
 QWidget *BuildStepButtons(QWidget *parent);
@@ -26,4 +25,4 @@ void ClickStep(int index);
 /// empty page.
 void SelectStep(int index);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -20,13 +20,11 @@
 
 #include <utility>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 QTabBar *tabCalib = nullptr;
-int stripTab = 0; // where the strip stood last, also when nothing followed
+int stripTab = 0;  // where the strip stood last, also when nothing followed
 
 bool CarriesFamily(int tab)
 {
@@ -101,7 +99,7 @@ void tabCalib_Press(int tab)
         ClickTab(tab);
 }
 
-} // namespace
+}  // namespace
 
 QWidget *BuildTabStrip(QWidget *parent)
 {
@@ -168,4 +166,4 @@ void CaptionBoardTab()
         tabCalib->setTabText(CalibTab, Caption(BoardName(SCType)));
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -3,8 +3,7 @@
 
 class QWidget;
 
-namespace ombrix
-{
+namespace ombrix {
 
 QWidget *BuildTabStrip(QWidget *parent);
 
@@ -24,4 +23,4 @@ void ApplyBoard();
 /// A tab of 0 to 3 is named after the board in work.
 void CaptionBoardTab();
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,10 +5,8 @@
 #include <QApplication>
 #include <QPalette>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 struct Tones {
     QColor window, base, alternate, button, text, dim, highlight, highlightedText, link;
@@ -17,8 +15,9 @@ struct Tones {
 const Tones kLight = {QColor(240, 240, 240), QColor(255, 255, 255), QColor(246, 246, 246),
                       QColor(232, 232, 232), QColor(0, 0, 0),       QColor(96, 96, 96),
                       QColor(32, 96, 176),   QColor(255, 255, 255), QColor(0, 70, 160)};
-const Tones kDark = {QColor(45, 45, 48),   QColor(30, 30, 32),    QColor(38, 38, 41),
-                     QColor(62, 62, 66),   QColor(235, 235, 235), QColor(165, 165, 165),
+// Fields and the rings of options stand out from the ground in the dark as well.
+const Tones kDark = {QColor(40, 40, 43),   QColor(72, 72, 78),    QColor(64, 64, 70),
+                     QColor(62, 62, 66),   QColor(240, 240, 240), QColor(175, 175, 175),
                      QColor(64, 128, 208), QColor(255, 255, 255), QColor(130, 180, 255)};
 
 QPalette PaletteOf(const Tones &tones)
@@ -41,7 +40,7 @@ QPalette PaletteOf(const Tones &tones)
     return palette;
 }
 
-} // namespace
+}  // namespace
 
 void ApplyTheme(const std::string &name)
 {
@@ -50,7 +49,7 @@ void ApplyTheme(const std::string &name)
     else if (name == "dark")
         QApplication::setPalette(PaletteOf(kDark));
     else
-        QApplication::setPalette(QPalette()); // none of its own: the desktop's shows through
+        QApplication::setPalette(QPalette());  // none of its own: the desktop's shows through
 }
 
-} // namespace ombrix
+}  // namespace ombrix

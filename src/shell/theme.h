@@ -3,10 +3,9 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// "light" or "dark"; any other text gives the desktop's palette.
 void ApplyTheme(const std::string &name);
 
-} // namespace ombrix
+}  // namespace ombrix
