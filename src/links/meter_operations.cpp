@@ -207,22 +207,23 @@ void WriteDisplaySetupForward(int value)
         WriteDisplaySetupWords(value);
 }
 
-void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value)
+bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value)
 {
     const std::string byte = ReadRamBytes(48, 1);
     if (filterCode.size() != 5 || rangeCode.size() != 2 || byte.empty())
-        return;
+        return false;
     const std::string filterAndRange = byte + EncodeFilterCode(filterCode) + "00" + std::string(rangeCode);
     if (SCType != kTc) {
         WriteNvmWords(17, filterAndRange, "Z");
     } else {
         const std::string between = ReadNvmWords(20, 3, "");
         if (between.empty())
-            return;
+            return false;
         const std::string board = rangeCode.front() == '6' ? "0001" : "0031";
         WriteNvmWords(21, board + between + filterAndRange, "Z");
     }
     WriteDisplaySetupWords(value);
+    return true;
 }
 
 void LoadFactoryMeterSetup()

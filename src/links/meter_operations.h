@@ -47,8 +47,9 @@ void WriteDisplaySetupWords(int value);
 /// The same, and nothing on a CTR, where these words are the customer's.
 void WriteDisplaySetupForward(int value);
 /// Puts the meter on a range, with one restart at the end: filter code (5 characters), range code (2 hex digits),
-/// value of the display setup words. Nothing when a code or the meter's answer has the wrong length.
-void WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
+/// value of the display setup words. False, with nothing written, when a code or the meter's answer has the wrong
+/// length.
+bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
 void LoadFactoryMeterSetup();
 
 void MeterCommandA1();  ///< first command after opening the link; 200 ms

@@ -111,8 +111,8 @@ void LoadStep(int position, int stepId)
 
 void ApplyStepToMeter()
 {
-    WriteRangeSetup(step.FilterCode, step.RangeCode, step.SampleCount);
-    step.StepWordHex = ReadNvmWords(step.StepNvmWord, 1, "");
+    const bool onRange = WriteRangeSetup(step.FilterCode, step.RangeCode, step.SampleCount);
+    step.StepWordHex = onRange ? ReadNvmWords(step.StepNvmWord, 1, "") : "";
 }
 
 std::int32_t GetTargetCounts()

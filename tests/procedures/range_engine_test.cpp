@@ -260,6 +260,15 @@ TEST_F(AppliedStep, HasNoWordWhenTheMeterIsSilent)
     EXPECT_EQ(GetStepWordHex(), "");
 }
 
+TEST_F(AppliedStep, HasNoWordWhenTheMeterCouldNotBePutOnTheRange)
+{
+    Opens(kDc, 4);
+    Meter().Answers("*1X120\r", "8948\r");
+    ApplyStepToMeter();
+    EXPECT_EQ(GetStepWordHex(), "");
+    EXPECT_THAT(Meter().Writes(), ElementsAre("*1G130\r"));
+}
+
 TEST_F(AppliedStep, HasNoWordWhenTheReplyIsShort)
 {
     Opens(kDc, 4);

@@ -1,0 +1,148 @@
+#include "procedures/page_grid.h"
+
+#include "platform/fault.h"
+#include "platform/widgets.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QTableWidget>
+
+#include <numeric>
+#include <utility>
+
+namespace ombrix {
+namespace {
+
+constexpr int kShareRole = Qt::UserRole;
+constexpr int kRowMargin = 8;
+
+// Keeps each column at its share of the grid's width.
+class ColumnShares : public QObject
+{
+public:
+    explicit ColumnShares(QTableWidget *grid) : QObject(grid), m_grid(grid)
+    {
+        grid->viewport()->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Resize)
+            Apply(m_grid);
+        return false;
+    }
+
+    static void Apply(QTableWidget *grid)
+    {
+        int sharesLeft = 0;
+        for (int column = 0; column < grid->columnCount(); ++column)
+            sharesLeft += Share(grid, column);
+        int widthLeft = grid->viewport()->width();
+        for (int column = 0; column < grid->columnCount(); ++column) {
+            const int share = Share(grid, column);
+            const int width = widthLeft * share / sharesLeft;  // of what is left: the last column ends at the edge
+            grid->setColumnWidth(column, width);
+            widthLeft -= width;
+            sharesLeft -= share;
+        }
+    }
+
+private:
+    static int Share(const QTableWidget *grid, int column)
+    {
+        return grid->horizontalHeaderItem(column)->data(kShareRole).toInt();
+    }
+
+    QTableWidget *m_grid;
+};
+
+QTableWidgetItem *CellItem(const std::string &text)
+{
+    auto *item = new QTableWidgetItem(Caption(text));
+    item->setTextAlignment(Qt::AlignCenter);
+    item->setFlags(Qt::ItemIsEnabled);
+    return item;
+}
+
+}  // namespace
+
+QTableWidget *Grid(QWidget *parent, const QString &name, std::function<void(int row)> choose)
+{
+    auto *grid = new QTableWidget(parent);
+    grid->setObjectName(name);
+    grid->verticalHeader()->hide();
+    grid->horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    grid->horizontalHeader()->setSectionsClickable(false);
+    grid->horizontalHeader()->setMinimumSectionSize(1);
+    grid->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    grid->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    grid->setSelectionMode(QAbstractItemView::NoSelection);  // a row is chosen by its colour
+    grid->setTabKeyNavigation(false);
+    grid->setFocusPolicy(Qt::TabFocus);  // a click leaves the focus on the button that comes next
+    grid->setWordWrap(false);
+    new ColumnShares(grid);
+
+    const auto chosen = [choose = std::move(choose)](int row) { RunHandler([&choose, row] { choose(row); }); };
+    QObject::connect(grid, &QTableWidget::cellClicked, grid, chosen);
+    QObject::connect(grid, &QTableWidget::cellActivated, grid, chosen);
+    return grid;
+}
+
+void SetGridColumns(QTableWidget *grid, const std::vector<GridColumn> &columns)
+{
+    ClearGrid(grid);
+    grid->setColumnCount(static_cast<int>(columns.size()));
+    for (int column = 0; column < grid->columnCount(); ++column) {
+        const GridColumn &wanted = columns[static_cast<std::size_t>(column)];
+        auto *header = new QTableWidgetItem(Caption(wanted.header));
+        header->setData(kShareRole, wanted.share);
+        grid->setHorizontalHeaderItem(column, header);
+    }
+    ColumnShares::Apply(grid);
+}
+
+void ClearGrid(QTableWidget *grid)
+{
+    grid->setRowCount(0);
+}
+
+int AddGridRow(QTableWidget *grid, const std::vector<std::string> &texts, int lines)
+{
+    const int row = grid->rowCount();
+    grid->insertRow(row);
+    grid->setRowHeight(row, grid->fontMetrics().lineSpacing() * lines + kRowMargin);
+    for (int column = 0; column < grid->columnCount(); ++column) {
+        const auto place = static_cast<std::size_t>(column);
+        grid->setItem(row, column, CellItem(place < texts.size() ? texts[place] : ""));
+    }
+    grid->item(row, 0)->setBackground(grid->palette().button());
+    grid->item(row, 0)->setForeground(grid->palette().buttonText());
+    grid->scrollToItem(grid->item(row, 0));
+    return row;
+}
+
+std::string GridCell(const QTableWidget *grid, int row, int column)
+{
+    const QTableWidgetItem *item = grid->item(row, column);
+    return item ? item->text().toStdString() : "";
+}
+
+void SetGridCell(QTableWidget *grid, int row, int column, const std::string &text)
+{
+    if (QTableWidgetItem *item = grid->item(row, column))
+        item->setText(Caption(text));
+}
+
+void MarkGridRow(QTableWidget *grid, int row, bool marked)
+{
+    for (int column = 1; column < grid->columnCount(); ++column) {
+        QTableWidgetItem *item = grid->item(row, column);
+        if (!item)
+            return;
+        // Unmarked cells hold no colour of their own, so that they follow the palette.
+        item->setData(Qt::BackgroundRole, marked ? QVariant(QBrush(Cyan())) : QVariant());
+        item->setData(Qt::ForegroundRole, marked ? QVariant(QBrush(Qt::black)) : QVariant());
+    }
+}
+
+}  // namespace ombrix
