@@ -186,7 +186,7 @@ std::string ReadCalibratorLine()
 std::string CheckCalibratorErrors()
 {
     const WaitNote note("Calibrator: waiting for reply");
-    const std::string first = AskCalibrator("ERR?");
+    std::string first = AskCalibrator("ERR?");
     std::string reply = first;
     for (int reads = 1; !reply.empty() && !reply.starts_with("0,") && !Abort && reads < kErrorReads; ++reads)
         reply = AskCalibrator("ERR?");

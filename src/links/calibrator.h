@@ -45,9 +45,10 @@ bool SetCalibratorOutput(const std::string &value, std::string_view mode);
 void ApplyInput(const std::string &value);
 /// ApplyInput, then four-wire sensing for a resistance.
 void ApplyInputValue(const std::string &value);
-/// Standby at zero, or asks the operator to remove the input. Nothing when already in standby.
+/// Standby at zero (an AC output at 1 mV), or asks the operator to remove the input. Nothing when already in standby;
+/// while Quitting a calibrator always gets its standby.
 void RemoveInput();
-/// The same, with a full reset of an AC output's frequency.
+/// The same with a full reset of an AC output's frequency: sent in standby too as long as CalHzFlag says AC.
 void CalibratorStandby();
 
 /// index 0..5 into the thermocouple input names; others do nothing.

@@ -77,7 +77,7 @@ void SendAndWait(std::string_view payload, int ms)
 
 std::string ReadNvmWords(int address, int count, std::string_view suffix)
 {
-    const std::string hex = HexDigits(QueryRun('X', address, count, "Z", suffix));
+    std::string hex = HexDigits(QueryRun('X', address, count, "Z", suffix));
     if (suffix.empty())
         WaitMeterRestart();
     return hex.size() == DigitsOf(count, kWordDigits) ? hex : "";
@@ -108,7 +108,7 @@ std::string ReadRamBytes(int address, int count)
         const std::string reply = QueryRun('G', address, count, "", "");
         if (reply.empty())
             return "";
-        const std::string hex = HexDigits(reply);
+        std::string hex = HexDigits(reply);
         if (hex.size() == DigitsOf(count, kByteDigits))
             return hex;
     }
@@ -140,7 +140,7 @@ std::string ReadDisplayRaw()
 std::string ReadDisplay()
 {
     while (!Abort) {
-        const std::string text = ReadDisplayRaw();
+        std::string text = ReadDisplayRaw();
         if (Holds(text, "."))
             return text;
     }

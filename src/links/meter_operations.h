@@ -15,16 +15,16 @@ namespace ombrix {
 /// The last value given to the display setup words.
 extern int LastDisplaySetup;
 
-/// count words from `address` downward, 4 digits each; "" on silence, a wrong length or a character that
-/// is no hexadecimal digit. Without Z the meter restarts.
+/// count words from `address` downward, 4 digits each, upper-case; "" on silence, a wrong length or a character that is
+/// no hexadecimal digit. Without Z the meter restarts.
 std::string ReadNvmWords(int address, int count, std::string_view suffix);
-/// Writes the words of `hex` from `address` downward. A text that is no positive multiple of 4
-/// hexadecimal digits is not sent: what went wrong in a read must not end in a meter.
-void WriteNvmWords(int address, std::string_view hex, std::string_view suffix);
+/// Writes the words of a text from `address` downward. A text that is no positive multiple of 4 hexadecimal digits is
+/// not sent: what went wrong in a read must not end in a meter.
+void WriteNvmWords(int address, std::string_view text, std::string_view suffix);
 /// count bytes of working memory, 2 digits each; "" on silence. A wrong reply is read again, 20 times at most.
 std::string ReadRamBytes(int address, int count);
 /// A text that is no positive multiple of 2 hexadecimal digits is not sent.
-void WriteRamBytes(int address, std::string_view hex);
+void WriteRamBytes(int address, std::string_view text);
 
 /// One try to read the display, trimmed; "" on silence.
 std::string ReadDisplayRaw();
@@ -35,7 +35,6 @@ std::string ReadDisplayDigits();
 
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();
-
 /// The same for a meter that is no CTR: 1750 ms.
 void WaitPlainRestart();
 

@@ -5,6 +5,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 
+#include <algorithm>
+
 namespace ombrix {
 namespace {
 
@@ -22,13 +24,6 @@ UutBlock OpenEndedBlock(std::string_view buffer)
     if (end == std::string_view::npos)
         return {UutState::NeedsMore, 2, 0};
     return {UutState::Whole, 2, end - 2};
-}
-
-// From the first "#" on; "" without one.
-std::string_view FromHead(std::string_view buffer)
-{
-    const std::size_t head = buffer.find('#');
-    return head == std::string_view::npos ? std::string_view() : buffer.substr(head);
 }
 
 }  // namespace
@@ -86,7 +81,8 @@ std::string UutReceive()
         if (chunk.empty())
             break;
         received += chunk.size();
-        buffer = FromHead(buffer + chunk);
+        buffer += chunk;
+        buffer.erase(0, std::min(buffer.find('#'), buffer.size()));
         block = ParseUutBlock(buffer);
     }
     if (Abort || block.start >= buffer.size())
