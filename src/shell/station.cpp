@@ -7,6 +7,7 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "procedures/range_page.h"
 #include "records/diagrams.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -43,6 +44,7 @@ void FillOutlets()
 void RegisterPages()
 {
     RegisterSetupPage();
+    RegisterRangePage();
 }
 
 void OpenStation()

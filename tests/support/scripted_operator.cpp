@@ -237,6 +237,17 @@ bool ScriptedOperator::Tick()
     return true;
 }
 
+// A new timer each time: one that is being served does not fire again inside the handler that its tick has started.
+void ScriptedOperator::TicksLater()
+{
+    QTimer::singleShot(kTickMs, Qt::PreciseTimer, &m_ticks, [this] {
+        if (!m_running)
+            return;
+        TicksLater();
+        Tick();
+    });
+}
+
 bool ScriptedOperator::Runs()
 {
     m_running = true;
@@ -252,10 +263,7 @@ bool ScriptedOperator::Runs()
                 Fails("nothing will ever happen");
         };
     } else {
-        m_timer = std::make_unique<QTimer>();
-        m_timer->setTimerType(Qt::PreciseTimer);
-        QObject::connect(m_timer.get(), &QTimer::timeout, m_timer.get(), [this] { Tick(); });
-        m_timer->start(kTickMs);
+        TicksLater();
     }
     try {
         while (!m_script.empty() || m_depth > 0)
@@ -264,7 +272,6 @@ bool ScriptedOperator::Runs()
     } catch (const std::exception &fault) {
         Fails(fault.what());
     }
-    m_timer.reset();
     m_running = false;
     RequestShutdown(false);
     return m_trouble.empty();

@@ -5,17 +5,16 @@
 // looked at every few milliseconds. Widgets are found by objectName, array members as "cmdCalib(4)".
 #pragma once
 
+#include <QObject>
 #include <QString>
 
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <memory>
 #include <string>
 #include <vector>
 
 class QMessageBox;
-class QTimer;
 class QWidget;
 
 namespace ombrix::test
@@ -86,12 +85,13 @@ private:
     };
     ScriptedOperator &Then(const std::string &what, std::function<bool()> ready, std::function<void()> action);
     bool Tick();
+    void TicksLater();
     bool AnswersBox();
     void Fails(const std::string &why);
     std::string Waiting() const;
 
     VirtualClock *m_clock;
-    std::unique_ptr<QTimer> m_timer;
+    QObject m_ticks;  // owns what is still to tick: nothing comes after the operator has gone
     std::deque<Step> m_script;
     std::int64_t m_limitMicros = 600'000'000;
     std::int64_t m_stepStart = 0;
