@@ -50,6 +50,7 @@ void ApplyTheme(const std::string &name)
         QApplication::setPalette(PaletteOf(kDark));
     else
         QApplication::setPalette(QPalette());  // none of its own: the desktop's shows through
+    QCoreApplication::sendPostedEvents();      // what stands already takes it over now, not at the next pump
 }
 
 }  // namespace ombrix

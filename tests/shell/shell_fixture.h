@@ -1,0 +1,126 @@
+// The whole station on virtual time, with both instruments on fake lines, for the tests of the shell.
+#pragma once
+
+#include "links/meter_simulator.h"
+#include "model/settings.h"
+#include "platform/clock.h"
+#include "platform/widgets.h"
+#include "session/outlets.h"
+#include "session/page_frame.h"
+#include "session/state.h"
+#include "shell/instruments.h"
+#include "support/fake_line.h"
+#include "support/station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QFrame>
+#include <QMouseEvent>
+#include <QTabBar>
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace ombrix::test {
+
+class ShellTest : public ::testing::Test
+{
+protected:
+    ~ShellTest() override
+    {
+        for (auto &[id, entry] : m_replaced)
+            RegisterSteps({id}, entry);
+    }
+
+    static bool Sees(const std::string &name) { return ScriptedOperator::Sees(name); }
+    static bool IsOn(const std::string &name) { return ScriptedOperator::IsOn(name); }
+    static bool IsEnabled(const std::string &name) { return ScriptedOperator::IsEnabled(name); }
+    static bool HasFocus(const std::string &name) { return ScriptedOperator::HasFocus(name); }
+    static std::string Text(const std::string &name) { return ScriptedOperator::Text(name); }
+    static std::string Fill(const std::string &name) { return ScriptedOperator::Fill(name); }
+
+    /// A click as the operator makes it; what it starts runs to its end.
+    void Click(const std::string &name)
+    {
+        person.Clicks(name);
+        EXPECT_TRUE(person.Runs());
+    }
+
+    void ClickTab(int tab)
+    {
+        person.ClicksTab(tab);
+        EXPECT_TRUE(person.Runs());
+    }
+
+    void Press(int key)
+    {
+        person.Presses(key);
+        EXPECT_TRUE(person.Runs());
+    }
+
+    /// A double click that reaches the widget whether it can be seen or not.
+    void DoubleClick(const std::string &name)
+    {
+        person.Does([name] {
+            QMouseEvent event(QEvent::MouseButtonDblClick, {1, 1}, {1, 1}, Qt::LeftButton, Qt::LeftButton, {});
+            QCoreApplication::sendEvent(ScriptedOperator::Find(name), &event);
+        });
+        EXPECT_TRUE(person.Runs());
+    }
+
+    static QTabBar *Strip() { return qobject_cast<QTabBar *>(ScriptedOperator::Find("tabCalib")); }
+    static std::string TabText(int tab) { return Strip()->tabText(tab).toStdString(); }
+
+    /// Page in front, -1 when not exactly one is.
+    static int Page()
+    {
+        int shown = -1;
+        for (int index = 0; index < kPages; index++) {
+            if (Sees("fraCalib(" + std::to_string(index) + ")"))
+                shown = shown == -1 ? index : kPages;
+        }
+        return shown == kPages ? -1 : shown;
+    }
+
+    void EstablishSimulated() { EXPECT_TRUE(station.EstablishesInSimulation()) << person.Trouble(); }
+
+    /// Establishes over both fake lines. The waits of that are over, and what was written is forgotten.
+    void EstablishOnLines()
+    {
+        Click("cmdEstablish");
+        ASSERT_TRUE(Established) << Text("lblStatus");
+        Forget();
+    }
+
+    void Forget()
+    {
+        meterLine.Forget();
+        calibratorLine.Forget();
+        clock.Restart();
+    }
+
+    /// Puts a probe in the place of a step's page until the test ends.
+    void RegisterProbe(int stepId, std::function<void()> enter)
+    {
+        m_replaced.emplace_back(stepId, EntryOfStep(stepId));
+        RegisterSteps({stepId}, std::move(enter));
+    }
+
+    Station station;
+    VirtualClock &clock = station.clock;
+    ScriptedOperator &person = station.person;
+    FakeLines lines{clock};
+    FakeLine &meterLine = lines[PortDevice(1)];
+    FakeLine &calibratorLine = lines[PortDevice(2)];
+    PlainMeter meter{meterLine};
+    PlainCalibrator calibrator{calibratorLine};
+
+private:
+    std::vector<std::pair<int, StepEntry>> m_replaced;
+};
+
+}  // namespace ombrix::test

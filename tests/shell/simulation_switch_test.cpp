@@ -1,0 +1,88 @@
+#include "shell/simulation_switch.h"
+
+#include "shell/setup_page.h"
+#include "shell/shell_fixture.h"
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class SimulationSwitch : public ShellTest
+{
+};
+
+}  // namespace
+
+TEST_F(SimulationSwitch, ADoubleClickOnTheCaptionGoesOverAndBack)
+{
+    EXPECT_FALSE(Sees("lblSim"));
+    DoubleClick("lblCalOut");
+    EXPECT_FALSE(HardwareMode);
+    EXPECT_FALSE(RealTimeDelays);
+    EXPECT_TRUE(Sees("lblSim"));
+    EXPECT_TRUE(Sees("shpSim"));
+    EXPECT_EQ(Text("lblSim"), "S");
+    DoubleClick("lblCalOut");
+    EXPECT_TRUE(HardwareMode);
+    EXPECT_TRUE(RealTimeDelays);
+    EXPECT_FALSE(Sees("lblSim"));
+    EXPECT_FALSE(Sees("shpSim"));
+}
+
+TEST_F(SimulationSwitch, ADoubleClickAfterTheFirstEstablishDoesNothingEvenAfterAReset)
+{
+    EstablishSimulated();
+    DoubleClick("lblCalOut");
+    EXPECT_FALSE(HardwareMode);
+    EXPECT_TRUE(Established);
+    ResetSession();
+    DoubleClick("lblCalOut");
+    EXPECT_FALSE(HardwareMode);
+}
+
+TEST_F(SimulationSwitch, GoingBackHidesTheSimulatedSwitchAndTheStatus)
+{
+    DoubleClick("lblCalOut");
+    outlets.showSwitch(true);
+    ShowStatus("words", Red());
+    DoubleClick("lblCalOut");
+    EXPECT_FALSE(Sees("lblSwitch"));
+    EXPECT_FALSE(Sees("lblStatus"));
+    EXPECT_FALSE(Sees("shpStatus"));
+}
+
+TEST_F(SimulationSwitch, ADoubleClickOnTheMarkInHardwareModeDoesNothing)
+{
+    EstablishOnLines();
+    DoubleClick("lblSim");
+    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+}
+
+TEST_F(SimulationSwitch, ADoubleClickOnTheMarkAsksForTheSimulatedMeter)
+{
+    EstablishSimulated();
+    person.DoubleClicks("lblSim").WaitsFor("dlgSCType").Clicks("optSC(2)").Clicks("OKButton");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(ShowSCDialogFull, 0);
+    EXPECT_EQ(SimNvm[21] & 0xFF, 0x03);
+    EXPECT_EQ(SCType, kDc) << "the session follows at the next tab";
+    ClickTab(kTabLc);
+    EXPECT_EQ(SCType, kLc);
+    EXPECT_FALSE(TabMismatch);
+}
+
+TEST_F(SimulationSwitch, TheMarkIsDeafUnlessTabsAreTaken)
+{
+    DoubleClick("lblCalOut");
+    DoubleClick("lblSim");
+    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+}
+
+TEST_F(SimulationSwitch, BothDoubleClicksAreDeafWhileAProcedureRuns)
+{
+    person.Clicks("cmdEstablish").Waits(300).Does([this] { EXPECT_FALSE(Established); });
+    person.DoubleClicks("lblCalOut").Does([] { EXPECT_TRUE(HardwareMode); });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(Established);
+}

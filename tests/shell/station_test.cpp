@@ -1,0 +1,145 @@
+#include "shell/station.h"
+
+#include "links/calibrator.h"
+#include "model/ini_store.h"
+#include "shell/main_window.h"
+#include "shell/shell_fixture.h"
+
+#include <QFile>
+#include <QMainWindow>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class StartUp : public ShellTest
+{
+};
+
+std::string GroupTitle(int index)
+{
+    const QString name = QString("fraAA(%1)").arg(index);
+    return ScriptedOperator::Find(name.toStdString())->property("title").toString().toStdString();
+}
+
+}  // namespace
+
+TEST_F(StartUp, WithNoSettingsFileTheDefaultsStand)
+{
+    EXPECT_EQ(CalPort, 2);
+    EXPECT_EQ(MeterPort, 1);
+    EXPECT_TRUE(Automatic);
+    EXPECT_TRUE(UseSwitch);
+    EXPECT_TRUE(HardwareMode);
+    EXPECT_TRUE(RealTimeDelays);
+    EXPECT_EQ(SCType, -1);
+    EXPECT_EQ(LastAcBoard, kAc3);
+    EXPECT_EQ(LastTempBoard, kTc);
+    EXPECT_TRUE(SimToggleAllowed);
+    EXPECT_TRUE(TabEventsMuted);
+}
+
+TEST_F(StartUp, TheFirstSightIsTheSetupPageWithEstablishReady)
+{
+    person.Waits(10);
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(Page(), 1);
+    EXPECT_TRUE(IsEnabled("cmdEstablish"));
+    EXPECT_TRUE(HasFocus("cmdEstablish"));
+    EXPECT_EQ(Text("cmdEstablish"), "Establish");
+    EXPECT_TRUE(IsOn("optAutomatic"));
+    EXPECT_TRUE(IsOn("optCAL_COM2"));
+    EXPECT_TRUE(IsOn("optDPM_COM1"));
+    EXPECT_TRUE(IsOn("optSwYes"));
+    EXPECT_FALSE(Sees("lblStatus"));
+    EXPECT_FALSE(Sees("shpStatus"));
+}
+
+TEST_F(StartUp, TheFourGroupsStandInTheirOrder)
+{
+    EXPECT_EQ(GroupTitle(0), "Mode");
+    EXPECT_EQ(GroupTitle(2), "Calibrator Communications");
+    EXPECT_EQ(GroupTitle(3), "Meter Communications");
+    EXPECT_EQ(GroupTitle(1), "Use Meter2 As Output Switch");
+    const auto top = [](int index) { return ScriptedOperator::Find("fraAA(" + std::to_string(index) + ")")->y(); };
+    EXPECT_LT(top(0), top(2));
+    EXPECT_LT(top(2), top(3));
+    EXPECT_LT(top(3), top(1));
+}
+
+TEST_F(StartUp, StepsAreBlankAndOffAndSetupIsOff)
+{
+    for (int position = 0; position < kPositions; position++) {
+        EXPECT_EQ(Text(StepButton(position)), "");
+        EXPECT_TRUE(Sees(StepButton(position)));
+        EXPECT_FALSE(IsEnabled(StepButton(position)));
+    }
+    EXPECT_FALSE(IsEnabled("cmdSetup"));
+    EXPECT_TRUE(IsEnabled("cmdQuit"));
+    EXPECT_EQ(Text("cmdSetup"), "Setup");
+    EXPECT_EQ(Text("cmdQuit"), "Quit");
+}
+
+TEST_F(StartUp, TheSixTabsCarryTheirFamilies)
+{
+    ASSERT_EQ(Strip()->count(), 6);
+    const std::vector<std::string> captions = {"DC", "AC", "LC", "TC", "VF", "AnaCal"};
+    for (int tab = 0; tab < 6; tab++)
+        EXPECT_EQ(TabText(tab), captions[static_cast<std::size_t>(tab)]);
+    EXPECT_EQ(Strip()->currentIndex(), 0);
+}
+
+TEST_F(StartUp, RevisionOfZeroGivesATitleWithoutASecondPoint)
+{
+    EXPECT_EQ(frmOmbrix->windowTitle(), "Ombrix - Version 1.0");
+    EXPECT_EQ(VersionText(1, 2, 0), " 1.2");
+    EXPECT_EQ(VersionText(1, 2, 3), " 1.2.3");
+}
+
+TEST_F(StartUp, TheWindowIs1100By760)
+{
+    EXPECT_EQ(frmOmbrix->size(), QSize(1100, 760));
+}
+
+TEST_F(StartUp, NothingIsSentBeforeEstablish)
+{
+    EXPECT_TRUE(meterLine.log.empty());
+    EXPECT_TRUE(calibratorLine.log.empty());
+}
+
+TEST_F(StartUp, TheStationOpensAgainInOneProcess)
+{
+    EstablishSimulated();
+    CloseStation();
+    OpenWholeStation();
+    EXPECT_EQ(Page(), 1);
+    EXPECT_FALSE(Established);
+    EXPECT_TRUE(HardwareMode);
+    EXPECT_EQ(Text(StepButton(0)), "");
+    EXPECT_EQ(TabText(0), "DC");
+    EXPECT_EQ(Text("lblRev"), "");
+    EXPECT_FALSE(Sees("lblSim"));
+    EstablishSimulated();
+    EXPECT_TRUE(Established);
+}
+
+TEST(Theme, ComesFromTheSettings)
+{
+    VirtualClock clock;
+    const WorkFolder folder;
+    QFile file("Ombrix.ini");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("[Look]\nTheme=dark\n");
+    file.close();
+    OpenWholeStation();
+    const QColor dark = frmOmbrix->palette().color(QPalette::Window);
+    EXPECT_LT(dark.lightness(), 100);
+    EXPECT_EQ(IniGet("Look", "Theme"), "dark");
+    IniSet("Look", "Theme", "light");
+    SaveIni();
+    CloseStation();
+    OpenWholeStation();
+    EXPECT_GT(frmOmbrix->palette().color(QPalette::Window).lightness(), 150);
+    CloseStation();
+}
