@@ -7,12 +7,14 @@
 #include "procedures/fake_instruments.h"
 #include "procedures/range_engine.h"
 #include "procedures/range_page.h"
+#include "session/procedure.h"
 #include "session/state.h"
 #include "support/station.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -32,6 +34,16 @@ protected:
     }
 
     void TearDown() override { station.reset(); }
+
+    /// What a script waits for: a round that is shown live, and a step.
+    static std::function<bool()> Watches(int round)
+    {
+        return [round] { return Rows() == round && StopArmed; };
+    }
+    static std::function<bool()> StandsAt(int position)
+    {
+        return [position] { return CurrentStepButton == position; };
+    }
 
     static std::string Cell(int row, int column) { return ScriptedOperator::Cell("msgCalibGrid", row, column); }
     static int Rows() { return ScriptedOperator::Rows("msgCalibGrid"); }

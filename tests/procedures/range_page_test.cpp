@@ -168,18 +168,15 @@ TEST_F(SimulatedRange, RoundOfAPlainStepFillsItsRowInOneLine)
 
 TEST_F(SimulatedRange, RepeatGoesOnFromTheLastReadingsAndTheLastWord)
 {
-    Calibrates(4)
-        .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
-        .Does([] {
-            EXPECT_EQ(Cell(1, 0), "2");
-            EXPECT_EQ(Cell(1, 2), Cell(0, 5));
-            EXPECT_EQ(Cell(1, 3), Cell(0, 4));
-            EXPECT_EQ(Cell(1, 4), HexText(SimNvm[32], 4));
-            EXPECT_EQ(Colour(0, 1), "");
-            EXPECT_EQ(Colour(1, 1), kCyan);
-            EXPECT_TRUE(HasFocus("cmdRepeat"));
-        });
+    Calibrates(4).Clicks("cmdRepeat").WaitsUntil("round 2 is watched", Watches(2)).Does([] {
+        EXPECT_EQ(Cell(1, 0), "2");
+        EXPECT_EQ(Cell(1, 2), Cell(0, 5));
+        EXPECT_EQ(Cell(1, 3), Cell(0, 4));
+        EXPECT_EQ(Cell(1, 4), HexText(SimNvm[32], 4));
+        EXPECT_EQ(Colour(0, 1), "");
+        EXPECT_EQ(Colour(1, 1), kCyan);
+        EXPECT_TRUE(HasFocus("cmdRepeat"));
+    });
     EXPECT_TRUE(person->Runs());
 }
 
@@ -198,7 +195,7 @@ TEST_F(SimulatedRange, GridScrollsToTheLastRound)
 {
     Calibrates(4);
     for (int round = 2; round <= 25; ++round)
-        person->Clicks("cmdRepeat").WaitsUntil("the next round", [round] { return Rows() == round && StopArmed; });
+        person->Clicks("cmdRepeat").WaitsUntil("the next round is watched", Watches(round));
     person->Does([] {
         const QRect last = TheGrid()->visualItemRect(TheGrid()->item(24, 1));
         EXPECT_TRUE(TheGrid()->viewport()->rect().contains(last));
@@ -211,7 +208,7 @@ TEST_F(SimulatedRange, ClickOnARowSelectsItAndEndsTheLiveReading)
 {
     Calibrates(4)
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .ClicksCell("msgCalibGrid", 0, 3)
         .WaitsUntil("row 1 is selected", [] { return Colour(0, 1) == kCyan; })
         .Waits(5000)
@@ -226,7 +223,7 @@ TEST_F(SimulatedRange, ClickOnARowSelectsItAndEndsTheLiveReading)
         .ClicksCell("msgCalibGrid", 1, 3)
         .Does([] { EXPECT_EQ(Colour(1, 1), kCyan) << "at once, since nothing is live any more"; })
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 3 is watched", [] { return Rows() == 3 && StopArmed; });
+        .WaitsUntil("round 3 is watched", Watches(3));
     EXPECT_TRUE(person->Runs());
 }
 
@@ -247,10 +244,7 @@ TEST_F(SimulatedRange, ClickOnTheHeaderIsNoRow)
 
 TEST_F(SimulatedRange, AcceptOpensTheNextStep)
 {
-    Calibrates(4)
-        .Clicks("cmdAccept")
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; })
-        .WaitsFor("cmdReady");
+    Calibrates(4).Clicks("cmdAccept").WaitsUntil("the next step is open", StandsAt(5)).WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(Text("lblRangeStep"), "20 V");
     EXPECT_EQ(Rows(), 0);
@@ -264,10 +258,10 @@ TEST_F(SimulatedRange, AcceptLearnsATenthOfTheWay)
     std::uint16_t written = 0;
     Calibrates(4)
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Does([&written] { written = SimNvm[32]; })
         .Clicks("cmdAccept")
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     const float slopeBefore = NominalSlopeOf(kDc, 32);
     const auto nominal = static_cast<float>(HexValue(NominalWordOf(kDc, 32)));
     ASSERT_TRUE(person->Runs());
@@ -284,12 +278,12 @@ TEST_F(SimulatedRange, AcceptOfAnEarlierRowRestoresItsWord)
     Calibrates(4)
         .Does([&first] { first = Cell(0, 4); })
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Does([&first] { EXPECT_NE(HexText(SimNvm[32], 4), first); })
         .ClicksCell("msgCalibGrid", 0, 1)
         .WaitsUntil("row 1 is selected", [] { return Colour(0, 1) == kCyan; })
         .Clicks("cmdAccept")
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(HexText(SimNvm[32], 4), first);
 }
@@ -299,7 +293,7 @@ TEST_F(SimulatedRange, AcceptOfTheLastRowWritesNothing)
     Calibrates(4)
         .Does([] { SimNvm[32] = 0x1111; })  // would be seen to be overwritten
         .Clicks("cmdAccept")
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(SimNvm[32], 0x1111);
 }
@@ -426,7 +420,7 @@ TEST_F(SimulatedRange, AcceptedEarlierRowOfAStepThatStaysOpenIsItsCurrentWord)
     Calibrates(14)
         .Does([&first] { first = Cell(0, 4); })
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .ClicksCell("msgCalibGrid", 0, 1)
         .WaitsUntil("row 1 is selected", [] { return Colour(0, 1) == kCyan; })
         .Clicks("cmdAccept")
@@ -548,9 +542,11 @@ TEST_F(SimulatedRange, InManualModeTheOperatorAppliesEachPolarity)
     person->DoubleClicks("lblCalOut").Clicks("optManual").Clicks("cmdEstablish").WaitsUntil("it is established", [] {
         return Established;
     });
-    Opens(4).Clicks("cmdReady").WaitsFor("cmdRepeat").Clicks("cmdAccept").WaitsUntil("the next step is open", [] {
-        return CurrentStepButton == 5;
-    });
+    Opens(4)
+        .Clicks("cmdReady")
+        .WaitsFor("cmdRepeat")
+        .Clicks("cmdAccept")
+        .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
     EXPECT_THAT(asked, ElementsAre("Apply an accurate input signal of 2 V to the Meter",
                                    "Apply an accurate input signal of -2 V to the Meter",
@@ -565,7 +561,7 @@ TEST_F(SimulatedRange, GoesByKeyboardAlone)
         .Presses(Qt::Key_Return)  // Ready
         .WaitsFor("cmdRepeat")
         .Presses(Qt::Key_Return)  // Repeat
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Presses(Qt::Key_Backtab)  // into the grid, where the last row is current
         .Does([] { EXPECT_TRUE(HasFocus("msgCalibGrid")); })
         .Presses(Qt::Key_Up)
@@ -577,7 +573,7 @@ TEST_F(SimulatedRange, GoesByKeyboardAlone)
         .Presses(Qt::Key_Tab)
         .Does([] { EXPECT_TRUE(HasFocus("cmdAccept")); })
         .Presses(Qt::Key_Return)
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     EXPECT_TRUE(person->Runs());
 }
 
@@ -588,7 +584,7 @@ TEST_F(SimulatedRange, SecondEnterOnAcceptPressesNothingElse)
         .Does([] { EXPECT_TRUE(HasFocus("cmdAccept")); })
         .Presses(Qt::Key_Return)
         .Presses(Qt::Key_Return)
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     EXPECT_TRUE(person->Runs());
 }
 
@@ -604,7 +600,7 @@ TEST_F(SimulatedRange, QuitInTheMiddleEndsEverything)
 
 TEST_F(SimulatedRange, OfARebuiltWindowKnowsNothingOfTheOldOne)
 {
-    Calibrates(4).Clicks("cmdRepeat").WaitsUntil("round 2", [] { return Rows() == 2 && StopArmed; });
+    Calibrates(4).Clicks("cmdRepeat").WaitsUntil("round 2 is watched", Watches(2));
     ASSERT_TRUE(person->Runs());  // ends in the middle
     station.reset();
     station = std::make_unique<Station>();

@@ -56,7 +56,7 @@ TEST_F(WiredRange, LaterRoundStartsFromTheInputThatStands)
     Calibrates()
         .Does([this] { bench->log.clear(); })
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Does([this] {
             std::erase(bench->log, "meter 1B1");
             EXPECT_THAT(bench->log, ElementsAreArray(Joined({{"meter 1W1208A01"}, Output("-2 V"), {"meter 1CZ"}})));
@@ -84,7 +84,7 @@ TEST_F(WiredRange, LiveReadingFollowsTheMeter)
             EXPECT_EQ(Cell(0, 7), "4");
         })
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Does([] { EXPECT_EQ(Cell(1, 2), "+80007\n-80000"); });
     EXPECT_TRUE(person->Runs());
 }
@@ -127,8 +127,9 @@ TEST_F(WiredRange, CorrectionBeyondTheLimitIsToldInRed)
         })
         .WaitsUntil("the reading follows", [] { return Cell(0, 5).starts_with("+90"); })
         .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 begins", [] { return Rows() == 2; })
         .Does([] { EXPECT_NE(ScriptedOperator::Fill("shpInst(0)"), "#ff0000"); })
-        .WaitsUntil("round 2 is watched", [] { return Rows() == 2 && StopArmed; })
+        .WaitsUntil("round 2 is watched", Watches(2))
         .Does([] { EXPECT_NE(ScriptedOperator::Fill("shpInst(0)"), "#ff0000"); });
     EXPECT_TRUE(person->Runs());
 }
@@ -234,7 +235,7 @@ TEST_F(WiredRange, SilenceInTheLiveReadingLeavesTheButtons)
             EXPECT_EQ(Text("lblRemark"), "2 V: the meter fell silent, its last reading stands");
         })
         .Clicks("cmdAccept")
-        .WaitsUntil("the next step is open", [] { return CurrentStepButton == 5; });
+        .WaitsUntil("the next step is open", StandsAt(5));
     EXPECT_TRUE(person->Runs());
 }
 
