@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kShareRole = Qt::UserRole;
 constexpr int kRowMargin = 8;
+constexpr double kTextSize = 1.2;  // numbers are read from an arm's length
 
 // Keeps each column at its share of the grid's width.
 class ColumnShares : public QObject
@@ -80,6 +81,10 @@ QTableWidget *Grid(QWidget *parent, const QString &name, std::function<void(int 
     grid->setTabKeyNavigation(false);
     grid->setFocusPolicy(Qt::TabFocus);  // a click leaves the focus on the button that comes next
     grid->setWordWrap(false);
+    QFont font = grid->font();
+    font.setPointSizeF(font.pointSizeF() * kTextSize);
+    grid->setFont(font);
+    grid->horizontalHeader()->setFont(parent->font());
     new ColumnShares(grid);
 
     const auto chosen = [choose = std::move(choose)](int row) { RunHandler([&choose, row] { choose(row); }); };

@@ -404,7 +404,7 @@ void EnterRangePage()
     page.PolarityValue[1] = "-" + GetCalValue();
     page.lblRangeStep->setText(Caption(StepName(CurrentStepId)));
     page.lblRangeInput->setText(
-        Caption(page.PolarityValue[0] + (page.TurnoverStep ? ", " + page.PolarityValue[1] : "")));
+        Caption("Input " + page.PolarityValue[0] + (page.TurnoverStep ? ", " + page.PolarityValue[1] : "")));
     ShowPage(kRangePage);
     page.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
     BuildRangeGrid();

@@ -1,0 +1,305 @@
+#include "procedures/range_page_fixture.h"
+
+#include "links/calibrator.h"
+#include "session/procedure.h"
+
+namespace ombrix::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAreArray;
+using testing::Not;
+
+std::vector<std::string> Output(const std::string &value)
+{
+    return {"cal ERR?", "cal OUT " + value + " ; OPER ; *WAI", "cal OPER?", "cal OUT?"};
+}
+
+std::vector<std::string> Reading()
+{
+    return {"meter 1B1", "meter 1B1", "meter 1B1"};
+}
+
+// One log of the pieces in their order.
+std::vector<std::string> Joined(const std::vector<std::vector<std::string>> &pieces)
+{
+    std::vector<std::string> all;
+    for (const auto &piece : pieces)
+        all.insert(all.end(), piece.begin(), piece.end());
+    return all;
+}
+
+TEST_F(WiredRange, FirstRoundTurnsTheInputOverTwice)
+{
+    Opens().Does([this] { bench->log.clear(); }).Clicks("cmdReady").WaitsFor("cmdRepeat").Does([this] {
+        EXPECT_THAT(bench->log, ElementsAreArray(Joined({Output("2 V"),
+                                                         Reading(),
+                                                         Output("-2 V"),
+                                                         {"meter 1CZ"},
+                                                         Reading(),
+                                                         {"meter 1W1208A01"},
+                                                         Reading(),
+                                                         Output("2 V"),
+                                                         {"meter 1CZ"},
+                                                         Reading()})));
+        EXPECT_EQ(Cell(0, 2), "+79944\n-79944");
+        EXPECT_EQ(Cell(0, 4), "8A01");
+        EXPECT_EQ(Cell(0, 5), "+80000\n-80000");
+        EXPECT_EQ(Cell(0, 6), "0");
+        EXPECT_EQ(Cell(0, 7), "0");
+    });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, LaterRoundStartsFromTheInputThatStands)
+{
+    Calibrates()
+        .Does([this] { bench->log.clear(); })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Does([this] {
+            std::erase(bench->log, "meter 1B1");
+            EXPECT_THAT(bench->log, ElementsAreArray(Joined({{"meter 1W1208A01"}, Output("-2 V"), {"meter 1CZ"}})));
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, ShowsTheFirstPolarityWhileTheSecondIsTaken)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the input is turned over", [this] { return bench->output == "-2 V"; })
+        .Does([] { EXPECT_EQ(Cell(0, 2), "+79944\n"); })
+        .WaitsFor("cmdRepeat");
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, LiveReadingFollowsTheMeter)
+{
+    Calibrates()
+        .Does([this] { bench->drift = 7; })
+        .WaitsUntil("the reading follows", [] { return Cell(0, 5) == "+80007\n-80000"; })
+        .Does([] {
+            EXPECT_EQ(Cell(0, 6), "4") << "(80007 - 80000) / 2, to the even number";
+            EXPECT_EQ(Cell(0, 7), "4");
+        })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Does([] { EXPECT_EQ(Cell(1, 2), "+80007\n-80000"); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, LiveReadingComesEveryThirdOfASecond)
+{
+    Calibrates().Does([this] { bench->log.clear(); }).Waits(9050).Does([this] { EXPECT_EQ(bench->log.size(), 30U); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, ClickOnARowEndsTheLiveReading)
+{
+    Calibrates()
+        .ClicksCell("msgCalibGrid", 0, 1)
+        .Waits(3000)
+        .Does([this] { bench->log.clear(); })
+        .Waits(20'000)
+        .Does([this] {
+            EXPECT_TRUE(bench->log.empty());
+            EXPECT_EQ(Rows(), 1);
+            EXPECT_TRUE(IsEnabled("cmdRepeat"));
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+// ---- limits ----
+
+TEST_F(WiredRange, CorrectionBeyondTheLimitIsToldInRed)
+{
+    bench->goodWord = 80000;
+    Calibrates()
+        .Does([this] {
+            EXPECT_EQ(Text("lblInst(0)"), "Required correction exceeds allowable range");
+            EXPECT_EQ(ScriptedOperator::Fill("shpInst(0)"), "#ff0000");
+            EXPECT_EQ(Cell(0, 4), "FFFF");
+            EXPECT_EQ(bench->words[32], 0xFFFF) << "it is written all the same";
+            EXPECT_TRUE(IsEnabled("cmdAccept"));
+            EXPECT_TRUE(IsEnabled("cmdStopReset"));
+            bench->goodWord = 0x8000;
+        })
+        .WaitsUntil("the reading follows", [] { return Cell(0, 5).starts_with("+90"); })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 begins", [] { return Rows() == 2; })
+        .Does([] { EXPECT_NE(ScriptedOperator::Fill("shpInst(0)"), "#ff0000"); })
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Does([] { EXPECT_NE(ScriptedOperator::Fill("shpInst(0)"), "#ff0000"); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, ReversedLeadsGiveTheHighestWordInRed)
+{
+    bench->target = -80000;
+    Calibrates().Does([this] {
+        EXPECT_EQ(ScriptedOperator::Fill("shpInst(0)"), "#ff0000");
+        EXPECT_EQ(bench->words[32], 0xFFFF);
+    });
+    EXPECT_TRUE(person->Runs());
+}
+
+// ---- two clicks in the same second ----
+
+TEST_F(WiredRange, StopInsideTheSecondOfRepeatResets)
+{
+    Calibrates().Clicks("cmdRepeat").Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(Rows(), 0);
+    EXPECT_FALSE(bench->operating);
+}
+
+TEST_F(WiredRange, ResetInsideTheSecondOfAcceptWins)
+{
+    const std::string nominal = NominalWordOf(kDc, 32);
+    Calibrates().Clicks("cmdAccept").Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(CurrentStepButton, 4);
+    EXPECT_EQ(NominalWordOf(kDc, 32), nominal);
+    EXPECT_FALSE(bench->operating);
+}
+
+TEST_F(WiredRange, RepeatGivesTheLiveReadingItsSecond)
+{
+    std::int64_t clicked = 0;
+    Calibrates()
+        .Does([&] { clicked = station->clock.Elapsed(); })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 begins", [] { return Rows() == 2; })
+        .Does([&] {
+            EXPECT_GE(station->clock.Elapsed() - clicked, 1000);
+            EXPECT_LE(station->clock.Elapsed() - clicked, 2400);
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, StopCannotBeClickedAgainWhileTheInputIsRemoved)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the input stands", [this] { return bench->operating; })
+        .Clicks("cmdStopReset")
+        .WaitsUntil("the input goes", [this] { return !bench->operating; })
+        .Does([] { EXPECT_FALSE(IsEnabled("cmdStopReset")); })
+        .WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(bench->output, "0 V");
+    EXPECT_TRUE(CalStandbyFlag);
+}
+
+TEST_F(WiredRange, AfterAStopNoFurtherInputIsApplied)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the first reading is taken", [this] { return bench->log.back() == "meter 1B1"; })
+        .Clicks("cmdStopReset")
+        .WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(bench->log, Not(Contains("cal OUT -2 V ; OPER ; *WAI")));
+    EXPECT_THAT(bench->log, Not(Contains(testing::StartsWith("meter 1W120"))));
+    EXPECT_EQ(bench->log.back(), "cal OUT?");
+}
+
+// ---- silence ----
+
+TEST_F(WiredRange, WithoutTheWordOfTheMeterReadyStaysOff)
+{
+    bench->meterSilent = true;
+    person->Clicks(StepButton(4)).WaitsUntil("the entry ends", [] { return IsEnabled("cmdSetup"); });
+    ASSERT_TRUE(person->Runs());
+    EXPECT_TRUE(Sees("fraCalib(4)"));
+    EXPECT_FALSE(IsEnabled("cmdReady"));
+    EXPECT_EQ(Text("lblInst(0)"), "The meter did not answer:\ncheck its line, then click the step again");
+    EXPECT_EQ(ScriptedOperator::Fill("shpInst(0)"), "#ff0000");
+    EXPECT_TRUE(IsEnabled(StepButton(4)));
+
+    bench->meterSilent = false;
+    Opens().Does([] { EXPECT_NE(ScriptedOperator::Fill("shpInst(0)"), "#ff0000"); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, SilenceInTheLiveReadingLeavesTheButtons)
+{
+    Calibrates()
+        .Does([this] { bench->displaySilent = true; })
+        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
+        .Waits(30'000)
+        .Does([] {
+            EXPECT_EQ(Cell(0, 5), "+80000\n-80000");
+            EXPECT_TRUE(IsEnabled("cmdRepeat"));
+            EXPECT_EQ(Text("lblRemark"), "2 V: the meter fell silent, its last reading stands");
+        })
+        .Clicks("cmdAccept")
+        .WaitsUntil("the next step is open", StandsAt(5));
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, SilenceInARoundIsWaitedOutUntilStop)
+{
+    bench->displaySilent = true;
+    Opens().Clicks("cmdReady").Waits(120'000).Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(bench->words[32], 0x8948);
+    EXPECT_FALSE(bench->operating);
+    EXPECT_FALSE(SlopesDirty);
+}
+
+TEST_F(WiredRange, GarbageOnTheDisplayIsReadAgain)
+{
+    bench->displaySilent = true;
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the display is asked", [this] { return bench->log.back() == "meter 1B1"; })
+        .Does([this] { bench->meter.Says("garbage\r"); })
+        .Waits(2000)
+        .Does([this] {
+            EXPECT_EQ(Cell(0, 2), "");
+            bench->displaySilent = false;
+        })
+        .WaitsFor("cmdRepeat")
+        .Does([] { EXPECT_EQ(Cell(0, 2), "+79944\n-79944"); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, DeadCalibratorDoesNotHoldAStopForEver)
+{
+    Calibrates().Does([this] { bench->calibrator.Vanishes(); }).Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
+}
+
+// ---- the end of the program ----
+
+TEST_F(WiredRange, QuitInTheMiddlePutsTheCalibratorInStandbyAndWritesNoWord)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the input stands", [this] { return bench->operating; })
+        .Does([this] { bench->log.clear(); })
+        .Clicks("cmdQuit");
+    person->Runs();
+    EXPECT_TRUE(Quitting);
+    EXPECT_FALSE(bench->operating);
+    EXPECT_EQ(bench->words[32], 0x8948);
+    EXPECT_THAT(bench->log, Contains("cal OUT 0 V, 0 Hz ; STBY ; *WAI").Times(1));
+    EXPECT_THAT(bench->log, Not(Contains(testing::StartsWith("meter 1W120"))));
+    EXPECT_FALSE(ProcedureRunning());
+}
+
+TEST_F(WiredRange, QuitWhileWatchingLearnsNothing)
+{
+    const std::string nominal = NominalWordOf(kDc, 32);
+    Calibrates().Clicks("cmdQuit");
+    person->Runs();
+    EXPECT_FALSE(bench->operating);
+    EXPECT_EQ(NominalWordOf(kDc, 32), nominal);
+    EXPECT_FALSE(ProcedureRunning());
+}
+
+}  // namespace
+}  // namespace ombrix::test
