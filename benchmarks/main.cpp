@@ -2,6 +2,11 @@
 
 #include "display.h"
 #include "program.h"
+#include "simulated_run.h"
+
+#include "support/station.h"
+
+#include <QApplication>
 
 #include <algorithm>
 #include <cstdio>
@@ -107,10 +112,18 @@ void MeasureIdle(Display &display, const StationFolder &folder)
     Row("wake-ups, idle", wakeUps, "1/s", wakeUps == 0, "0");
 }
 
+void MeasureSimulatedRun()
+{
+    const test::WorkFolder folder;
+    const SimulatedRun run = CalibrateSimulatedDc();
+    Row("ranges accepted in the simulator", run.ranges, "");
+    Row("longest stay in one event meanwhile", run.longestBlockMs, "ms", run.longestBlockMs < 50, "< 50");
+}
+
 }  // namespace
 }  // namespace ombrix::benchmarks
 
-int main()
+int main(int argc, char **argv)
 {
     using namespace ombrix::benchmarks;
     try {
@@ -118,6 +131,12 @@ int main()
         Display display;
         MeasureStart(display, folder);
         MeasureIdle(display, folder);
+
+        // From here on the station runs inside this program.
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        const QApplication application(argc, argv);
+        QApplication::setStyle("Fusion");
+        MeasureSimulatedRun();
     } catch (const std::exception &trouble) {
         std::fprintf(stderr, "ombrix-benchmarks: %s\n", trouble.what());
         return 1;

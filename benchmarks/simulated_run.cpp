@@ -1,0 +1,47 @@
+#include "simulated_run.h"
+
+#include "loop_watch.h"
+
+#include "shell/station.h"
+#include "support/scripted_operator.h"
+#include "support/station.h"
+
+#include <stdexcept>
+
+namespace ombrix::benchmarks {
+namespace {
+
+// Positions of the DC board's ranges, "GND" to "5 A" and the touched-up "200 mV".
+constexpr int kRangePositions[] = {2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 14};
+
+void CalibrateRange(test::ScriptedOperator &person, int position, int &accepted)
+{
+    const std::string button = test::StepButton(position);
+    person.WaitsFor(button).Clicks(button);
+    person.WaitsFor("cmdReady").Clicks("cmdReady");
+    person.WaitsFor("cmdRepeat").Clicks("cmdRepeat");
+    person.WaitsFor("cmdRepeat").Clicks("cmdAccept");
+    person.WaitsFor(button).Does([&accepted] { ++accepted; });
+}
+
+}  // namespace
+
+SimulatedRun CalibrateSimulatedDc()
+{
+    SimulatedRun result;
+    test::OpenWholeStation();
+    {
+        test::ScriptedOperator person;
+        person.DoubleClicks("lblCalOut").Clicks("cmdEstablish").WaitsFor(test::StepButton(kRangePositions[0]));
+        const LoopWatch watch;
+        for (const int position : kRangePositions)
+            CalibrateRange(person, position, result.ranges);
+        if (!person.Runs())
+            throw std::runtime_error("the simulated run stopped: " + person.Trouble());
+        result.longestBlockMs = watch.LongestMs();
+    }
+    CloseStation();
+    return result;
+}
+
+}  // namespace ombrix::benchmarks
