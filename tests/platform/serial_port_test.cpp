@@ -12,6 +12,7 @@
 #include <QFile>
 
 #include <cstdlib>
+#include <cstring>
 #include <fcntl.h>
 #include <pty.h>
 #include <termios.h>
@@ -204,7 +205,7 @@ TEST(SerialPort, TellsWhyItCantBeOpened)
         SerialPort port;
         port.Open("/dev/no-such-line");
     } catch (const RuntimeFault &fault) {
-        EXPECT_STREQ(fault.what(), "No such file or directory");
+        EXPECT_STREQ(fault.what(), std::strerror(ENOENT)) << "in the words of the system";
     }
 }
 
