@@ -5,10 +5,12 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/widgets.h"
+#include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/state.h"
 #include "shell/instruments.h"
+#include "shell/station.h"
 #include "support/fake_line.h"
 #include "support/station.h"
 

@@ -1,0 +1,109 @@
+#include "session/page_frame.h"
+
+#include "shell/main_window.h"
+#include "shell/shell_fixture.h"
+
+#include <QLineEdit>
+#include <QMainWindow>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class PageFrames : public ShellTest
+{
+};
+
+}  // namespace
+
+TEST_F(PageFrames, ShowPageShowsOneOfNineteen)
+{
+    for (int index = 0; index < kPages; index++) {
+        ShowPage(index);
+        EXPECT_EQ(Page(), index);
+    }
+}
+
+TEST_F(PageFrames, ShowPageIgnoresWhatIsNoPage)
+{
+    ShowPage(3);
+    ShowPage(-1);
+    ShowPage(kPages);
+    EXPECT_EQ(Page(), 3);
+}
+
+TEST_F(PageFrames, ShowPageHidesDiagramsAndTheValuesPanel)
+{
+    EstablishSimulated();
+    auto *values = new QFrame(frmOmbrix->centralWidget());
+    values->setObjectName("fraNVMemVals");
+    values->show();
+    ShowConnectionDiagram(1);
+    EXPECT_TRUE(Sees("fraInputs"));
+    EXPECT_TRUE(Sees("fraJumperBlock(0)"));
+    EXPECT_TRUE(Sees("fraNVMemVals"));
+    ShowPage(2);
+    EXPECT_FALSE(Sees("fraInputs"));
+    EXPECT_FALSE(Sees("fraJumperBlock(0)"));
+    EXPECT_FALSE(Sees("fraNVMemVals"));
+}
+
+TEST_F(PageFrames, ThePageHasTheRoomOfTheDiagramsWhileNoneShows)
+{
+    EstablishSimulated();
+    const auto width = [this] {
+        person.Waits(10);
+        EXPECT_TRUE(person.Runs());
+        return ScriptedOperator::Find("fraPages")->width();
+    };
+    const int alone = width();
+    ShowConnectionDiagram(1);
+    const int beside = width();
+    EXPECT_LT(beside, alone - 150);
+    ShowPage(0);
+    EXPECT_EQ(width(), alone);
+}
+
+TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
+{
+    int built = 0;
+    RegisterPage(17, [&](QFrame *page) {
+        ++built;
+        EXPECT_EQ(page->objectName(), "fraCalib(17)");
+    });
+    CloseStation();
+    OpenWholeStation();
+    EXPECT_EQ(built, 1);
+    RegisterPage(17, {});
+}
+
+TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)
+{
+    CloseStation();
+    ShowPage(1);
+    EnableSteps(true);
+    HighlightStep(3);
+    ShowCalPanel(true);
+    NextStep();
+    EXPECT_TRUE(TabChangeAllowed);
+    OpenWholeStation();
+}
+
+TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
+{
+    EstablishSimulated();
+    ScriptedOperator::Find(StepButton(4))->setFocus();
+    Press(Qt::Key_Escape);
+    EXPECT_FALSE(Abort);
+    bool stopped = false;
+    RegisterProbe(5, [&] {
+        while (!Abort)
+            PumpEvents(kForever);
+        stopped = true;
+    });
+    person.Clicks(StepButton(4)).Waits(100).Presses(Qt::Key_Escape);
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(stopped);
+    EXPECT_FALSE(Abort) << "what Esc ended is over";
+}

@@ -1,0 +1,93 @@
+#include "shell/status_line.h"
+
+#include "shell/shell_fixture.h"
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class StatusLine : public ShellTest
+{
+protected:
+    void Passes(int ms)
+    {
+        person.Waits(ms);
+        ASSERT_TRUE(person.Runs());
+    }
+};
+
+}  // namespace
+
+TEST_F(StatusLine, SaysAtOnceWhatIsWaitedForAndTheSecondsFromOneOn)
+{
+    outlets.showWait("Meter: waiting for reply");
+    EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply");
+    EXPECT_TRUE(Sees("shpBusy"));
+    Passes(999);
+    EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply");
+    Passes(1);
+    EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply  1 s");
+    Passes(11'100);
+    EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply  12 s");
+}
+
+TEST_F(StatusLine, GoesBlankWithinASecondOfTheEnd)
+{
+    outlets.showWait("Meter restarts");
+    Passes(300);
+    outlets.showWait("");
+    EXPECT_EQ(Text("lblWait"), "Meter restarts") << "waits that follow each other do not flicker";
+    Passes(1000);
+    EXPECT_EQ(Text("lblWait"), "");
+    EXPECT_FALSE(Sees("shpBusy"));
+}
+
+TEST_F(StatusLine, EachWaitCountsFromItsOwnStart)
+{
+    outlets.showWait("Meter: waiting for reply");
+    Passes(2500);
+    outlets.showWait("");
+    outlets.showWait("Meter: waiting for reply");
+    EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply");
+}
+
+TEST_F(StatusLine, LooksOnceASecondAtMostAndNotAtAllWhenNothingIsWaitedFor)
+{
+    for (int i = 0; i < 50; i++) {
+        outlets.showWait("Meter: waiting for reply");
+        outlets.showWait("");
+    }
+    outlets.showWait("Meter: waiting for reply");
+    int wakeUps = 0;
+    const Deadline end(10'000);
+    while (!end.Passed()) {
+        PumpEvents(end.LeftMs());
+        ++wakeUps;
+    }
+    EXPECT_LE(wakeUps, 11);
+    outlets.showWait("");
+    PumpEvents(1000);
+    const std::int64_t before = clock.Elapsed();
+    PumpEvents(60'000);
+    EXPECT_EQ(clock.Elapsed() - before, 60'000) << "nothing wakes an idle station";
+}
+
+TEST_F(StatusLine, ARemarkStaysUntilTheNext)
+{
+    outlets.showRemark("Settings of this session won't be kept.");
+    outlets.showWait("Meter restarts");
+    outlets.showWait("");
+    Passes(5000);
+    EXPECT_EQ(Text("lblRemark"), "Settings of this session won't be kept.");
+    outlets.showRemark("");
+    EXPECT_EQ(Text("lblRemark"), "");
+}
+
+TEST_F(StatusLine, ALongRemarkDoesNotWidenTheWindow)
+{
+    const int before = ScriptedOperator::Find("frmOmbrix")->width();
+    outlets.showRemark(std::string(2000, 'w'));
+    Passes(10);
+    EXPECT_EQ(ScriptedOperator::Find("frmOmbrix")->width(), before);
+}

@@ -1,0 +1,395 @@
+#include "shell/step_buttons.h"
+
+#include "links/calibrator.h"
+#include "model/range_tables.h"
+#include "platform/widgets.h"
+#include "session/procedure.h"
+#include "shell/setup_page.h"
+#include "shell/shell_fixture.h"
+#include "shell/tab_strip.h"
+
+#include <QAbstractButton>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+constexpr int kFirstCycle = 14;
+
+class Steps : public ShellTest
+{
+protected:
+    // Works on a board as a click on its tab would have it.
+    static void Board(int board)
+    {
+        SCType = board;
+        CalibTab = TabOfBoard(board);
+        FillStepTable();
+    }
+
+    static std::string ColourOf(int position) { return Fill(StepButton(position)); }
+
+    /// Probes for every step of the board in work; they say their id.
+    void ProbeAll()
+    {
+        for (int id = 0; id <= 60; id++)
+            RegisterProbe(id, [this, id] { opened.push_back(id); });
+    }
+
+    std::vector<int> opened;
+};
+
+}  // namespace
+
+TEST_F(Steps, EachBoardFillsTheButtonsWithItsTitles)
+{
+    EstablishSimulated();
+    for (int board = kDc; board <= kRtd; board++) {
+        Board(board);
+        for (int position = 0; position < kPositions; position++) {
+            const int id = StepIdAtPosition(position);
+            SCOPED_TRACE(BoardName(board) + " " + std::to_string(position));
+            EXPECT_EQ(StepIds[static_cast<std::size_t>(position)], id);
+            EXPECT_EQ(Text(StepButton(position)), StepName(id));
+            EXPECT_TRUE(Sees(StepButton(position)));
+            const bool saved = Text(StepButton(position)) != "Rest Config";
+            EXPECT_EQ(IsEnabled(StepButton(position)), id != -1 && saved);
+        }
+    }
+}
+
+TEST_F(Steps, CalibrationServiceAndUnusedButtonsAreToldApart)
+{
+    EstablishSimulated();
+    for (int board = kDc; board <= kRtd; board++) {
+        Board(board);
+        for (int position = 0; position < kPositions; position++) {
+            SCOPED_TRACE(BoardName(board) + " " + std::to_string(position));
+            QColor expected = position <= StepButtonCount() ? InfoBackground() : ScrollBarColour();
+            if (StepIdAtPosition(position) == -1)
+                expected = ButtonFace();
+            EXPECT_EQ(ColourOf(position), expected.name().toStdString());
+        }
+    }
+    EXPECT_NE(InfoBackground(), ScrollBarColour());
+    EXPECT_NE(InfoBackground(), ButtonFace());
+    EXPECT_NE(ScrollBarColour(), ButtonFace());
+}
+
+TEST_F(Steps, CaptionsAreNeverClipped)
+{
+    EstablishSimulated();
+    for (int id = 0; id <= 60; id++) {
+        auto *button = qobject_cast<QAbstractButton *>(ScriptedOperator::Find(StepButton(0)));
+        const QString caption = Caption(StepName(id));
+        EXPECT_LE(button->fontMetrics().horizontalAdvance(caption) + 8, button->width()) << StepName(id);
+    }
+}
+
+TEST_F(Steps, WithTheMeterOnTheCalibratorEveryFirstCycleIsOffOnEveryBoard)
+{
+    EstablishSimulated();
+    MeterPort = 0;
+    int found = 0;
+    for (int board = kDc; board <= kRtd; board++) {
+        for (const bool enabledAgain : {false, true}) {
+            Board(board);
+            if (enabledAgain)
+                EnableSteps(true);
+            for (int position = 0; position < kPositions; position++) {
+                const int id = StepIdAtPosition(position);
+                if (id == -1 || board == kVf)
+                    continue;
+                found += id == kFirstCycle ? 1 : 0;
+                EXPECT_EQ(IsEnabled(StepButton(position)), id != kFirstCycle) << BoardName(board) << position;
+            }
+        }
+    }
+    EXPECT_EQ(found, 12) << "six boards have one";
+}
+
+TEST_F(Steps, RestConfigStaysOffUntilGetConfigHasFilledItsImage)
+{
+    EstablishSimulated();
+    Board(kVf);
+    ASSERT_EQ(Text(StepButton(16)), "Rest Config");
+    EXPECT_FALSE(IsEnabled(StepButton(16)));
+    EnableSteps(true);
+    EXPECT_FALSE(IsEnabled(StepButton(16)));
+    RestConfigImage = std::string(200, '0');
+    EnableSteps(true);
+    EXPECT_TRUE(IsEnabled(StepButton(16)));
+    FillStepTable();
+    EXPECT_TRUE(IsEnabled(StepButton(16)));
+    Board(kDc);
+    RestConfigImage.clear();
+    EnableSteps(true);
+    EXPECT_TRUE(IsEnabled(StepButton(16))) << "View NVM stands there on DC";
+}
+
+TEST_F(Steps, EnableStepsTakesSetupAndTheTabsAlong)
+{
+    EstablishSimulated();
+    EnableSteps(false);
+    EXPECT_FALSE(IsEnabled("cmdSetup"));
+    EXPECT_FALSE(TabChangeAllowed);
+    EXPECT_FALSE(IsEnabled(StepButton(0)));
+    EnableSteps(true);
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
+    EXPECT_TRUE(TabChangeAllowed);
+    EXPECT_TRUE(IsEnabled(StepButton(0)));
+}
+
+TEST_F(Steps, ButtonsWithoutCaptionNeverGoOn)
+{
+    EstablishSimulated();
+    Board(kLc);
+    EnableSteps(true);
+    EXPECT_EQ(Text(StepButton(11)), "");
+    EXPECT_FALSE(IsEnabled(StepButton(11)));
+}
+
+TEST_F(Steps, APageMayKeepAButtonOff)
+{
+    EstablishSimulated();
+    const auto before = StepAllowed;
+    StepAllowed = [](int position) { return position != 4; };
+    EnableSteps(true);
+    EXPECT_FALSE(IsEnabled(StepButton(4)));
+    EXPECT_TRUE(IsEnabled(StepButton(5)));
+    StepAllowed = before;
+}
+
+TEST_F(Steps, TheHighlightGivesTheColourBack)
+{
+    EstablishSimulated();
+    const std::string before = ColourOf(3);
+    HighlightStep(3);
+    EXPECT_EQ(CurrentStepButton, 3);
+    EXPECT_EQ(ColourOf(3), "#00ffff");
+    HighlightStep(15);
+    EXPECT_EQ(ColourOf(3), before);
+    EXPECT_EQ(ColourOf(15), "#00ffff");
+    HighlightStep(-1);
+    EXPECT_EQ(CurrentStepButton, -1);
+    EXPECT_NE(ColourOf(15), "#00ffff");
+}
+
+TEST_F(Steps, AClickOpensThePageOfItsStep)
+{
+    EstablishSimulated();
+    ProbeAll();
+    for (int position = 0; position < kPositions; position++) {
+        Click(StepButton(position));
+        EXPECT_EQ(opened.back(), StepIdAtPosition(position));
+        EXPECT_EQ(CurrentStepButton, position);
+        EXPECT_EQ(CurrentStepId, StepIdAtPosition(position));
+    }
+}
+
+TEST_F(Steps, ClickingTheHighlightedStepRunsItAgainFromTheBeginning)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(4));
+    Click(StepButton(4));
+    EXPECT_EQ(opened, (std::vector{5, 5}));
+    EXPECT_EQ(ColourOf(4), "#00ffff");
+}
+
+TEST_F(Steps, AStepWithoutAPageShowsTheEmptyOne)
+{
+    EstablishSimulated();
+    ShowPage(1);
+    RegisterProbe(5, {});
+    Click(StepButton(4));
+    EXPECT_EQ(Page(), 0);
+    EXPECT_EQ(CurrentStepId, 5);
+}
+
+TEST_F(Steps, SelectingNoneLeavesTheStep)
+{
+    EstablishSimulated();
+    Click(StepButton(4));
+    SelectStep(-1);
+    EXPECT_EQ(CurrentStepButton, -1);
+    EXPECT_EQ(CurrentStepId, -1);
+    EXPECT_EQ(Page(), 0);
+}
+
+TEST_F(Steps, OnlyTheGainAndOffsetStepsOfTheTcTabKeepTheOutput)
+{
+    EstablishSimulated();
+    ProbeAll();
+    SimNvm[21] = 0x0031;
+    ClickTab(kTabTc);
+    ASSERT_EQ(SCType, kTc);
+    const auto standbyAfter = [this](int position) {
+        CalStandbyFlag = false;
+        Click(StepButton(position));
+        return CalStandbyFlag;
+    };
+    EXPECT_TRUE(standbyAfter(2));
+    EXPECT_FALSE(standbyAfter(6)) << "Gain/Offset";
+    EXPECT_FALSE(standbyAfter(14)) << "Offset Only";
+    EXPECT_TRUE(standbyAfter(16));
+}
+
+TEST_F(Steps, SelectStepClearsWhatAnEarlierProcedureLeft)
+{
+    EstablishSimulated();
+    StopArmed = StopRequested = true;
+    SimOneDecimal = true;
+    RegisterProbe(5, [] {
+        EXPECT_FALSE(Abort);
+        EXPECT_FALSE(StopArmed);
+        EXPECT_FALSE(StopRequested);
+        EXPECT_FALSE(SimOneDecimal);
+    });
+    Abort = true;
+    Click(StepButton(4));
+    EXPECT_EQ(CurrentStepButton, 4);
+}
+
+TEST_F(Steps, NavigationIsLockedWhileAnEntryTalks)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] { DelayAlways(1000); });
+    person.Clicks(StepButton(4)).Waits(500).Does([] {
+        EXPECT_FALSE(IsEnabled(StepButton(0)));
+        EXPECT_FALSE(IsEnabled("cmdSetup"));
+        EXPECT_FALSE(HasFocus("cmdQuit"));
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(IsEnabled(StepButton(0)));
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
+    EXPECT_TRUE(HasFocus(StepButton(4))) << "a page that takes no focus leaves it on the step";
+}
+
+TEST_F(Steps, APageThatLocksNavigationItselfKeepsItLocked)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] { EnableSteps(false); });
+    Click(StepButton(4));
+    EXPECT_FALSE(IsEnabled(StepButton(0)));
+    EXPECT_FALSE(IsEnabled("cmdSetup"));
+}
+
+TEST_F(Steps, AFaultInAnEntryGivesNavigationBackAndIsTold)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] {
+        EnableSteps(false);
+        throw std::runtime_error("Input/output error");
+    });
+    Click(StepButton(4));
+    EXPECT_TRUE(IsEnabled(StepButton(0)));
+    EXPECT_EQ(Text("lblRemark"), "Input/output error");
+}
+
+TEST_F(Steps, NextStepOpensTheNextEnabledOne)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(0));
+    ScriptedOperator::Find(StepButton(1))->setEnabled(false);
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 2);
+    EXPECT_EQ(opened, (std::vector{0, 2}));
+}
+
+TEST_F(Steps, NextStepWrapsFromTheLastCalibrationPositionToInitNvm)
+{
+    EstablishSimulated();
+    ProbeAll();
+    for (int board = kDc; board <= kRtd; board++) {
+        Board(board);
+        HighlightStep(StepButtonCount());
+        NextStep();
+        EXPECT_EQ(CurrentStepButton, 0) << BoardName(board);
+        EXPECT_EQ(opened.back(), 0) << BoardName(board);
+    }
+}
+
+TEST_F(Steps, NextStepFromAServiceButtonDoesNothing)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(15));
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 15);
+    EXPECT_EQ(opened.size(), 1U);
+}
+
+TEST_F(Steps, NextStepOnTheAnalogTabLooksAtNoButtonBehindTheLast)
+{
+    EstablishSimulated();
+    ProbeAll();
+    ClickTab(kTabAnaCal);
+    Click(StepButton(16));
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 0);
+    EXPECT_EQ(opened.back(), 42);
+}
+
+TEST_F(Steps, NextStepWithAllStepsOffLandsOnTheFirst)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(3));
+    EnableSteps(false);
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 0);
+}
+
+TEST_F(Steps, NextStepFromInsideAProcedureFollowsItsEnd)
+{
+    EstablishSimulated();
+    std::string order;
+    RegisterProbe(5, [&] {
+        EnableSteps(true);
+        NextStep();
+        order += "end ";
+    });
+    RegisterProbe(6, [&] { order += "next"; });
+    Click(StepButton(4));
+    EXPECT_EQ(order, "end next");
+    EXPECT_EQ(CurrentStepButton, 5);
+}
+
+TEST_F(Steps, AStepClickStopsALiveLoopAndFollowsAfterOneSecond)
+{
+    EstablishOnLines();
+    std::string order;
+    RegisterProbe(5, [&] {
+        EnableSteps(true);
+        ArmStop();
+        while (!StopRequested)
+            DelayMs(300);
+        DisarmStop();
+        order += "loop-ended ";
+    });
+    std::int64_t clicked = 0;
+    std::int64_t entered = 0;
+    RegisterProbe(6, [&] {
+        entered = clock.Elapsed();
+        order += "next";
+    });
+    person.Clicks(StepButton(4)).Waits(1000).Does([&] { clicked = clock.Elapsed(); }).Clicks(StepButton(5));
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(order, "loop-ended next");
+    EXPECT_EQ(entered - clicked, 1000);
+}
+
+TEST_F(Steps, EnterAndSpaceWorkTheFocusedStep)
+{
+    EstablishSimulated();
+    ProbeAll();
+    ScriptedOperator::Find(StepButton(4))->setFocus();
+    Press(Qt::Key_Return);
+    EXPECT_EQ(opened, (std::vector{5}));
+    ScriptedOperator::Find(StepButton(5))->setFocus();
+    Press(Qt::Key_Space);
+    EXPECT_EQ(opened, (std::vector{5, 6}));
+}
