@@ -17,43 +17,58 @@ constexpr int kShareRole = Qt::UserRole;
 constexpr int kRowMargin = 8;
 constexpr double kTextSize = 1.2;  // numbers are read from an arm's length
 
-// Keeps each column at its share of the grid's width.
-class ColumnShares : public QObject
+int Share(const QTableWidget *grid, int column)
+{
+    return grid->horizontalHeaderItem(column)->data(kShareRole).toInt();
+}
+
+void ShareWidth(QTableWidget *grid)
+{
+    int sharesLeft = 0;
+    for (int column = 0; column < grid->columnCount(); ++column)
+        sharesLeft += Share(grid, column);
+    int widthLeft = grid->viewport()->width();
+    for (int column = 0; column < grid->columnCount(); ++column) {
+        const int share = Share(grid, column);
+        const int width = widthLeft * share / sharesLeft;  // of what is left: the last column ends at the edge
+        grid->setColumnWidth(column, width);
+        widthLeft -= width;
+        sharesLeft -= share;
+    }
+}
+
+// The number of the row that the arrow keys stand on takes the highlight while the grid has the focus.
+void PaintNumbers(QTableWidget *grid)
+{
+    const QPalette &palette = grid->palette();
+    for (int row = 0; row < grid->rowCount(); ++row) {
+        const bool at = grid->hasFocus() && row == grid->currentRow();
+        if (QTableWidgetItem *item = grid->item(row, 0)) {
+            item->setBackground(at ? palette.highlight() : palette.button());
+            item->setForeground(at ? palette.highlightedText() : palette.buttonText());
+        }
+    }
+}
+
+class GridKeeper : public QObject
 {
 public:
-    explicit ColumnShares(QTableWidget *grid) : QObject(grid), m_grid(grid)
+    explicit GridKeeper(QTableWidget *grid) : QObject(grid), m_grid(grid)
     {
+        grid->installEventFilter(this);
         grid->viewport()->installEventFilter(this);
     }
 
-    bool eventFilter(QObject *, QEvent *event) override
+    bool eventFilter(QObject *watched, QEvent *event) override
     {
-        if (event->type() == QEvent::Resize)
-            Apply(m_grid);
+        if (watched == m_grid && (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut))
+            PaintNumbers(m_grid);
+        if (watched != m_grid && event->type() == QEvent::Resize)
+            ShareWidth(m_grid);
         return false;
     }
 
-    static void Apply(QTableWidget *grid)
-    {
-        int sharesLeft = 0;
-        for (int column = 0; column < grid->columnCount(); ++column)
-            sharesLeft += Share(grid, column);
-        int widthLeft = grid->viewport()->width();
-        for (int column = 0; column < grid->columnCount(); ++column) {
-            const int share = Share(grid, column);
-            const int width = widthLeft * share / sharesLeft;  // of what is left: the last column ends at the edge
-            grid->setColumnWidth(column, width);
-            widthLeft -= width;
-            sharesLeft -= share;
-        }
-    }
-
 private:
-    static int Share(const QTableWidget *grid, int column)
-    {
-        return grid->horizontalHeaderItem(column)->data(kShareRole).toInt();
-    }
-
     QTableWidget *m_grid;
 };
 
@@ -84,10 +99,10 @@ QTableWidget *Grid(QWidget *parent, const QString &name, std::function<void(int 
     QFont font = grid->font();
     font.setPointSizeF(font.pointSizeF() * kTextSize);
     grid->setFont(font);
-    grid->horizontalHeader()->setFont(parent->font());
-    new ColumnShares(grid);
+    new GridKeeper(grid);
 
     const auto chosen = [choose = std::move(choose)](int row) { RunHandler([&choose, row] { choose(row); }); };
+    QObject::connect(grid, &QTableWidget::currentCellChanged, grid, [grid] { PaintNumbers(grid); });
     QObject::connect(grid, &QTableWidget::cellClicked, grid, chosen);
     QObject::connect(grid, &QTableWidget::cellActivated, grid, chosen);
     return grid;
@@ -103,7 +118,7 @@ void SetGridColumns(QTableWidget *grid, const std::vector<GridColumn> &columns)
         header->setData(kShareRole, wanted.share);
         grid->setHorizontalHeaderItem(column, header);
     }
-    ColumnShares::Apply(grid);
+    ShareWidth(grid);
 }
 
 void ClearGrid(QTableWidget *grid)
@@ -120,8 +135,7 @@ int AddGridRow(QTableWidget *grid, const std::vector<std::string> &texts, int li
         const auto place = static_cast<std::size_t>(column);
         grid->setItem(row, column, CellItem(place < texts.size() ? texts[place] : ""));
     }
-    grid->item(row, 0)->setBackground(grid->palette().button());
-    grid->item(row, 0)->setForeground(grid->palette().buttonText());
+    PaintNumbers(grid);
     grid->scrollToItem(grid->item(row, 0));
     return row;
 }

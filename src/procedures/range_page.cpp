@@ -5,10 +5,9 @@
 #include "links/output_switch.h"
 #include "model/range_tables.h"
 #include "platform/text.h"
-#include "platform/widgets.h"
-#include "procedures/page_grid.h"
 #include "procedures/page_kit.h"
 #include "procedures/range_engine.h"
+#include "procedures/range_view.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -16,141 +15,45 @@
 #include "session/state.h"
 
 #include <QFrame>
-#include <QHBoxLayout>
-#include <QLabel>
 #include <QPushButton>
-#include <QTableWidget>
-#include <QVBoxLayout>
 
 namespace ombrix {
 namespace {
 
 constexpr int kRangePage = 4;
 constexpr int kWatchMs = 300;
-constexpr int kNoRow = -1;
-
-// Columns of the grid. The last one is Error, at 6 or at 7.
-enum Column { Round, Desired, CurrentReading, CurrentCalib, NewCalib, NewReading, Turnover };
-
-const std::vector<GridColumn> kPlainColumns = {{"", 450},
-                                               {"Desired\r\nReading", 1650},
-                                               {"Current\r\nReading", 1650},
-                                               {"Current\r\nCalib", 1210},
-                                               {"New\r\nCalib", 1210},
-                                               {"New\r\nReading", 1650},
-                                               {"Error", 1200}};
-const std::vector<GridColumn> kTurnoverColumns = {{"", 450},
-                                                  {"Desired\r\nReading", 1490},
-                                                  {"Current\r\nReading", 1490},
-                                                  {"Current\r\nCalib", 1000},
-                                                  {"New\r\nCalib", 1000},
-                                                  {"New\r\nReading", 1490},
-                                                  {"Turnover", 1050},
-                                                  {"Error", 1050}};
-
-enum Instruct { kApplyInput = 0, kCanStop = 1, kCanRepeat = 2, kLimited = 3 };
 
 struct RangePage {
-    QFrame *frame = nullptr;
-    QLabel *lblRangeStep = nullptr;
-    QLabel *lblRangeInput = nullptr;
-    QTableWidget *msgCalibGrid = nullptr;
-    QFrame *instruction = nullptr;  // shpInst(0)
-    QFrame *cable = nullptr;        // shpInst(1)
-    QPushButton *cmdReady = nullptr;
-    QPushButton *cmdRepeat = nullptr;
-    QPushButton *cmdAccept = nullptr;
-    QPushButton *cmdStopReset = nullptr;
-
     int Position = -1;
     bool TurnoverStep = false;
     std::string PolarityValue[2];  // for the calibrator
     std::string DesiredText;
-    std::string WordText;   // the word as the page knows it
-    std::string CableText;  // "" unless the step needs another cable than the one before
+    std::string WordText;  // the word now in the meter, as the page knows it
 
+    int Row = -1;                // of the round in work
     int Polarity = 0;            // the input now applied
     std::string ReadingText[2];  // the last reading of each
-    int Row = kNoRow;            // of the round in work
-    int SelectedRow = kNoRow;
-    int ClickedRow = kNoRow;
+
     bool RepeatClicked = false;
     bool AcceptClicked = false;
     bool ResetClicked = false;
     bool GridClicked = false;
+    int ClickedRow = -1;
 };
 RangePage page;
 
-// ---- what the page shows ----
+// ---- one round: each step returns false when the operator has stopped it ----
 
-void SelectGridRow(int row)
+void AddRound()
 {
-    if (row == page.SelectedRow)
-        return;
-    MarkGridRow(page.msgCalibGrid, page.SelectedRow, false);
-    MarkGridRow(page.msgCalibGrid, row, true);
-    page.SelectedRow = row;
+    ClearGridSelection();
+    view.cmdStopReset->setText("Stop");
+    view.cmdStopReset->setFocus();
+    Disable(view.cmdRepeat, view.cmdAccept);
+    ShowRangeInstruction(RangeInstruction::CanStop);
+    page.Row = AddRangeRow(page.DesiredText, page.WordText);
+    SelectGridRow(page.Row);
 }
-
-void ClearGridSelection()
-{
-    SelectGridRow(kNoRow);
-}
-
-// Puts one of the two buttons in the common place, both off.
-void SwapReadyRepeat(bool showRepeat)
-{
-    Disable(page.cmdReady, page.cmdRepeat);
-    page.cmdReady->setVisible(!showRepeat);
-    page.cmdRepeat->setVisible(showRepeat);
-}
-
-void ShowRangeInstruction(Instruct kind)
-{
-    static constexpr const char *kTexts[] = {"Set jumpers and apply input\r\nas shown, then click \"Ready\"",
-                                             "Click \"Stop\" to stop calibrating this range",
-                                             "Click \"Repeat\" to repeat this range",
-                                             "Required correction exceeds allowable range"};
-    ShowInstruction(page.instruction, kTexts[kind], kind == kLimited ? Red() : InfoBackground());
-    ShowInstruction(page.cable, kind == kApplyInput ? page.CableText : "", InfoBackground());
-}
-
-void ResetRangeGrid()
-{
-    ClearGrid(page.msgCalibGrid);
-    page.SelectedRow = kNoRow;
-    SwapReadyRepeat(false);
-    ShowRangeInstruction(kApplyInput);
-    page.cmdStopReset->setText("Stop");
-    Disable(page.cmdAccept, page.cmdStopReset);
-}
-
-void BuildRangeGrid()
-{
-    SetGridColumns(page.msgCalibGrid, page.TurnoverStep ? kTurnoverColumns : kPlainColumns);
-    ResetRangeGrid();
-}
-
-std::string BothReadings()
-{
-    return page.TurnoverStep ? page.ReadingText[0] + "\r\n" + page.ReadingText[1] : page.ReadingText[0];
-}
-
-void ShowNewReadings()
-{
-    SetGridCell(page.msgCalibGrid, page.Row, NewReading, BothReadings());
-}
-
-void ShowTurnoverAndError()
-{
-    if (page.TurnoverStep)
-        SetGridCell(page.msgCalibGrid, page.Row, Turnover, MeanReadingText());
-    SetGridCell(page.msgCalibGrid, page.Row, page.msgCalibGrid->columnCount() - 1, ReadingErrorText());
-}
-
-// ---- one round ----
-
-// Each step of a round returns false when the operator has stopped it.
 
 bool ApplyPolarity()
 {
@@ -174,17 +77,9 @@ bool TurnOver()
     return ReadPolarity();
 }
 
-void AddRound()
+std::string BothReadings()
 {
-    ClearGridSelection();
-    page.cmdStopReset->setText("Stop");
-    page.cmdStopReset->setFocus();
-    Disable(page.cmdRepeat, page.cmdAccept);
-    ShowRangeInstruction(kCanStop);
-    const std::string number = std::to_string(page.msgCalibGrid->rowCount() + 1);
-    page.Row = AddGridRow(page.msgCalibGrid, {number, page.DesiredText, "", page.WordText}, page.TurnoverStep ? 2 : 1);
-    SelectGridRow(page.Row);
-    page.msgCalibGrid->setCurrentCell(page.Row, CurrentReading);
+    return page.TurnoverStep ? page.ReadingText[0] + "\r\n" + page.ReadingText[1] : page.ReadingText[0];
 }
 
 bool TakeFirstReadings()
@@ -194,13 +89,13 @@ bool TakeFirstReadings()
         return false;
     if (!page.TurnoverStep)
         return true;
-    SetGridCell(page.msgCalibGrid, page.Row, CurrentReading, page.ReadingText[0] + "\r\n");
+    SetRangeCell(page.Row, RangeColumn::CurrentReading, page.ReadingText[0] + "\r\n");
     return TurnOver();
 }
 
 void ShowCurrentReadings()
 {
-    SetGridCell(page.msgCalibGrid, page.Row, CurrentReading, BothReadings());
+    SetRangeCell(page.Row, RangeColumn::CurrentReading, BothReadings());
     if (page.TurnoverStep)
         page.ReadingText[0] = page.ReadingText[1] = "";
 }
@@ -208,23 +103,32 @@ void ShowCurrentReadings()
 bool CorrectWord(bool first)
 {
     page.WordText = ComputeCorrectedWord(first);
-    SetGridCell(page.msgCalibGrid, page.Row, NewCalib, page.WordText);
+    SetRangeCell(page.Row, RangeColumn::NewCalib, page.WordText);
     if (step.CorrectionLimited)
-        ShowRangeInstruction(kLimited);
+        ShowRangeInstruction(RangeInstruction::Limited);
     return !Abort;
+}
+
+void ShowNewReadings()
+{
+    SetRangeCell(page.Row, RangeColumn::NewReading, BothReadings());
+    if (page.TurnoverStep)
+        SetRangeCell(page.Row, RangeColumn::Turnover, MeanReadingText());
+    SetRangeCell(page.Row, RangeColumn::Error, ReadingErrorText());
 }
 
 bool TakeNewReadings()
 {
     if (!ReadPolarity())
         return false;
+    if (page.TurnoverStep) {
+        SetRangeCell(page.Row, RangeColumn::NewReading, BothReadings());
+        if (!TurnOver())
+            return false;
+    }
     ShowNewReadings();
-    if (page.TurnoverStep && !TurnOver())
-        return false;
-    ShowNewReadings();
-    ShowTurnoverAndError();
     if (!step.CorrectionLimited)
-        ShowRangeInstruction(kCanRepeat);
+        ShowRangeInstruction(RangeInstruction::CanRepeat);
     return true;
 }
 
@@ -240,15 +144,14 @@ std::string NextLiveReading()
 // Shows the reading as it goes on, until a click or until the meter falls silent.
 void WatchReading()
 {
-    page.cmdStopReset->setText("Reset");
-    Enable(page.cmdRepeat, page.cmdAccept);
-    page.cmdRepeat->setFocus();
+    view.cmdStopReset->setText("Reset");
+    Enable(view.cmdRepeat, view.cmdAccept);
+    view.cmdRepeat->setFocus();
     page.GridClicked = false;
     ArmStop();
     for (std::string text = NextLiveReading(); text != kStop; text = NextLiveReading()) {
         page.ReadingText[page.Polarity] = text;
         ShowNewReadings();
-        ShowTurnoverAndError();
     }
     DisarmStop();
     if (!StopRequested && !Abort)
@@ -271,16 +174,10 @@ void RunRound(bool first)
 
 // ---- the calibration of a range ----
 
-void WaitForReady()
-{
-    ResetRangeGrid();
-    EnableAndFocus(page.cmdReady);
-}
-
 void StartCalibration()
 {
     SwapReadyRepeat(true);
-    EnableAndFocus(page.cmdStopReset);
+    EnableAndFocus(view.cmdStopReset);
     const std::string target = std::to_string(GetTargetCounts());
     page.DesiredText = page.TurnoverStep ? "+" + target + "\r\n-" + target : target;
     Abort = false;
@@ -297,10 +194,16 @@ void RunRounds()
     }
 }
 
+void WaitForReady()
+{
+    ResetRangeGrid();
+    EnableAndFocus(view.cmdReady);
+}
+
 // The operator may have chosen the word of an earlier round.
 void RestoreSelectedWord()
 {
-    const std::string word = GridCell(page.msgCalibGrid, page.SelectedRow, NewCalib);
+    const std::string word = RangeCell(view.SelectedRow, RangeColumn::NewCalib);
     if (word == page.WordText || word.size() != 4 || !IsHexText(word))
         return;
     WriteStepWord(word);
@@ -311,7 +214,7 @@ void FinishRangeAccept()
 {
     RemoveInput();
     RestoreSelectedWord();
-    UpdateNominalSlope(GridCell(page.msgCalibGrid, page.SelectedRow, NewReading));
+    UpdateNominalSlope(RangeCell(view.SelectedRow, RangeColumn::NewReading));
     UpdateNominalWord();
     EnableSteps(true);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.
@@ -332,8 +235,8 @@ void FinishRangeStop()
 
 void FinishRange()
 {
-    DropFocus(page.frame);
-    Disable(page.cmdRepeat, page.cmdAccept, page.cmdStopReset);  // a second Stop would stop the input's removal
+    DropFocus(view.frame);
+    Disable(view.cmdRepeat, view.cmdAccept, view.cmdStopReset);  // a second Stop would stop the input's removal
     if (page.AcceptClicked && !page.ResetClicked && !Abort)
         FinishRangeAccept();
     else
@@ -346,7 +249,7 @@ void CalibrateRange()
     WithExit(RunRounds, FinishRange);
 }
 
-// ---- the operator ----
+// ---- the operator: flags only, the procedure does the work ----
 
 void cmdReady_Click()
 {
@@ -355,24 +258,24 @@ void cmdReady_Click()
 
 void cmdRepeat_Click()
 {
-    DropFocus(page.frame);
-    Disable(page.cmdRepeat, page.cmdAccept);
-    page.cmdStopReset->setText("Stop");
+    DropFocus(view.frame);
+    Disable(view.cmdRepeat, view.cmdAccept);
+    view.cmdStopReset->setText("Stop");
     page.RepeatClicked = true;
     RequestStop();
 }
 
 void cmdAccept_Click()
 {
-    DropFocus(page.frame);
-    Disable(page.cmdAccept, page.cmdRepeat);
+    DropFocus(view.frame);
+    Disable(view.cmdAccept, view.cmdRepeat);
     page.AcceptClicked = true;
     RequestStop();
 }
 
 void cmdStopReset_Click()
 {
-    if (page.cmdStopReset->text() == "Stop") {
+    if (view.cmdStopReset->text() == "Stop") {
         Abort = true;
         return;
     }
@@ -391,80 +294,42 @@ void msgCalibGrid_Click(int row)
     RequestStop();
 }
 
+// ---- the way in ----
+
+void LoadRange()
+{
+    page.Position = CurrentStepButton;
+    LoadStep(page.Position, StepIdAtPosition(page.Position));
+    page.TurnoverStep = GetTurnoverStep();
+    page.PolarityValue[0] = GetCalValue();
+    page.PolarityValue[1] = "-" + GetCalValue();
+    ShowRange(StepName(CurrentStepId), page.PolarityValue[0], page.TurnoverStep ? page.PolarityValue[1] : "");
+}
+
 // Runs inside the navigator's procedure.
 void EnterRangePage()
 {
     EnableSteps(false);
-    Disable(page.cmdReady, page.cmdRepeat, page.cmdAccept, page.cmdStopReset);
-    page.Position = CurrentStepButton;
-    LoadStep(page.Position, StepIdAtPosition(page.Position));
-    page.TurnoverStep = GetTurnoverStep();
+    Disable(view.cmdReady);
+    LoadRange();
     ApplySwitched(GetCalValue());
-    page.PolarityValue[0] = GetCalValue();
-    page.PolarityValue[1] = "-" + GetCalValue();
-    page.lblRangeStep->setText(Caption(StepName(CurrentStepId)));
-    page.lblRangeInput->setText(
-        Caption("Input " + page.PolarityValue[0] + (page.TurnoverStep ? ", " + page.PolarityValue[1] : "")));
     ShowPage(kRangePage);
-    page.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
-    BuildRangeGrid();
+    view.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
+    BuildRangeGrid(page.TurnoverStep);
     ApplyStepToMeter();
     page.WordText = GetStepWordHex();
     EnableSteps(true);
     // Without the word there is nothing to correct; the way back is the step's button.
     if (page.WordText.empty())
-        ShowInstruction(page.instruction, "The meter did not answer:\r\ncheck its line, then click the step again",
-                        Red());
+        ShowRangeFailure("The meter did not answer:\r\ncheck its line, then click the step again");
     else
-        EnableAndFocus(page.cmdReady);
-}
-
-// ---- the page ----
-
-QHBoxLayout *BuildTitle()
-{
-    page.lblRangeStep = Label(page.frame, "lblRangeStep");
-    QFont font = page.lblRangeStep->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    font.setBold(true);
-    page.lblRangeStep->setFont(font);
-    page.lblRangeInput = Label(page.frame, "lblRangeInput");
-    auto *row = new QHBoxLayout;
-    row->addWidget(page.lblRangeStep);
-    row->addStretch();
-    row->addWidget(page.lblRangeInput);
-    return row;
-}
-
-QHBoxLayout *BuildButtons()
-{
-    page.cmdReady = Button(page.frame, "cmdReady", "Ready", cmdReady_Click);
-    page.cmdRepeat = Button(page.frame, "cmdRepeat", "Repeat", cmdRepeat_Click);
-    page.cmdAccept = Button(page.frame, "cmdAccept", "Accept", cmdAccept_Click);
-    page.cmdStopReset = Button(page.frame, "cmdStopReset", "Stop", cmdStopReset_Click);
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {page.cmdReady, page.cmdRepeat, page.cmdAccept, page.cmdStopReset}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->insertStretch(3);
-    return row;
+        EnableAndFocus(view.cmdReady);
 }
 
 void BuildRangePage(QFrame *frame)
 {
     page = RangePage();
-    page.frame = frame;
-    auto *column = new QVBoxLayout(frame);
-    column->addLayout(BuildTitle());
-    page.msgCalibGrid = Grid(frame, "msgCalibGrid", msgCalibGrid_Click);
-    column->addWidget(page.msgCalibGrid, 1);
-    page.cable = Instruction(frame, 1, 2);
-    column->addWidget(page.cable);
-    page.instruction = Instruction(frame, 0, 2);
-    column->addWidget(page.instruction);
-    column->addLayout(BuildButtons());
-    BuildRangeGrid();
+    BuildRangeView(frame, {cmdReady_Click, cmdRepeat_Click, cmdAccept_Click, cmdStopReset_Click, msgCalibGrid_Click});
 }
 
 }  // namespace
