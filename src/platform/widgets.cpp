@@ -117,7 +117,7 @@ void OnDoubleClick(QWidget *widget, Handler handler)
 
 void SetFill(QWidget *widget, const QColor &colour)
 {
-    const QColor dull = Mix(colour, QApplication::palette().color(QPalette::Window), 0.4);
+    const QColor dull = Mix(colour, QApplication::palette().color(QPalette::Window), 0.55);
     QPalette palette = widget->palette();
     for (const auto role : {QPalette::Window, QPalette::Button}) {
         palette.setColor(role, colour);
@@ -125,7 +125,7 @@ void SetFill(QWidget *widget, const QColor &colour)
     }
     for (const auto role : {QPalette::WindowText, QPalette::ButtonText}) {
         palette.setColor(role, TextOn(colour));
-        palette.setColor(QPalette::Disabled, role, Mix(TextOn(dull), dull, 0.5));
+        palette.setColor(QPalette::Disabled, role, Mix(TextOn(colour), dull, 0.6));
     }
     widget->setPalette(palette);
     widget->setAutoFillBackground(!PaintsItsFace(widget));
