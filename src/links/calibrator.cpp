@@ -77,11 +77,21 @@ bool ReachState(const std::string &value, std::string_view mode)
     return false;
 }
 
+// Fields between commas. A line without one answers an OPER? that was given up: the real answer is behind it.
+std::string ReadOutput()
+{
+    const std::string reply = AskCalibrator("OUT?");
+    if (reply.empty() || Holds(reply, ","))
+        return reply;
+    const std::string next = ReadCalibratorLine();
+    return next.empty() ? reply : next;
+}
+
 void ShowReadBack(const std::string &value, bool confirmed)
 {
     const WaitNote note("Calibrator: waiting for reply");
-    const std::string reply = Trim(AskCalibrator("OUT?"));
-    if (reply.empty()) {
+    const std::string reply = ReadOutput();
+    if (reply.find_first_of("0123456789") == std::string::npos) {
         ShowUnansweredOutput(value, confirmed);
         return;
     }

@@ -71,6 +71,7 @@ UutBlock ParseUutBlock(std::string_view buffer)
 
 std::string UutReceive()
 {
+    comCAL.ReadAll();  // an answer that came after its question was given up: it belongs to another frame
     SendCalibratorCommand("UUT_RECV?");
     std::string buffer;
     std::size_t received = 0;

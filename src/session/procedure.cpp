@@ -28,6 +28,13 @@ void RunOne(const std::function<void()> &body)
     body();
 }
 
+// A stop that came too late for the procedure before doesn't reach this one.
+void ForgetStop()
+{
+    ClearStop();
+    Abort = false;
+}
+
 void WaitOutStop()
 {
     while (notBefore && !notBefore->Passed())
@@ -72,13 +79,15 @@ bool RunProcedure(const std::function<void()> &body)
         return false;
     waiting = nullptr;
     notBefore.reset();
-    RunOne(body);
+    RunOne([&body] {
+        ForgetStop();
+        body();
+    });
     while (waiting && !Quitting)
-        RunOne([action = std::exchange(waiting, nullptr)] {
+        RunOne([] {
             WaitOutStop();
-            ClearStop();
-            Abort = false;
-            action();
+            ForgetStop();
+            std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
         });
     return true;
 }
@@ -88,11 +97,7 @@ void RunAfterStop(std::function<void()> action)
     if (Quitting)
         return;
     if (!running) {
-        RunProcedure([&action] {
-            ClearStop();
-            Abort = false;
-            action();
-        });
+        RunProcedure(action);
         return;
     }
     waiting = std::move(action);

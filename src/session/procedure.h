@@ -25,8 +25,8 @@ void RequestStop();
 /// True while a procedure stands on the stack.
 bool ProcedureRunning();
 
-/// Runs `body` as the one procedure; then, in the order they were asked for, what waited for its end. Does nothing
-/// and returns false while one runs or while the program quits.
+/// Runs `body` as the one procedure, with Abort and the stop channel cleared; then the navigation that waits for its
+/// end. Does nothing and returns false while one runs or while the program quits.
 bool RunProcedure(const std::function<void()> &body);
 
 /// Runs `action` as a procedure. At once when none runs; otherwise stops the running one (Abort, and the live loop's

@@ -350,6 +350,36 @@ TEST_F(Calibrator, AReadBackOfBlanksIsEmptyToo)
     EXPECT_EQ(Flag(), Danger::Danger);
 }
 
+TEST_F(Calibrator, AReadBackWithoutANumberIsNoZero)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "1\r\n");
+    for (const std::string garbage : {"?,V", "V", "\xF0\x83", ","}) {
+        calibrator.onWrite = [this, garbage](const std::string &bytes) {
+            if (bytes == "OUT?\n")
+                calibrator.Says(garbage + kCrLf);
+        };
+        SetCalibratorOutput("660 V", "OPER");
+        EXPECT_EQ(panel, "660.0 V") << garbage;
+        EXPECT_EQ(Flag(), Danger::Danger) << "never SAFE over an unknown output";
+    }
+}
+
+TEST_F(Calibrator, TheLateAnswerToAPollIsNoReadBack)
+{
+    calibrator.Answers("ERR?\n", kNoError);
+    calibrator.Answers("OPER?\n", "1\r\n");
+    calibrator.Answers("OUT?\n", "6.6E+02,V,0E+00,0,0.00E+00\r\n", 200);
+    calibrator.onWrite = [this](const std::string &bytes) {
+        if (bytes == "OUT?\n")
+            calibrator.Says("0\r\n", 50);  // to a poll that was given up
+    };
+    SetCalibratorOutput("660 V", "OPER");
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+    EXPECT_EQ(Count("OUT?\n"), 1);
+}
+
 TEST_F(Calibrator, AnUnconfirmedStandbyWithoutReadBackKeepsTheFlag)
 {
     SetDangerFlag(Danger::Danger);

@@ -237,6 +237,32 @@ TEST_F(Uut, EmptyBlocksCountAsSilence)
     EXPECT_EQ(clock.Elapsed(), 7 * 150) << "asked again until a second without data has passed";
 }
 
+TEST_F(Uut, ALateReplyAnswersNoLaterQuestion)
+{
+    calibrator.Answers("UUT_RECV?\n", "#2053201\r\r\n", 1200);
+    calibrator.Answers("UUT_RECV?\n", "#2050001\r\r\n", 20);
+    calibrator.Answers("UUT_RECV?\n", "#2050060\r\r\n", 20);
+    EXPECT_EQ(MeterQuery('X', 109, 1, "Z"), "");
+    EXPECT_EQ(MeterQuery('X', 21, 1, "Z"), "0001");
+    EXPECT_EQ(MeterQuery('X', 16, 1, "Z"), "0060");
+}
+
+TEST_F(Uut, TheReplyOfAStoppedReadAnswersNoLaterQuestion)
+{
+    calibrator.Answers("UUT_RECV?\n", "#20612.34\r\r\n", 300);
+    SendMeterCommand("B1");
+    AbortsAfter(100);
+    calibrator.Says("#", 200);  // ends the chunk, so the rest comes when nobody reads
+    EXPECT_EQ(ReadMeterLine(), "");
+    EXPECT_EQ(clock.Elapsed(), 200);
+    Abort = false;
+    calibrator.onWrite = [this](const std::string &bytes) {
+        if (bytes == "UUT_RECV?\n")
+            calibrator.Says("#2053201\r\r\n");
+    };
+    EXPECT_EQ(MeterQuery('X', 109, 1, "Z"), "3201");
+}
+
 TEST_F(Uut, DataRestartTheSilence)
 {
     for (int i = 0; i < 6; ++i)

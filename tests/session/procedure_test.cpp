@@ -126,6 +126,31 @@ TEST_F(Procedures, TheLastOfSeveralNavigationsCounts)
     EXPECT_EQ(order, "loop loop-ended second");
 }
 
+TEST_F(Procedures, ANavigationDuringTheWaitOfAnotherTakesItsPlace)
+{
+    CallAfter(100, [&] { RunAfterStop([&] { order += "first"; }); });
+    CallAfter(800, [&] { RunAfterStop([&] { order += "second"; }); });
+    RunProcedure([&] { LiveLoop("loop"); });
+    EXPECT_EQ(order, "loop loop-ended second");
+    EXPECT_EQ(clock.Elapsed(), 1100) << "the stopped loop's 1000 ms, once";
+    EXPECT_FALSE(Abort);
+}
+
+TEST_F(Procedures, ALeftOverStopDoesNotReachTheNextProcedure)
+{
+    RunProcedure([] {
+        ArmStop();
+        StopRequested = Abort = true;  // and nobody clears them
+    });
+    RunProcedure([&] {
+        EXPECT_FALSE(Abort);
+        EXPECT_FALSE(StopArmed);
+        EXPECT_FALSE(StopRequested);
+        order += "ran";
+    });
+    EXPECT_EQ(order, "ran");
+}
+
 TEST_F(Procedures, WhatNavigationStartsMayNavigateItself)
 {
     RunAfterStop([&] {
