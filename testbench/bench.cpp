@@ -1,13 +1,237 @@
 #include "testbench/bench.h"
 
-namespace ombrix::bench
-{
+#include <cmath>
+#include <limits>
 
-struct Bench::Parts {
-};
+#include "testbench/bench_parts.h"
 
-Bench::Bench(const BenchSetup &) : m_parts(std::make_unique<Parts>()) {}
+namespace ombrix::bench {
+
+Bench::Bench(const BenchSetup &setup) : m_parts(std::make_unique<Parts>(setup)) {}
 
 Bench::~Bench() = default;
 
-} // namespace ombrix::bench
+void Bench::Receive(Line line, std::string_view bytes, Micros now)
+{
+    m_parts->Advance(now);
+    if (!PortGone(line))
+        m_parts->In(line).Put(bytes, now);
+}
+
+std::string Bench::Collect(Line line, Micros now)
+{
+    m_parts->Advance(now);
+    return m_parts->Out(line).Take(now);
+}
+
+std::optional<Micros> Bench::NextDue(Micros now)
+{
+    m_parts->Advance(now);
+    return m_parts->NextDue();
+}
+
+bool Bench::PortGone(Line line) const
+{
+    return m_parts->faults.IsPortGone(line);
+}
+
+std::vector<std::string> Bench::FaultNames()
+{
+    return Faults::Names();
+}
+
+bool Bench::SwitchFault(const std::string &name, bool on)
+{
+    const auto fault = Faults::Named(name);
+    if (fault)
+        m_parts->SwitchFault(*fault, on);
+    return fault.has_value();
+}
+
+bool Bench::FaultIsOn(const std::string &name) const
+{
+    const auto fault = Faults::Named(name);
+    return fault && m_parts->faults.IsOn(*fault);
+}
+
+bool Bench::FaultAtExchange(const std::string &name, int exchange, bool lasting)
+{
+    const auto fault = Faults::Named(name);
+    if (fault)
+        m_parts->faults.At(*fault, exchange, lasting);
+    return fault.has_value();
+}
+
+int Bench::Exchanges() const
+{
+    return m_parts->exchanges;
+}
+
+bool Bench::Apply(const std::string &value, Micros now)
+{
+    m_parts->Advance(now);
+    return m_parts->ApplyByHand(value, now);
+}
+
+void Bench::Remove(Micros now)
+{
+    m_parts->Advance(now);
+    m_parts->byHand.reset();
+    m_parts->SignalChanged(now);
+}
+
+void Bench::SwapLeads(bool swapped, Micros now)
+{
+    m_parts->Advance(now);
+    m_parts->leadsSwapped = swapped;
+    m_parts->SignalChanged(now);
+}
+
+void Bench::InstallDcJumper(bool installed, Micros now)
+{
+    m_parts->Advance(now);
+    m_parts->meter.Board().dcJumper = installed;
+    m_parts->meter.BoardChanged(now);
+}
+
+bool Bench::Trim(const std::string &name, double counts, Micros now)
+{
+    constexpr double kCountsPerVolt = 400'000;  // of the 200 mV range as it is read
+    constexpr double kFullCounts = 80'000;
+    m_parts->Advance(now);
+    Unit &unit = m_parts->meter.Board().unit;
+    if (name == "R9" || name == "R10")
+        unit.balanceVolts += counts / kCountsPerVolt;
+    else if (name == "R12" || name == "R13/R14")
+        unit.negativeGain += counts / kFullCounts;
+    else if (name == "R38")
+        unit.highFrequency += counts / kFullCounts;
+    else
+        return false;
+    m_parts->meter.BoardChanged(now);
+    return true;
+}
+
+void Bench::SetRatioReading(double counts)
+{
+    m_parts->meter.Board().ratioReading = counts;
+}
+
+void Bench::SetWord(int word, std::uint16_t value)
+{
+    m_parts->meter.SetWord(word, value);
+}
+
+void Bench::UseBlockForm(BlockForm form)
+{
+    m_parts->uutPort.UseForm(form);
+}
+
+std::vector<std::string> Bench::ProtocolErrors() const
+{
+    return m_parts->protocolErrors;
+}
+
+std::vector<RangeTruth> Bench::Truths() const
+{
+    return TruthsOf(m_parts->meter.Board(), m_parts->meter.Nvm());
+}
+
+RangeTruth Bench::TruthOf(int position) const
+{
+    for (const RangeTruth &truth : Truths())
+        if (truth.position == position)
+            return truth;
+    return {};
+}
+
+RangeTruth Bench::TruthOf(const std::string &title) const
+{
+    const auto truths = Truths();
+    for (const RangeTruth &truth : truths)
+        if (truth.title == title)
+            return truth;
+    for (const RangeTruth &truth : truths)
+        if (truth.title.starts_with(title))
+            return truth;
+    return {};
+}
+
+double Bench::ErrorOf(const RangeTruth &truth)
+{
+    return truth.title.empty() ? std::numeric_limits<double>::quiet_NaN() : truth.error;
+}
+
+std::vector<RangeTruth> Bench::AnalogTruths(int currentPoint) const
+{
+    const Meter &meter = m_parts->meter;
+    return bench::AnalogTruths(meter.Board(), meter.Nvm(), meter.IsCounter(), currentPoint);
+}
+
+AnalogReading Bench::AnalogOut(int connector) const
+{
+    const Meter &meter = m_parts->meter;
+    return AnalogOutput(meter.Board(), meter.Active(), meter.Ram(), meter.IsCounter(), connector);
+}
+
+double Bench::DisplayCounts(Micros now) const
+{
+    return m_parts->meter.DisplayAt(now);
+}
+
+std::string Bench::DisplayTextAt(Micros now) const
+{
+    return m_parts->meter.DisplayTextAt(now);
+}
+
+Signal Bench::Terminals() const
+{
+    return m_parts->Terminals();
+}
+
+int Bench::RangeCode() const
+{
+    return m_parts->meter.RangeCode();
+}
+
+int Bench::Restarts() const
+{
+    return m_parts->meter.Restarts();
+}
+
+Words Bench::Nvm() const
+{
+    return m_parts->meter.Nvm();
+}
+
+std::array<std::uint8_t, 256> Bench::Ram() const
+{
+    return m_parts->meter.Ram();
+}
+
+char Bench::SwitchPosition() const
+{
+    return m_parts->SwitchPosition();
+}
+
+CalibratorState Bench::CalibratorNow() const
+{
+    return m_parts->calibrator.State();
+}
+
+std::vector<OutputEvent> Bench::OutputHistory() const
+{
+    return m_parts->calibrator.History();
+}
+
+const std::vector<TranscriptLine> &Bench::Transcript() const
+{
+    return m_parts->transcript;
+}
+
+std::string Bench::LastWords(std::size_t lines) const
+{
+    return TranscriptText(m_parts->transcript, lines);
+}
+
+}  // namespace ombrix::bench

@@ -1,0 +1,192 @@
+#include "testbench/meter.h"
+
+#include <algorithm>
+
+#include "platform/text.h"
+#include "testbench/boards.h"
+
+namespace ombrix::bench {
+namespace {
+
+constexpr std::uint32_t kNoiseStream = 0x51ED270Bu;
+constexpr int kRangeWord = 16;
+constexpr int kCounterRangeWord = 28;
+constexpr int kScaleWord = 3;
+constexpr int kDecimalsWord = 20;
+constexpr int kCounterDecimalsWord = 40;
+constexpr const char *kSignOfLife = "RDY\r";
+
+// Byte of working memory that holds the high byte of a word; the low byte stands below it.
+constexpr int RamPlace(int word, bool counter)
+{
+    return 2 * word + (counter ? -10 : 14);
+}
+constexpr int kFirstCopiedWord = 5;
+constexpr int kLastCopiedWord = 56;
+
+}  // namespace
+
+Meter::Meter(const Hardware &hardware, int kind, const Words &memory, unsigned seed)
+    : m_hardware(hardware), m_kind(kind), m_nvm(memory), m_active(memory), m_dice(seed + kNoiseStream)
+{
+    TakeMemory();
+    m_display.Jump(SettledCounts(), 0);
+}
+
+std::optional<std::string> Meter::Execute(const MeterCommand &command, Micros now)
+{
+    switch (command.letter) {
+    case 'X': {
+        const std::string words = ReadWords(command);
+        if (!command.goOn)
+            Restart(now + kMeterThinksMicros + static_cast<Micros>(words.size()) * kByteMicros);
+        return words;
+    }
+    case 'W':
+        WriteWords(command);
+        if (!command.goOn)
+            Restart(now);
+        return std::nullopt;
+    case 'G':
+        return ReadBytes(command);
+    case 'F':
+        WriteBytes(command);
+        return std::nullopt;
+    case 'B':
+        return ReadDisplay(now);
+    case 'C':
+        if (command.variant == 'Z')
+            m_display.Jump(SettledCounts(), now);  // the filter starts anew
+        else
+            m_nextRecord.reset();
+        return std::nullopt;
+    case 'V':
+        m_stream.Start();
+        m_nextRecord = now + kRecordMicros;
+        return std::nullopt;
+    default:
+        return std::nullopt;
+    }
+}
+
+std::string Meter::ReadWords(const MeterCommand &command) const
+{
+    std::string text;
+    for (int i = 0; i < command.count; ++i)
+        text += HexText(m_nvm[static_cast<std::size_t>(command.address - i)], 4);
+    return text + "\r";
+}
+
+void Meter::WriteWords(const MeterCommand &command)
+{
+    for (int i = 0; i < command.count; ++i) {
+        const std::string_view hex = std::string_view(command.data).substr(static_cast<std::size_t>(i) * 4, 4);
+        m_nvm[static_cast<std::size_t>(command.address - i)] = static_cast<std::uint16_t>(HexValue(hex));
+    }
+}
+
+std::string Meter::ReadBytes(const MeterCommand &command) const
+{
+    std::string text;
+    for (int i = 0; i < command.count; ++i)
+        text += HexText(m_ram[static_cast<std::size_t>(command.address - i)], 2);
+    return text + "\r";
+}
+
+void Meter::WriteBytes(const MeterCommand &command)
+{
+    for (int i = 0; i < command.count; ++i) {
+        const std::string_view hex = std::string_view(command.data).substr(static_cast<std::size_t>(i) * 2, 2);
+        m_ram[static_cast<std::size_t>(command.address - i)] = static_cast<std::uint8_t>(HexValue(hex));
+    }
+}
+
+std::string Meter::ReadDisplay(Micros now)
+{
+    ++m_reads;
+    double counts = m_display.At(now) + DisplayNoise(m_dice);
+    if (m_wanders)
+        counts += m_reads * 5 % 17 - 8;  // no three alike, up and down by several counts
+    return DisplayText(counts, Decimals()) + "\r";
+}
+
+std::string Meter::DisplayTextAt(Micros now) const
+{
+    return DisplayText(m_display.At(now), Decimals());
+}
+
+void Meter::SetInput(const Signal &signal, Micros now)
+{
+    if (signal == m_input)
+        return;
+    m_input = signal;
+    m_display.Aim(SettledCounts(), now);
+}
+
+void Meter::BoardChanged(Micros now)
+{
+    m_display.Aim(SettledCounts(), now);
+}
+
+void Meter::Restart(Micros from)
+{
+    ++m_restarts;
+    m_restarting = true;
+    m_nextRecord.reset();
+    m_deafUntil = from + (IsCounter() ? kCounterRestartMicros : kRestartMicros);
+}
+
+void Meter::TakeMemory()
+{
+    m_active = m_nvm;
+    m_ram.fill(0);
+    for (int word = kFirstCopiedWord; word <= kLastCopiedWord; ++word) {
+        const int place = RamPlace(word, IsCounter());
+        if (place < 1)
+            continue;
+        m_ram[static_cast<std::size_t>(place)] = static_cast<std::uint8_t>(m_active[word] >> 8);
+        m_ram[static_cast<std::size_t>(place) - 1] = static_cast<std::uint8_t>(m_active[word]);
+    }
+}
+
+std::optional<Micros> Meter::NextDue() const
+{
+    if (m_restarting)
+        return m_deafUntil;
+    return m_nextRecord;
+}
+
+std::string Meter::Run(Micros now)
+{
+    if (m_restarting && now >= m_deafUntil) {
+        m_restarting = false;
+        TakeMemory();
+        m_display.Jump(SettledCounts(), now);
+        return IsCounter() ? kSignOfLife : "";
+    }
+    if (!m_nextRecord || now < *m_nextRecord)
+        return "";
+    *m_nextRecord += kRecordMicros;
+    return m_stream.Next(m_hardware.board, m_hardware.unit, m_input, m_dice);
+}
+
+double Meter::SettledCounts() const
+{
+    const double scale = IsCounter() ? 1 : m_active[kScaleWord];
+    const double counts = NaturalCounts(m_hardware, m_active, RangeCode(), m_input);
+    return scale == 0 ? 0 : counts * scale;
+}
+
+int Meter::CodeIn(const Words &words) const
+{
+    return words[IsCounter() ? kCounterRangeWord : kRangeWord] & 0xFF;
+}
+
+// The word counts from 1, which is none.
+int Meter::Decimals() const
+{
+    const int place = m_active[IsCounter() ? kCounterDecimalsWord : kDecimalsWord] & 0xFF;
+    return std::clamp(place - 1, 0, 5);
+}
+
+}  // namespace ombrix::bench
