@@ -136,7 +136,7 @@ int AddGridRow(QTableWidget *grid, const std::vector<std::string> &texts, int li
         grid->setItem(row, column, CellItem(place < texts.size() ? texts[place] : ""));
     }
     PaintNumbers(grid);
-    grid->scrollToItem(grid->item(row, 0));
+    grid->scrollToBottom();
     return row;
 }
 

@@ -97,7 +97,7 @@ std::string TakeReadingOrStop(int index)
 std::string ReadDisplayOrStop()
 {
     while (!StopWanted()) {
-        const std::string text = ReadDisplayRaw();
+        std::string text = ReadDisplayRaw();
         if (Holds(text, "."))
             return text;
     }

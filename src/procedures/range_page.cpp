@@ -17,6 +17,9 @@
 #include <QFrame>
 #include <QPushButton>
 
+#include <array>
+#include <string>
+
 namespace ombrix {
 namespace {
 
@@ -26,13 +29,13 @@ constexpr int kWatchMs = 300;
 struct RangePage {
     int Position = -1;
     bool TurnoverStep = false;
-    std::string PolarityValue[2];  // for the calibrator
+    std::array<std::string, 2> PolarityValue;  // for the calibrator
     std::string DesiredText;
     std::string WordText;  // the word now in the meter, as the page knows it
 
-    int Row = -1;                // of the round in work
-    int Polarity = 0;            // the input now applied
-    std::string ReadingText[2];  // the last reading of each
+    int Row = -1;                            // of the round in work
+    int Polarity = 0;                        // the input now applied
+    std::array<std::string, 2> ReadingText;  // the last reading of each
 
     bool RepeatClicked = false;
     bool AcceptClicked = false;
@@ -42,7 +45,7 @@ struct RangePage {
 };
 RangePage page;
 
-// ---- one round: each step returns false when the operator has stopped it ----
+// ---- one round: what takes a reading returns false when the operator has stopped it ----
 
 void AddRound()
 {
@@ -57,8 +60,7 @@ void AddRound()
 
 bool ApplyPolarity()
 {
-    if (!Abort)
-        ApplyInputValue(page.PolarityValue[page.Polarity]);
+    ApplyInputValue(page.PolarityValue[page.Polarity]);
     return !Abort;
 }
 
@@ -100,13 +102,12 @@ void ShowCurrentReadings()
         page.ReadingText[0] = page.ReadingText[1] = "";
 }
 
-bool CorrectWord(bool first)
+void CorrectWord(bool first)
 {
     page.WordText = ComputeCorrectedWord(first);
     SetRangeCell(page.Row, RangeColumn::NewCalib, page.WordText);
     if (step.CorrectionLimited)
         ShowRangeInstruction(RangeInstruction::Limited);
-    return !Abort;
 }
 
 void ShowNewReadings()
@@ -166,7 +167,8 @@ void RunRound(bool first)
     if (first && !TakeFirstReadings())
         return;
     ShowCurrentReadings();
-    if (!CorrectWord(first) || !TakeNewReadings())
+    CorrectWord(first);
+    if (!TakeNewReadings())
         return;
     WatchReading();
     WaitForOperator([] { return page.RepeatClicked || page.AcceptClicked || page.ResetClicked; });

@@ -79,6 +79,14 @@ TEST_F(PageGrid, SharesItsWidthAmongItsColumns)
     EXPECT_NEAR(header->sectionSize(0), grid->viewport()->width() / 6, 1);
 }
 
+TEST_F(PageGrid, ScrollsToARowThatIsAdded)
+{
+    for (int row = 0; row < 40; ++row)
+        AddGridRow(grid, {std::to_string(row + 1)}, 1);
+    EXPECT_TRUE(grid->viewport()->rect().contains(grid->visualItemRect(grid->item(39, 1))));
+    EXPECT_FALSE(grid->viewport()->rect().intersects(grid->visualItemRect(grid->item(0, 1))));
+}
+
 TEST_F(PageGrid, LosesItsRowsWithNewColumns)
 {
     AddGridRow(grid, {"1", "a"}, 1);

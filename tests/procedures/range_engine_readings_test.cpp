@@ -70,6 +70,18 @@ TEST_F(Display, SettlesNoMoreAfterAStop)
     EXPECT_EQ(ReadsTaken(), 3U);
 }
 
+TEST_F(Display, OfTheMomentOfAStopIsNoReading)
+{
+    Meter().onWrite = [this](const std::string &) {
+        CallAfter(5, [this] {
+            Meter().Says("500.\r");
+            Abort = ReadsTaken() == 3;
+        });
+    };
+    EXPECT_EQ(ReadSettledReading(), "");
+    EXPECT_EQ(ReadsTaken(), 3U);
+}
+
 TEST_F(Display, OfASilentMeterIsWaitedForUntilAStop)
 {
     CallAfter(60'000, [] { Abort = true; });

@@ -26,11 +26,15 @@ protected:
     std::unique_ptr<Station> station;
     ScriptedOperator *person = nullptr;
 
-    void SetUp() override
+    void SetUp() override { OpensStation(); }
+
+    /// A station whose simulated readings are the same in each run.
+    void OpensStation()
     {
         RegisterRangePage();
         station = std::make_unique<Station>();
         person = &station->person;
+        SeedMeterSimulator(1);
     }
 
     void TearDown() override { station.reset(); }

@@ -74,6 +74,18 @@ TEST_F(SimulatedRange, RunningOffersStopAlone)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(SimulatedRange, RepeatRunsLikeReady)
+{
+    Calibrates(4).Clicks("cmdRepeat").WaitsUntil("round 2 begins", [] { return Rows() == 2; }).Does([] {
+        EXPECT_EQ(Text("lblInst(0)"), "Click \"Stop\" to stop calibrating this range");
+        EXPECT_FALSE(IsEnabled("cmdRepeat"));
+        EXPECT_FALSE(IsEnabled("cmdAccept"));
+        EXPECT_TRUE(HasFocus("cmdStopReset"));
+        EXPECT_EQ(Text("cmdStopReset"), "Stop");
+    });
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(SimulatedRange, WatchingOffersRepeatAcceptAndReset)
 {
     Calibrates(4).Does([] {
@@ -356,6 +368,16 @@ TEST_F(SimulatedRange, EscapeStopsLikeStop)
     EXPECT_TRUE(IsEnabled("cmdSetup"));
 }
 
+TEST_F(SimulatedRange, EscapeStopsFromTheGridToo)
+{
+    Calibrates(4)
+        .Presses(Qt::Key_Backtab)
+        .Does([] { EXPECT_TRUE(HasFocus("msgCalibGrid")); })
+        .Presses(Qt::Key_Escape)
+        .WaitsFor("cmdReady");
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(SimulatedRange, FaultInTheMiddleGivesThePageBack)
 {
     Establishes();
@@ -588,6 +610,12 @@ TEST_F(SimulatedRange, SecondEnterOnAcceptPressesNothingElse)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(SimulatedRange, SecondEnterOnRepeatPressesNothingElse)
+{
+    Calibrates(4).Presses(Qt::Key_Return).Presses(Qt::Key_Return).WaitsUntil("round 2 is watched", Watches(2));
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(SimulatedRange, QuitInTheMiddleEndsEverything)
 {
     Establishes();
@@ -603,8 +631,7 @@ TEST_F(SimulatedRange, OfARebuiltWindowKnowsNothingOfTheOldOne)
     Calibrates(4).Clicks("cmdRepeat").WaitsUntil("round 2 is watched", Watches(2));
     ASSERT_TRUE(person->Runs());  // ends in the middle
     station.reset();
-    station = std::make_unique<Station>();
-    person = &station->person;
+    OpensStation();
     EXPECT_EQ(Rows(), 0);
     EXPECT_EQ(Text("cmdStopReset"), "Stop");
     Calibrates(5).Does([] {

@@ -74,6 +74,15 @@ TEST_F(WiredRange, ShowsTheFirstPolarityWhileTheSecondIsTaken)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(WiredRange, ShowsTheFirstNewReadingWhileTheSecondIsTaken)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("one new reading is there", [] { return Cell(0, 5) == "\n-80000"; })
+        .WaitsUntil("both are there", [] { return Cell(0, 5) == "+80000\n-80000"; });
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(WiredRange, LiveReadingFollowsTheMeter)
 {
     Calibrates()
@@ -144,7 +153,45 @@ TEST_F(WiredRange, ReversedLeadsGiveTheHighestWordInRed)
     EXPECT_TRUE(person->Runs());
 }
 
-// ---- two clicks in the same second ----
+// ---- clicks ----
+
+TEST_F(WiredRange, RepeatTurnsBothButtonsOffAndResetIntoStopAtOnce)
+{
+    Calibrates().Clicks("cmdRepeat").Does([] {
+        EXPECT_EQ(Rows(), 1) << "the round has not begun";
+        EXPECT_FALSE(IsEnabled("cmdRepeat"));
+        EXPECT_FALSE(IsEnabled("cmdAccept"));
+        EXPECT_EQ(Text("cmdStopReset"), "Stop");
+        EXPECT_TRUE(StopRequested);
+    });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, AcceptTurnsBothButtonsOffAtOnce)
+{
+    Calibrates().Clicks("cmdAccept").Does([this] {
+        EXPECT_TRUE(bench->operating) << "the acceptance has not begun";
+        EXPECT_FALSE(IsEnabled("cmdRepeat"));
+        EXPECT_FALSE(IsEnabled("cmdAccept"));
+        EXPECT_EQ(Text("cmdStopReset"), "Reset");
+        EXPECT_TRUE(StopRequested);
+    });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, ResetEndsTheLiveReadingAndThenRemovesTheInput)
+{
+    Calibrates()
+        .Clicks("cmdStopReset")
+        .Does([this] {
+            EXPECT_TRUE(bench->operating);
+            EXPECT_TRUE(StopRequested);
+        })
+        .WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_FALSE(bench->operating);
+    EXPECT_EQ(bench->words[32], 0x8A01);
+}
 
 TEST_F(WiredRange, StopInsideTheSecondOfRepeatResets)
 {
@@ -205,6 +252,19 @@ TEST_F(WiredRange, AfterAStopNoFurtherInputIsApplied)
     EXPECT_EQ(bench->log.back(), "cal OUT?");
 }
 
+TEST_F(WiredRange, AfterAStopTheMeterIsAskedNothingMore)
+{
+    Opens()
+        .Clicks("cmdReady")
+        .WaitsUntil("the input is turned over", [this] { return bench->output == "-2 V"; })
+        .Does([this] { bench->log.clear(); })
+        .Clicks("cmdStopReset")
+        .WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(bench->log, Not(Contains(testing::StartsWith("meter"))));
+    EXPECT_FALSE(bench->operating);
+}
+
 // ---- silence ----
 
 TEST_F(WiredRange, WithoutTheWordOfTheMeterReadyStaysOff)
@@ -247,6 +307,16 @@ TEST_F(WiredRange, SilenceInARoundIsWaitedOutUntilStop)
     EXPECT_EQ(bench->words[32], 0x8948);
     EXPECT_FALSE(bench->operating);
     EXPECT_FALSE(SlopesDirty);
+}
+
+TEST_F(WiredRange, SilenceOnAPlainStepIsNoReadingEither)
+{
+    bench->displaySilent = true;
+    person->Clicks(StepButton(2)).WaitsFor("cmdReady").Does([this] { bench->words[26] = 0x1234; });
+    person->Clicks("cmdReady").Waits(60'000).Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(bench->words[26], 0x1234);
+    EXPECT_THAT(bench->log, Not(Contains(testing::StartsWith("meter 1W11A"))));
 }
 
 TEST_F(WiredRange, GarbageOnTheDisplayIsReadAgain)
