@@ -1,0 +1,162 @@
+#include "tour/tour.h"
+
+#include "model/range_tables.h"
+#include "platform/clock.h"
+#include "platform/text.h"
+#include "session/state.h"
+#include "shell/station.h"
+#include "support/scripted_operator.h"
+#include "support/bench_station.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
+
+#include <cstdio>
+#include <string>
+
+namespace ombrix::tour {
+namespace {
+
+using test::BenchStation;
+using test::ScriptedOperator;
+using test::StepButton;
+
+constexpr unsigned kSeed = 7;
+constexpr int kStartMs = 5000;
+
+struct RangeRun {
+    bool good = false;
+    std::int64_t micros = 0;  // from the click on the range's button to the free step buttons behind Accept
+    std::string before;
+    std::string after;
+    std::string error;
+};
+
+// The first step of the board that trims a gain.
+int GainPosition()
+{
+    for (int position = 0; position < kPositions; ++position)
+        if (NvmWordAtPosition(position) > 0 && NvmWordAtPosition(position) != 26 && CalValueAtPosition(position) != "0 V")
+            return position;
+    return -1;
+}
+
+std::string LastCell(int column)
+{
+    std::string text = ScriptedOperator::Cell("msgCalibGrid", ScriptedOperator::Rows("msgCalibGrid") - 1, column);
+    for (char &c : text)
+        c = c == '\n' ? '/' : c;
+    return text;
+}
+
+// One round of the board's first gain step, whichever clock is in force.
+RangeRun CalibrateOneRange(ScriptedOperator &person)
+{
+    RangeRun run;
+    const int position = GainPosition();
+    std::int64_t start = 0;
+    person.Does([&] { start = NowMicros(); })
+        .Clicks(StepButton(position))
+        .WaitsFor("cmdReady")
+        .Clicks("cmdReady")
+        .WaitsFor("cmdRepeat")
+        .Does([&] {
+            run.before = LastCell(2);
+            run.after = LastCell(5);
+            run.error = LastCell(CalValueAtPosition(position) == "0 V" || CalibTab == kTabAc || SCType == kRtd ? 6 : 7);
+        })
+        .Clicks("cmdAccept")
+        .WaitsUntil("the range is left", [] { return ScriptedOperator::IsEnabled("cmdSetup"); })
+        .Does([&] { run.micros = NowMicros() - start; });
+    run.good = person.Runs();
+    return run;
+}
+
+// The testbench as its own program, wired to a station folder.
+class BenchProgram
+{
+public:
+    BenchProgram(const QString &folder, const QString &board)
+    {
+        const QString program = QCoreApplication::applicationDirPath() + "/ombrix-testbench";
+        m_process.setProcessChannelMode(QProcess::MergedChannels);
+        m_process.start(program, {"--station", folder, "--board", board, "--seed", QString::number(kSeed)});
+    }
+    ~BenchProgram()
+    {
+        m_process.terminate();
+        m_process.waitForFinished(2000);
+    }
+    bool Stands(const QString &folder)
+    {
+        const Deadline limit(kStartMs);
+        while (!QFile::exists(folder + "/Ombrix.ini") && !limit.Passed())
+            PumpEvents(20);
+        return m_process.state() == QProcess::Running && QFile::exists(folder + "/Ombrix.ini");
+    }
+
+private:
+    QProcess m_process;
+};
+
+RangeRun RunInRealTime(const Options &options)
+{
+    const test::WorkFolder folder;
+    RangeRun run;
+    BenchProgram bench(QDir::currentPath(), options.board);
+    if (!bench.Stands(QDir::currentPath())) {
+        std::printf("ombrix-testbench doesn't start\n");
+        return run;
+    }
+    test::OpenWholeStation();
+    {
+        ScriptedOperator person;
+        person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
+            return Established && ScriptedOperator::IsEnabled("cmdSetup");
+        });
+        if (person.Runs()) {
+            std::printf("%s\n", ScriptedOperator::Text("lblStatus").c_str());
+            std::fflush(stdout);
+            run = CalibrateOneRange(person);
+        }
+        if (!run.good)
+            std::printf("%s\n", person.Trouble().c_str());
+    }
+    CloseStation();
+    return run;
+}
+
+// The same on virtual time: what is left are the waits, the bytes and the instruments.
+RangeRun RunOnVirtualTime(const Options &options)
+{
+    test::Wiring wiring;
+    wiring.bench.board = BoardIndex(options.board.toStdString());
+    wiring.bench.seed = kSeed;
+    BenchStation station(wiring);
+    return station.Establishes() ? CalibrateOneRange(station.person) : RangeRun{};
+}
+
+}  // namespace
+
+bool RunBench(const Options &options)
+{
+    const int board = BoardIndex(options.board.toStdString());
+    if (board < 0 || board == kVf || board == kAn) {
+        std::printf("No such board on the bench: %s\n", qPrintable(options.board));
+        return false;
+    }
+    std::printf("One range of a %s meter on pseudo-terminals, in real time\n", qPrintable(options.board));
+    std::fflush(stdout);
+    const RangeRun real = RunInRealTime(options);
+    const RangeRun floor = RunOnVirtualTime(options);
+    if (!real.good || !floor.good)
+        return false;
+    std::printf("counts before %s, after %s, error %s\n", real.before.c_str(), real.after.c_str(), real.error.c_str());
+    std::printf("%.3f s, floor of waits, bytes and instruments %.3f s: %.4f times the floor\n",
+                static_cast<double>(real.micros) / 1e6, static_cast<double>(floor.micros) / 1e6,
+                static_cast<double>(real.micros) / static_cast<double>(floor.micros));
+    return true;
+}
+
+}  // namespace ombrix::tour

@@ -1,0 +1,38 @@
+// The tour: a scripted operator takes a meter through the station in the real window, off screen.
+//
+// Without options it works in the built-in simulator: Establish and every range of a DC meter, each grid row printed
+// as it appears, pictures of each page. With --bench it calibrates one range of an emulated meter on pseudo-terminals,
+// in hardware mode with its real waits.
+
+#include "tour/tour.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+
+#include <cstdio>
+
+int main(int argc, char **argv)
+{
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication application(argc, argv);
+    QApplication::setStyle("Fusion");
+
+    QCommandLineParser parser;
+    parser.setApplicationDescription("Takes a meter through the station without a person.");
+    parser.addHelpOption();
+    parser.addOption({"pictures", "Leave a picture of each page in <folder>.", "folder"});
+    parser.addOption({"bench", "One range in real time against the testbench beside this program."});
+    parser.addOption({"theme", "light or dark.", "theme", "light"});
+    parser.addPositionalArgument("board", "With --bench: DC, AC, AC2, AC3, LC, TC, Temp or RTD.", "[board]");
+    parser.process(application);
+
+    const QStringList boards = parser.positionalArguments();
+    const ombrix::tour::Options options{
+        .pictures = parser.value("pictures"),
+        .board = boards.isEmpty() ? "DC" : boards.first(),
+        .theme = parser.value("theme"),
+    };
+    const bool good = parser.isSet("bench") ? ombrix::tour::RunBench(options) : ombrix::tour::RunSimulation(options);
+    std::puts(good ? "The tour ended well." : "The tour FAILED.");
+    return good ? 0 : 1;
+}

@@ -1,0 +1,163 @@
+#include "tour/tour.h"
+
+#include "links/meter_simulator.h"
+#include "model/range_tables.h"
+#include "platform/safe_file.h"
+#include "platform/text.h"
+#include "session/state.h"
+#include "shell/station.h"
+#include "support/scripted_operator.h"
+#include "support/station.h"
+
+#include <QDir>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <string>
+#include <vector>
+
+namespace ombrix::tour {
+namespace {
+
+using test::ScriptedOperator;
+
+constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
+constexpr int kRounds = 2;  // Ready and one Repeat: the simulator's noise falls with each correction
+
+struct RangeResult {
+    std::string title;
+    int rows = 0;
+    double error = 0;  // counts between the last reading and its target
+    double noise = 0;  // what the simulator may scatter at that moment
+    bool accepted = false;
+};
+
+std::string OneLine(std::string text)
+{
+    std::replace(text.begin(), text.end(), '\n', '/');
+    return text;
+}
+
+void PrintRow(int row, int columns)
+{
+    std::string line = "   ";
+    for (int column = 0; column < columns; ++column)
+        line += " " + OneLine(ScriptedOperator::Cell("msgCalibGrid", row, column));
+    std::printf("%s\n", line.c_str());
+}
+
+std::vector<int> RangePositions()
+{
+    std::vector<int> positions;
+    for (int position = 0; position < kPositions; ++position)
+        if (NvmWordAtPosition(position) > 0)
+            positions.push_back(position);
+    return positions;
+}
+
+std::string ButtonOf(int position)
+{
+    return "cmdCalib(" + std::to_string(position) + ")";
+}
+
+// Half a count of rounding on each of the readings that a turnover row averages.
+RangeResult Judge(int position)
+{
+    RangeResult result;
+    result.title = StepName(StepIdAtPosition(position));
+    result.rows = ScriptedOperator::Rows("msgCalibGrid");
+    const int columns = CalValueAtPosition(position) == "0 V" ? 7 : 8;
+    result.error = std::fabs(Val(ScriptedOperator::Cell("msgCalibGrid", result.rows - 1, columns - 1)));
+    result.noise = static_cast<double>(SimNoise) + 1;
+    for (int row = 0; row < result.rows; ++row)
+        PrintRow(row, columns);
+    return result;
+}
+
+class Pictures
+{
+public:
+    explicit Pictures(const QString &folder) : m_folder(folder)
+    {
+        if (!folder.isEmpty())
+            QDir().mkpath(folder);
+    }
+    void Take(const QString &name) const
+    {
+        if (!m_folder.isEmpty())
+            ScriptedOperator::TakesPicture(QDir(m_folder).filePath(name + ".png"));
+    }
+
+private:
+    QString m_folder;
+};
+
+void ScriptRange(ScriptedOperator &person, int position, const Pictures &pictures, std::vector<RangeResult> &results)
+{
+    const QString name = QString("range-%1").arg(position, 2, 10, QChar('0'));
+    person.Clicks(ButtonOf(position)).WaitsFor("cmdReady").Waits(kQuietMs).Does([=, &pictures] {
+        std::printf("%s\n", StepName(StepIdAtPosition(position)).c_str());
+        std::fflush(stdout);
+        pictures.Take(name + "-jumpers");
+    });
+    person.Clicks("cmdReady").WaitsFor("cmdRepeat");
+    for (int round = 1; round < kRounds; ++round)
+        person.Clicks("cmdRepeat").WaitsUntil("the next round has ended", [round] {
+            return ScriptedOperator::Rows("msgCalibGrid") > round && ScriptedOperator::IsEnabled("cmdRepeat");
+        });
+    person.Waits(kQuietMs).Does([=, &pictures, &results] {
+        results.push_back(Judge(position));
+        pictures.Take(name);
+    });
+    person.Clicks("cmdAccept")
+        .WaitsUntil("the step buttons are free", [] { return ScriptedOperator::IsEnabled("cmdSetup"); })
+        .Does([&results] { results.back().accepted = true; });
+}
+
+bool Report(const std::vector<RangeResult> &results, std::size_t expected)
+{
+    bool good = results.size() == expected;
+    for (const RangeResult &result : results) {
+        const bool inside = result.accepted && result.rows == kRounds && result.error <= result.noise;
+        good = good && inside;
+        std::printf("%-14s %s, error %g of at most %.1f counts\n", result.title.c_str(),
+                    inside ? "accepted" : "FAILED", result.error, result.noise);
+    }
+    std::printf("%zu of %zu ranges\n", results.size(), expected);
+    return good;
+}
+
+}  // namespace
+
+bool RunSimulation(const Options &options)
+{
+    const QString pictureFolder = options.pictures.isEmpty() ? "" : QDir(options.pictures).absolutePath();
+    const test::WorkFolder folder;  // the tour's own settings, not the station's
+    WriteFile("Ombrix.ini", "[Look]\nTheme=" + options.theme.toStdString() + "\n");
+    test::OpenWholeStation();
+
+    const Pictures pictures(pictureFolder);
+    std::vector<RangeResult> results;
+    std::size_t expected = 0;
+    ScriptedOperator person;
+    person.Within(60);
+    person.Does([&] { pictures.Take("setup"); }).DoubleClicks("lblCalOut").Clicks("cmdEstablish");
+    person.WaitsFor("cmdCalib(2)").Does([&] {
+        std::printf("%s\n", ScriptedOperator::Text("lblStatus").c_str());
+        pictures.Take("established");
+    });
+    bool good = person.Runs();
+    const std::vector<int> positions = RangePositions();
+    expected = positions.size();
+    for (int position : positions)
+        ScriptRange(person, position, pictures, results);
+    good = good && person.Runs();
+    if (!good)
+        std::printf("%s\n", person.Trouble().c_str());
+    good = Report(results, expected) && good;
+    CloseStation();
+    return good;
+}
+
+}  // namespace ombrix::tour
