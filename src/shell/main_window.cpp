@@ -151,12 +151,6 @@ void BuildLayout(QWidget *centre)
     all->addLayout(below, 1);
 }
 
-// Out of the page first, then the steps and the tabs.
-void OrderFocus()
-{
-    QWidget::setTabOrder(pageStack, cmdSetup);
-}
-
 // Not larger than the screen, as long as the smallest window fits there at all.
 QSize FirstSize()
 {
@@ -179,7 +173,6 @@ void BuildMainWindow()
     BuildLayout(centre);
     frmOmbrix->setCentralWidget(centre);
     BuildStatusLine(frmOmbrix->statusBar());
-    OrderFocus();
     frmOmbrix->resize(FirstSize());
 }
 

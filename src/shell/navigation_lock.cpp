@@ -30,9 +30,19 @@ bool FocusIsParked()
     return !focus || focus == pageStack;
 }
 
+void ReturnFocus(QWidget *before)
+{
+    if (before && before->isEnabled() && before->isVisible())
+        before->setFocus();
+    else if (Established)
+        FocusSteps();
+    else
+        FocusEstablish();
+}
+
 }  // namespace
 
-NavigationLock::NavigationLock() : m_exceptions(std::uncaught_exceptions())
+NavigationLock::NavigationLock() : m_exceptions(std::uncaught_exceptions()), m_focus(frmOmbrix->focusWidget())
 {
     ++locks;
     ParkFocus();
@@ -51,12 +61,8 @@ NavigationLock::~NavigationLock()
     EnableBoardChooser(true);
     if (!pageHasSpoken || std::uncaught_exceptions() > m_exceptions)
         EnableSteps(Established);
-    if (!FocusIsParked())
-        return;
-    if (Established)
-        FocusSteps();
-    else
-        FocusEstablish();
+    if (FocusIsParked())
+        ReturnFocus(m_focus);
 }
 
 bool NavigationLock::Stands()

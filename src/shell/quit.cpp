@@ -6,6 +6,7 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "session/delays.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "shell/board_dialog.h"
@@ -27,6 +28,9 @@
 
 namespace ombrix {
 namespace {
+
+// Closing a port takes its speed away at once: what was said last must have left by then.
+constexpr int kLastBytesMs = 100;
 
 // No click starts anything any more, and the window shows it; what stood open below is not answered.
 void CloseDoors()
@@ -50,6 +54,8 @@ void SpeakLastWords()
     CalibratorLocal();
     if (Established)
         WriteDisplaySetupForward(1);
+    if (comCAL.IsOpen())
+        DelayAlways(kLastBytesMs);
 }
 
 void SaveSettings()

@@ -247,6 +247,7 @@ TEST_F(QuitProcedure, ACounterKeepsItsDisplaySetup)
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
     EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_GE(clock.Elapsed(), 100) << "the last bytes have left before the port closes";
 }
 
 TEST_F(QuitProcedure, InSimulationNothingIsSentAndNothingIsWaitedFor)

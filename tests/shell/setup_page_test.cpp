@@ -170,6 +170,14 @@ TEST_F(SetupPage, TheSwitchChoiceKeepsTheSessionAndIsSaved)
     EXPECT_EQ(IniGet("Comms", "Switch"), "1");
 }
 
+TEST_F(SetupPage, TheFocusStaysOnTheSwitchChoice)
+{
+    EstablishOnLines();
+    Click("optSwNo");
+    Click("optSwYes");
+    EXPECT_TRUE(HasFocus("optSwYes"));
+}
+
 TEST_F(SetupPage, BeforeEstablishTheSwitchChoiceIsNeitherSentNorSaved)
 {
     Click("optSwNo");

@@ -142,6 +142,7 @@ TEST_F(TabStrip, TheArrowKeysMoveItAsAClickDoes)
     Press(Qt::Key_Right);
     EXPECT_EQ(CalibTab, kTabAc);
     EXPECT_TRUE(Sees("fraTabSelect"));
+    EXPECT_TRUE(HasFocus("tabCalib"));
 }
 
 TEST_F(TabStrip, ArrowKeysBounceAsWell)
