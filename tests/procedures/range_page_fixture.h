@@ -6,13 +6,14 @@
 #include "platform/text.h"
 #include "procedures/fake_instruments.h"
 #include "procedures/range_engine.h"
-#include "procedures/range_page.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "support/station.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+
+#include <QTableWidget>
 
 #include <functional>
 #include <memory>
@@ -31,7 +32,6 @@ protected:
     /// A station whose simulated readings are the same in each run.
     void OpensStation()
     {
-        RegisterRangePage();
         station = std::make_unique<Station>();
         person = &station->person;
         SeedMeterSimulator(1);
@@ -47,6 +47,15 @@ protected:
     static std::function<bool()> StandsAt(int position)
     {
         return [position] { return CurrentStepButton == position; };
+    }
+
+    static constexpr const char *kCyan = "#00ffff";
+    static QTableWidget *TheGrid() { return qobject_cast<QTableWidget *>(ScriptedOperator::Find("msgCalibGrid")); }
+    /// Of a cell's background, "" the palette's own.
+    static std::string Colour(int row, int column)
+    {
+        const QBrush brush = TheGrid()->item(row, column)->background();
+        return brush.style() == Qt::NoBrush ? "" : brush.color().name().toStdString();
     }
 
     static std::string Cell(int row, int column) { return ScriptedOperator::Cell("msgCalibGrid", row, column); }
