@@ -14,6 +14,8 @@ namespace {
 // Positions of the DC board's ranges, "GND" to "5 A" and the touched-up "200 mV".
 constexpr int kRangePositions[] = {2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 14};
 
+constexpr int kStepSeconds = 30;  // no step of the script takes longer
+
 void CalibrateRange(test::ScriptedOperator &person, int position, int &accepted)
 {
     const std::string button = test::StepButton(position);
@@ -32,6 +34,7 @@ SimulatedRun CalibrateSimulatedDc()
     test::OpenWholeStation();
     {
         test::ScriptedOperator person;
+        person.Within(kStepSeconds);
         person.DoubleClicks("lblCalOut").Clicks("cmdEstablish").WaitsFor(test::StepButton(kRangePositions[0]));
         const LoopWatch watch;
         for (const int position : kRangePositions)

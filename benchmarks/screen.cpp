@@ -1,4 +1,4 @@
-#include "display.h"
+#include "screen.h"
 
 #include <array>
 #include <cstdint>
@@ -69,7 +69,7 @@ std::string LineFrom(int pipe)
 
 }  // namespace
 
-Display::Display()
+Screen::Screen()
 {
     std::array<int, 2> numbers{};
     if (pipe(numbers.data()) != 0)
@@ -93,7 +93,7 @@ Display::Display()
     Watch();
 }
 
-Display::~Display()
+Screen::~Screen()
 {
     if (m_socket >= 0)
         close(m_socket);
@@ -103,7 +103,7 @@ Display::~Display()
     }
 }
 
-void Display::Watch()
+void Screen::Watch()
 {
     m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
     sockaddr_un address{};
@@ -127,7 +127,7 @@ void Display::Watch()
     WriteFully(m_socket, watch.data(), sizeof watch);
 }
 
-void Display::ForgetWindows()
+void Screen::ForgetWindows()
 {
     pollfd input{m_socket, POLLIN, 0};
     std::array<std::uint8_t, kEventLength> event{};
@@ -135,7 +135,7 @@ void Display::ForgetWindows()
         ReadFully(m_socket, event.data(), event.size());
 }
 
-std::optional<Time> Display::NextWindow()
+std::optional<Time> Screen::NextWindow()
 {
     pollfd input{m_socket, POLLIN, 0};
     std::array<std::uint8_t, kEventLength> event{};

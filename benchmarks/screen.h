@@ -11,13 +11,13 @@ namespace ombrix::benchmarks {
 using Time = std::chrono::steady_clock::time_point;
 
 /// An Xvfb that ends with this object. Throws std::runtime_error when it can't start.
-class Display
+class Screen
 {
 public:
-    Display();
-    ~Display();
-    Display(const Display &) = delete;
-    Display &operator=(const Display &) = delete;
+    Screen();
+    ~Screen();
+    Screen(const Screen &) = delete;
+    Screen &operator=(const Screen &) = delete;
 
     /// What DISPLAY is to hold, such as ":3".
     const std::string &Name() const { return m_name; }
