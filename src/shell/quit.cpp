@@ -6,6 +6,7 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "session/delays.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "shell/board_dialog.h"
@@ -27,6 +28,8 @@
 
 namespace ombrix {
 namespace {
+
+constexpr int kLastBytesMs = 100;  // twice what standby and local take on the line
 
 // No click starts anything any more, and the window shows it; what stood open below is not answered.
 void CloseDoors()
@@ -50,6 +53,7 @@ void SpeakLastWords()
     CalibratorLocal();
     if (Established)
         WriteDisplaySetupForward(1);
+    DelayMs(kLastBytesMs);  // a port that closes goes back to its old speed: standby must have left it
 }
 
 void SaveSettings()
