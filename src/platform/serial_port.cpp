@@ -55,7 +55,7 @@ public:
         const QString path = RealPath(device);
         if (std::find(heldDevices.begin(), heldDevices.end(), path) != heldDevices.end())
             Refuse(EBUSY);
-        m_port.setPortName(QString::fromStdString(device));
+        m_port.setPortName(path);  // the toolkit looks for a bare name in /dev, not in the current folder
         if (device.empty() || !m_port.open(QIODevice::ReadWrite))
             Refuse(device.empty() ? ENOENT : NumberOf(m_port.error(), device));
         if (!m_port.setBaudRate(QSerialPort::Baud9600) || !m_port.setDataBits(QSerialPort::Data8) ||

@@ -196,6 +196,17 @@ TEST(SerialPort, TwoNamesOfOneDeviceAreNotOpenedBoth)
     EXPECT_EQ(NumberOfRefusal(link.toStdString()), 0);
 }
 
+TEST(SerialPort, ABareNameIsADeviceInTheCurrentFolder)
+{
+    Pty pty;
+    QFile::remove("COM1");
+    ASSERT_TRUE(QFile::link(QString::fromStdString(pty.Name()), "COM1"));
+    EXPECT_EQ(PortTrouble("COM1"), "");
+    EXPECT_EQ(NumberOfRefusal("COM1"), 0);
+    EXPECT_NE(PortTrouble("null"), "") << "not the one in /dev";
+    EXPECT_EQ(NumberOfRefusal("null"), ENOENT);
+}
+
 TEST(SerialPort, TellsWhyItCantBeOpened)
 {
     EXPECT_EQ(NumberOfRefusal("/dev/no-such-line"), ENOENT);

@@ -250,6 +250,23 @@ TEST_F(QuitProcedure, ACounterKeepsItsDisplaySetup)
     EXPECT_GE(clock.Elapsed(), 100) << "the last bytes have left before the port closes";
 }
 
+TEST_F(QuitProcedure, ThePortsCloseWhenTheLastBytesHaveLeft)
+{
+    meter.words[109] = 0x3203;  // a counter: no restart wait follows the calibrator's last word
+    EstablishOnLines();
+    std::vector<bool> open;
+    const auto answer = calibratorLine.onWrite;
+    calibratorLine.onWrite = [&](const std::string &bytes) {
+        answer(bytes);
+        if (bytes == kLocal)
+            CallAfter(50, [&open] { open.push_back(comCAL.IsOpen()); });
+    };
+    ClicksQuit();
+    ASSERT_TRUE(person.Runs());
+    EXPECT_THAT(open, ElementsAre(true));
+    ExpectLastWords();
+}
+
 TEST_F(QuitProcedure, InSimulationNothingIsSentAndNothingIsWaitedFor)
 {
     EstablishSimulated();

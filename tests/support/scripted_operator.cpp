@@ -13,11 +13,13 @@
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QPointer>
 #include <QTabBar>
 #include <QTableWidget>
 #include <QTimer>
 
 #include <iostream>
+#include <map>
 #include <utility>
 
 namespace ombrix::test
@@ -30,10 +32,7 @@ constexpr std::int64_t kGraceMicros = 120'000'000; // what a started procedure m
 
 QMessageBox *OpenBox()
 {
-    for (QWidget *window : QApplication::topLevelWidgets())
-        if (auto *box = qobject_cast<QMessageBox *>(window); box && box->isVisible())
-            return box;
-    return nullptr;
+    return qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
 }
 
 QString Name(const std::string &name)
@@ -278,6 +277,15 @@ bool ScriptedOperator::Runs()
 }
 
 QWidget *ScriptedOperator::Find(const std::string &name)
+{
+    static std::map<std::string, QPointer<QWidget>> found;  // a script asks for the same few again and again
+    QPointer<QWidget> &widget = found[name];
+    if (!widget || widget->objectName() != Name(name))
+        widget = Search(name);
+    return widget;
+}
+
+QWidget *ScriptedOperator::Search(const std::string &name)
 {
     for (QWidget *window : QApplication::topLevelWidgets()) {
         if (window->objectName() == Name(name))

@@ -85,6 +85,7 @@ private:
     };
     ScriptedOperator &Then(const std::string &what, std::function<bool()> ready, std::function<void()> action);
     bool Tick();
+    static QWidget *Search(const std::string &name);
     void TicksLater();
     bool AnswersBox();
     void Fails(const std::string &why);
