@@ -33,6 +33,15 @@ struct RangeRun {
     std::string error;
 };
 
+// Either case will do; -1 when there is no such board.
+int BoardNamed(const QString &name)
+{
+    for (int board = 0; board < kBoards; ++board)
+        if (QString::fromStdString(BoardName(board)).compare(name, Qt::CaseInsensitive) == 0)
+            return board;
+    return -1;
+}
+
 // The first step of the board that trims a gain.
 int GainPosition()
 {
@@ -131,7 +140,7 @@ RangeRun RunInRealTime(const Options &options)
 RangeRun RunOnVirtualTime(const Options &options)
 {
     test::Wiring wiring;
-    wiring.bench.board = BoardIndex(options.board.toStdString());
+    wiring.bench.board = BoardNamed(options.board);
     wiring.bench.seed = kSeed;
     BenchStation station(wiring);
     return station.Establishes() ? CalibrateOneRange(station.person) : RangeRun{};
@@ -141,7 +150,7 @@ RangeRun RunOnVirtualTime(const Options &options)
 
 bool RunBench(const Options &options)
 {
-    const int board = BoardIndex(options.board.toStdString());
+    const int board = BoardNamed(options.board);
     if (board < 0 || board == kVf || board == kAn) {
         std::printf("No such board on the bench: %s\n", qPrintable(options.board));
         return false;

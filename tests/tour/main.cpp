@@ -23,13 +23,13 @@ int main(int argc, char **argv)
     parser.addOption({"pictures", "Leave a picture of each page in <folder>.", "folder"});
     parser.addOption({"bench", "One range in real time against the testbench beside this program."});
     parser.addOption({"theme", "light or dark.", "theme", "light"});
-    parser.addPositionalArgument("board", "With --bench: DC, AC, AC2, AC3, LC, TC, Temp or RTD.", "[board]");
+    parser.addPositionalArgument("board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd.", "[board]");
     parser.process(application);
 
     const QStringList boards = parser.positionalArguments();
     const ombrix::tour::Options options{
         .pictures = parser.value("pictures"),
-        .board = boards.isEmpty() ? "DC" : boards.first(),
+        .board = boards.isEmpty() ? "dc" : boards.first(),
         .theme = parser.value("theme"),
     };
     const bool good = parser.isSet("bench") ? ombrix::tour::RunBench(options) : ombrix::tour::RunSimulation(options);
