@@ -7,10 +7,8 @@
 #include <chrono>
 #include <utility>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 class RealClock : public Clock
 {
@@ -27,7 +25,7 @@ public:
             QCoreApplication::processEvents(QEventLoop::AllEvents);
             return;
         }
-        QTimer timer; // wakes the wait at the limit; has nothing to call
+        QTimer timer;  // wakes the wait at the limit; has nothing to call
         timer.setSingleShot(true);
         timer.setTimerType(Qt::PreciseTimer);
         if (maxWaitMs > 0)
@@ -46,7 +44,7 @@ Clock *clockInForce = &realClock;
 bool shutdownRequested = false;
 int noShutdownDepth = 0;
 
-} // namespace
+}  // namespace
 
 void UseClock(Clock *clock)
 {
@@ -99,4 +97,4 @@ NoShutdownScope::~NoShutdownScope()
     --noShutdownDepth;
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -8,8 +8,7 @@
 #include <cstdint>
 #include <functional>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Where time comes from and how it passes. The clock is 64 bits of microseconds: it never wraps.
 class Clock
@@ -68,4 +67,4 @@ public:
     NoShutdownScope &operator=(const NoShutdownScope &) = delete;
 };
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -7,10 +7,8 @@
 
 #include <sys/stat.h>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // Name of another process that has the device open, "" when none is seen. Without rights other users' processes hide.
 QString HolderOf(const QString &device)
@@ -38,7 +36,7 @@ bool IsCharacterDevice(const QString &path)
     return stat(path.toLocal8Bit().constData(), &status) == 0 && S_ISCHR(status.st_mode);
 }
 
-} // namespace
+}  // namespace
 
 std::string PortTrouble(const std::string &device)
 {
@@ -71,4 +69,4 @@ bool SameDevice(const std::string &one, const std::string &other)
     return real(one) == real(other);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

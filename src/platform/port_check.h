@@ -3,8 +3,7 @@
 
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// "" when the device can be opened; otherwise one line that says why not and what to do: missing, in use by another
 /// program, closed to this user (names the owning group), not a serial line. Opens nothing that is open here.
@@ -13,4 +12,4 @@ std::string PortTrouble(const std::string &device);
 /// True when two paths lead to one device.
 bool SameDevice(const std::string &one, const std::string &other);
 
-} // namespace ombrix
+}  // namespace ombrix

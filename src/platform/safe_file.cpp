@@ -4,8 +4,7 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
-namespace ombrix
-{
+namespace ombrix {
 
 FileState StateOfFile(const std::string &path)
 {
@@ -35,4 +34,4 @@ std::string WriteFile(const std::string &path, const std::string &bytes)
     return file.errorString().toStdString();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

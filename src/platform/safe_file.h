@@ -4,8 +4,7 @@
 #include <optional>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 enum class FileState { Missing, Readable, Unreadable };
 
@@ -19,4 +18,4 @@ std::optional<std::string> ReadFile(const std::string &path);
 /// the old file is as it was.
 std::string WriteFile(const std::string &path, const std::string &bytes);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,10 +5,8 @@
 #include <cmath>
 #include <limits>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 bool IsBlank(char c)
 {
@@ -139,7 +137,7 @@ std::string FormatDigits(double value, int decimals, int significant)
     return value < 0 && !zero ? "-" + text : text;
 }
 
-} // namespace
+}  // namespace
 
 double Val(std::string_view text)
 {
@@ -254,4 +252,4 @@ std::vector<std::string> Split(std::string_view text, char separator)
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

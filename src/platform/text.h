@@ -6,8 +6,7 @@
 #include <string_view>
 #include <vector>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// The number at the start of a text: blanks anywhere before or inside it are skipped, then sign, digits, ".",
 /// digits, and an exponent E or D that is followed by digits. "200 mV" is 200, "" is 0, "0 CEL" is 0.
@@ -51,4 +50,4 @@ bool Holds(std::string_view text, std::string_view part);
 /// The pieces between the separators; "a,,b" gives three, "" gives one empty piece.
 std::vector<std::string> Split(std::string_view text, char separator);
 
-} // namespace ombrix
+}  // namespace ombrix

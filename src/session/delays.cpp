@@ -3,8 +3,7 @@
 #include "platform/clock.h"
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 void DelayMs(int ms)
 {
@@ -22,4 +21,4 @@ void DelayAlways(int ms)
     while (!end.Passed());
 }
 
-} // namespace ombrix
+}  // namespace ombrix

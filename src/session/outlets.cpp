@@ -1,16 +1,14 @@
 #include "session/outlets.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 Outlets outlets;
 
-namespace
-{
+namespace {
 
 const char *waitText = "";
 
-} // namespace
+}  // namespace
 
 WaitNote::WaitNote(const char *text) : m_before(waitText)
 {
@@ -24,4 +22,4 @@ WaitNote::~WaitNote()
     outlets.showWait(waitText);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -5,8 +5,7 @@
 #include <functional>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Danger levels of the output panel.
 enum class Danger { Safe = 0, Warning = 1, Danger = 2 };
@@ -46,4 +45,4 @@ private:
     const char *m_before;
 };
 
-} // namespace ombrix
+}  // namespace ombrix

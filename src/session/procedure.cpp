@@ -7,20 +7,18 @@
 #include <optional>
 #include <utility>
 
-namespace ombrix
-{
+namespace ombrix {
 
 bool StopArmed = false;
 bool StopRequested = false;
 
-namespace
-{
+namespace {
 
-constexpr int kStopMs = 1000; // what a live loop gets to end
+constexpr int kStopMs = 1000;  // what a live loop gets to end
 
 bool running = false;
-std::function<void()> waiting;     // the action that follows the running procedure
-std::optional<Deadline> notBefore; // end of the stopped loop's 1000 ms
+std::function<void()> waiting;      // the action that follows the running procedure
+std::optional<Deadline> notBefore;  // end of the stopped loop's 1000 ms
 
 void RunOne(const std::function<void()> &body)
 {
@@ -42,7 +40,7 @@ void WaitOutStop()
     notBefore.reset();
 }
 
-} // namespace
+}  // namespace
 
 void ArmStop()
 {
@@ -109,4 +107,4 @@ void RunAfterStop(std::function<void()> action)
     }
 }
 
-} // namespace ombrix
+}  // namespace ombrix

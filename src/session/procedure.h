@@ -10,15 +10,14 @@
 
 #include <functional>
 
-namespace ombrix
-{
+namespace ombrix {
 
-extern bool StopArmed;     ///< a live reading loop listens
-extern bool StopRequested; ///< and is to end
+extern bool StopArmed;      ///< a live reading loop listens
+extern bool StopRequested;  ///< and is to end
 
-void ArmStop();    ///< clears StopRequested, sets StopArmed
-void DisarmStop(); ///< clears StopArmed
-void ClearStop();  ///< clears both
+void ArmStop();     ///< clears StopRequested, sets StopArmed
+void DisarmStop();  ///< clears StopArmed
+void ClearStop();   ///< clears both
 /// Nothing unless StopArmed; else sets StopRequested and waits 1000 ms (DelayMs). At once when already requested.
 void RequestStop();
 
@@ -34,4 +33,4 @@ bool RunProcedure(const std::function<void()> &body);
 /// later call takes the place of an action that still waits.
 void RunAfterStop(std::function<void()> action);
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -1,7 +1,6 @@
 #include "session/state.h"
 
-namespace ombrix
-{
+namespace ombrix {
 
 bool HardwareMode = true;
 bool RealTimeDelays = true;
@@ -68,4 +67,4 @@ void InitSessionState()
     RestConfigImage.clear();
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -8,8 +8,7 @@
 #include <array>
 #include <string>
 
-namespace ombrix
-{
+namespace ombrix {
 
 /// Boards by index, as SCType counts them.
 enum Board { kDc = 0, kAc = 1, kLc = 2, kTc = 3, kVf = 4, kAc2 = 5, kAc3 = 6, kTemp = 7, kRtd = 8, kAn = 9 };
@@ -24,39 +23,39 @@ enum Kind { kDpm = 1, kWtMtr = 2, kCtr = 3 };
 /// Step buttons: positions 0..16.
 constexpr int kPositions = 17;
 
-extern bool HardwareMode;   ///< true: real instruments; false: the station answers for meter and calibrator
-extern bool RealTimeDelays; ///< true: DelayMs waits; false: it pumps once. Follows HardwareMode
-extern bool Automatic;      ///< true: a calibrator is driven; false: the operator applies each signal by hand
-extern int CalPort;         ///< 1, 2: the calibrator's port; 0: none
-extern int MeterPort;       ///< 1, 2: the meter's port; 0: through the calibrator's UUT port
-extern bool UseSwitch;      ///< a second meter at address 2 serves as output switch
-extern bool Abort;          ///< ends every wait loop of both links
-extern bool Quitting;       ///< Quit has begun: only the last words to the instruments are spoken
+extern bool HardwareMode;    ///< true: real instruments; false: the station answers for meter and calibrator
+extern bool RealTimeDelays;  ///< true: DelayMs waits; false: it pumps once. Follows HardwareMode
+extern bool Automatic;       ///< true: a calibrator is driven; false: the operator applies each signal by hand
+extern int CalPort;          ///< 1, 2: the calibrator's port; 0: none
+extern int MeterPort;        ///< 1, 2: the meter's port; 0: through the calibrator's UUT port
+extern bool UseSwitch;       ///< a second meter at address 2 serves as output switch
+extern bool Abort;           ///< ends every wait loop of both links
+extern bool Quitting;        ///< Quit has begun: only the last words to the instruments are spoken
 
-extern int CalibTab; ///< open tab
-extern int SCType;   ///< board in work, -1 until identified
+extern int CalibTab;  ///< open tab
+extern int SCType;    ///< board in work, -1 until identified
 extern int SessionMeterKind;
 extern bool SessionXmtrFlag;
 extern std::string SessionMeterName;
 /// Named backwards by habit: 0 shows dlgSCType with the meter's type, 1 without it (unless the kind is unknown).
 extern int ShowSCDialogFull;
 
-extern bool Established;             ///< both links verified
-extern bool SimToggleAllowed;        ///< a double click on lblCalOut may switch the simulation
-extern bool OptionEventsMuted;       ///< code sets the options of the Setup page
-extern bool TabEventsMuted;          ///< a change of tab has no effect
-extern bool TabChangeAllowed;        ///< a click on a tab is taken
-extern bool ReadIdentityOnTabChange; ///< a tab change reads the meter's identity first
-extern bool TabMismatch;             ///< the open tab isn't the family of the identified board
-extern bool TabSelectShown;          ///< the board chooser is up
-extern int LastAcBoard;              ///< board last used on the AC tab
-extern int LastTempBoard;            ///< board last used on the TC tab
-extern int MeterTab;                 ///< tab of the identified board
+extern bool Established;              ///< both links verified
+extern bool SimToggleAllowed;         ///< a double click on lblCalOut may switch the simulation
+extern bool OptionEventsMuted;        ///< code sets the options of the Setup page
+extern bool TabEventsMuted;           ///< a change of tab has no effect
+extern bool TabChangeAllowed;         ///< a click on a tab is taken
+extern bool ReadIdentityOnTabChange;  ///< a tab change reads the meter's identity first
+extern bool TabMismatch;              ///< the open tab isn't the family of the identified board
+extern bool TabSelectShown;           ///< the board chooser is up
+extern int LastAcBoard;               ///< board last used on the AC tab
+extern int LastTempBoard;             ///< board last used on the TC tab
+extern int MeterTab;                  ///< tab of the identified board
 
-extern int CurrentStepButton;               ///< highlighted position, -1 none
-extern int CurrentStepId;                   ///< its step id, -1 none
-extern std::array<int, kPositions> StepIds; ///< step id of each button
-extern std::string RestConfigImage;         ///< configuration kept by "Get Config" for "Rest Config"
+extern int CurrentStepButton;                ///< highlighted position, -1 none
+extern int CurrentStepId;                    ///< its step id, -1 none
+extern std::array<int, kPositions> StepIds;  ///< step id of each button
+extern std::string RestConfigImage;          ///< configuration kept by "Get Config" for "Rest Config"
 
 /// Every variable above at its start value.
 void InitSessionState();
@@ -75,4 +74,4 @@ private:
     bool m_before;
 };
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -13,8 +13,7 @@
 using namespace ombrix;
 using ombrix::test::VirtualClock;
 
-namespace
-{
+namespace {
 
 // Waits on the real clock and tells how long it took, in microseconds.
 std::int64_t WaitReal(int ms)
@@ -33,7 +32,7 @@ double CpuSeconds()
     return static_cast<double>(spent.tv_sec) + static_cast<double>(spent.tv_nsec) / 1e9;
 }
 
-} // namespace
+}  // namespace
 
 TEST(RealClock, AWaitIsNeverShorterThanToldAndAtMostTwoMillisecondsLonger)
 {

@@ -12,8 +12,7 @@
 
 using namespace ombrix;
 
-namespace
-{
+namespace {
 
 class Procedures : public testing::Test
 {
@@ -39,7 +38,7 @@ protected:
     std::string order;
 };
 
-} // namespace
+}  // namespace
 
 TEST_F(Procedures, RequestStopDoesNothingUnlessArmed)
 {

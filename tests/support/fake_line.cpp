@@ -3,14 +3,12 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 
-namespace ombrix::test
-{
-namespace
-{
+namespace ombrix::test {
+namespace {
 
 FakeLines *linesInForce = nullptr;
 
-} // namespace
+}  // namespace
 
 class FakeDevice : public SerialDevice
 {
@@ -161,4 +159,4 @@ std::shared_ptr<FakeLine> FakeLines::Find(const std::string &device)
     return found == m_lines.end() ? nullptr : found->second;
 }
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

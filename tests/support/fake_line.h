@@ -12,8 +12,7 @@
 #include <utility>
 #include <vector>
 
-namespace ombrix::test
-{
+namespace ombrix::test {
 
 /// The far end of one line.
 class FakeLine
@@ -70,7 +69,7 @@ public:
 
 private:
     VirtualClock &m_clock;
-    std::map<std::string, std::shared_ptr<FakeLine>> m_lines; // shared: a port may outlive the test's lines
+    std::map<std::string, std::shared_ptr<FakeLine>> m_lines;  // shared: a port may outlive the test's lines
 };
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

@@ -22,13 +22,11 @@
 #include <map>
 #include <utility>
 
-namespace ombrix::test
-{
-namespace
-{
+namespace ombrix::test {
+namespace {
 
-constexpr int kTickMs = 5;                         // real time between two looks at the script
-constexpr std::int64_t kGraceMicros = 120'000'000; // what a started procedure may still take after the last step
+constexpr int kTickMs = 5;                          // real time between two looks at the script
+constexpr std::int64_t kGraceMicros = 120'000'000;  // what a started procedure may still take after the last step
 
 QMessageBox *OpenBox()
 {
@@ -56,7 +54,7 @@ QPoint ClickPoint(const QWidget *widget)
     return widget->rect().center();
 }
 
-} // namespace
+}  // namespace
 
 ScriptedOperator::ScriptedOperator(VirtualClock *clock) : m_clock(clock) {}
 
@@ -230,7 +228,7 @@ bool ScriptedOperator::Tick()
     m_stepStart = now;
     if (step.action) {
         ++m_depth;
-        step.action(); // may pump, and the pump comes back here for the next step
+        step.action();  // may pump, and the pump comes back here for the next step
         --m_depth;
     }
     return true;
@@ -257,7 +255,7 @@ bool ScriptedOperator::Runs()
         m_clock->beforeSleep = [this] { return Tick(); };
         m_clock->onEndlessWait = [this] {
             if (m_script.empty())
-                RequestShutdown(); // the script is over: what still waits is unwound
+                RequestShutdown();  // the script is over: what still waits is unwound
             else
                 Fails("nothing will ever happen");
         };
@@ -372,4 +370,4 @@ bool ScriptedOperator::TakesPicture(const QString &file)
     return window && window->grab().save(file);
 }
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

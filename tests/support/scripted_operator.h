@@ -17,8 +17,7 @@
 class QMessageBox;
 class QWidget;
 
-namespace ombrix::test
-{
+namespace ombrix::test {
 
 class VirtualClock;
 
@@ -81,7 +80,7 @@ private:
     struct Step {
         std::string what;
         std::function<bool()> ready;
-        std::function<void()> action; // empty for a pure wait
+        std::function<void()> action;  // empty for a pure wait
     };
     ScriptedOperator &Then(const std::string &what, std::function<bool()> ready, std::function<void()> action);
     bool Tick();
@@ -99,7 +98,7 @@ private:
     std::string m_trouble;
     bool m_running = false;
     bool m_ending = false;
-    int m_depth = 0; // handlers that the script's clicks have on the stack
+    int m_depth = 0;  // handlers that the script's clicks have on the stack
 };
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

@@ -9,15 +9,13 @@
 #include <stdexcept>
 #include <utility>
 
-namespace ombrix::test
-{
-namespace
-{
+namespace ombrix::test {
+namespace {
 
 constexpr std::int64_t kNever = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kMostStandingPumps = 200'000;
 
-} // namespace
+}  // namespace
 
 VirtualClock::VirtualClock()
 {
@@ -42,7 +40,7 @@ bool VirtualClock::RunCallDueBy(std::int64_t limit)
     if (next == m_calls.end() || next->due > limit)
         return false;
     const Call call = std::move(*next);
-    m_calls.erase(next); // before it runs: a pump inside must not see it again
+    m_calls.erase(next);  // before it runs: a pump inside must not see it again
     m_now = std::max(m_now, call.due);
     call.call();
     return true;
@@ -67,7 +65,7 @@ void VirtualClock::Pump(int maxWaitMs)
     if (beforeSleep && beforeSleep())
         return;
     if (m_now != before)
-        return; // a handler that ran from the queue has waited itself
+        return;  // a handler that ran from the queue has waited itself
 
     const std::int64_t limit = maxWaitMs < 0 ? kNever : m_now + static_cast<std::int64_t>(maxWaitMs) * 1000;
     const auto due = NextSourceDue();
@@ -94,4 +92,4 @@ void VirtualClock::Pump(int maxWaitMs)
     }
 }
 
-} // namespace ombrix::test
+}  // namespace ombrix::test

@@ -11,8 +11,7 @@
 #include <optional>
 #include <vector>
 
-namespace ombrix::test
-{
+namespace ombrix::test {
 
 /// Something that makes things happen at its own times: a line with an instrument behind it.
 class EventSource
@@ -62,9 +61,9 @@ private:
     std::int64_t m_now = 1'000'000'000;
     std::int64_t m_start = m_now;
     std::int64_t m_order = 0;
-    std::int64_t m_standing = 0; // pumps since time last passed
+    std::int64_t m_standing = 0;  // pumps since time last passed
     std::vector<Call> m_calls;
     std::vector<EventSource *> m_sources;
 };
 
-} // namespace ombrix::test
+}  // namespace ombrix::test
