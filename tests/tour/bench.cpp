@@ -8,7 +8,6 @@
 #include "support/scripted_operator.h"
 #include "support/bench_station.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QProcess>
 
@@ -86,9 +85,8 @@ RangeRun CalibrateOneRange(ScriptedOperator &person)
 class BenchProgram
 {
 public:
-    BenchProgram(const QString &folder, const QString &board)
+    BenchProgram(const QString &program, const QString &folder, const QString &board)
     {
-        const QString program = QCoreApplication::applicationDirPath() + "/ombrix-testbench";
         m_process.setProcessChannelMode(QProcess::MergedChannels);
         m_process.start(program, {"--station", folder, "--board", board, "--seed", QString::number(kSeed)});
     }
@@ -113,7 +111,7 @@ RangeRun RunInRealTime(const Options &options)
 {
     const test::WorkFolder folder;
     RangeRun run;
-    BenchProgram bench(QDir::currentPath(), options.board);
+    BenchProgram bench(options.testbench, QDir::currentPath(), options.board);
     if (!bench.Stands(QDir::currentPath())) {
         std::printf("ombrix-testbench doesn't start\n");
         return run;

@@ -21,7 +21,9 @@ int main(int argc, char **argv)
     parser.setApplicationDescription("Takes a meter through the station without a person.");
     parser.addHelpOption();
     parser.addOption({"pictures", "Leave a picture of each page in <folder>.", "folder"});
-    parser.addOption({"bench", "One range in real time against the testbench beside this program."});
+    parser.addOption({"bench", "One range in real time against the testbench."});
+    parser.addOption({"testbench", "With --bench: where ombrix-testbench lies.", "path",
+                      QApplication::applicationDirPath() + "/ombrix-testbench"});
     parser.addOption({"theme", "light or dark.", "theme", "light"});
     parser.addPositionalArgument("board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd.", "[board]");
     parser.process(application);
@@ -31,6 +33,7 @@ int main(int argc, char **argv)
         .pictures = parser.value("pictures"),
         .board = boards.isEmpty() ? "dc" : boards.first(),
         .theme = parser.value("theme"),
+        .testbench = parser.value("testbench"),
     };
     const bool good = parser.isSet("bench") ? ombrix::tour::RunBench(options) : ombrix::tour::RunSimulation(options);
     std::puts(good ? "The tour ended well." : "The tour FAILED.");

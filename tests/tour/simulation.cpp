@@ -83,6 +83,8 @@ public:
         if (!folder.isEmpty())
             QDir().mkpath(folder);
     }
+    /// What to wait before one is taken.
+    int QuietMs() const { return m_folder.isEmpty() ? 0 : kQuietMs; }
     void Take(const QString &name) const
     {
         if (!m_folder.isEmpty())
@@ -96,7 +98,7 @@ private:
 void ScriptRange(ScriptedOperator &person, int position, const Pictures &pictures, std::vector<RangeResult> &results)
 {
     const QString name = QString("range-%1").arg(position, 2, 10, QChar('0'));
-    person.Clicks(ButtonOf(position)).WaitsFor("cmdReady").Waits(kQuietMs).Does([=, &pictures] {
+    person.Clicks(ButtonOf(position)).WaitsFor("cmdReady").Waits(pictures.QuietMs()).Does([=, &pictures] {
         std::printf("%s\n", StepName(StepIdAtPosition(position)).c_str());
         std::fflush(stdout);
         pictures.Take(name + "-jumpers");
@@ -106,7 +108,7 @@ void ScriptRange(ScriptedOperator &person, int position, const Pictures &picture
         person.Clicks("cmdRepeat").WaitsUntil("the next round has ended", [round] {
             return ScriptedOperator::Rows("msgCalibGrid") > round && ScriptedOperator::IsEnabled("cmdRepeat");
         });
-    person.Waits(kQuietMs).Does([=, &pictures, &results] {
+    person.Waits(pictures.QuietMs()).Does([=, &pictures, &results] {
         results.push_back(Judge(position));
         pictures.Take(name);
     });

@@ -9,6 +9,7 @@ struct Options {
     QString pictures;  ///< folder for pictures, "" for none
     QString board;     ///< name of the board on the bench
     QString theme;     ///< "light" or "dark"
+    QString testbench; ///< the program that serves the bench
 };
 
 /// Establish and every range of the simulated DC meter. Good when every range was accepted and its last reading lies
