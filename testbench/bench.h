@@ -26,11 +26,12 @@ struct BenchSetup {
     int board = 0;  ///< SCType of the meter's board
     int kind = 1;   ///< 1 DPM, 2 WtMtr, 3 CTR (only with the VF board, which is always one)
     bool xmtr = false;
-    unsigned seed = 1;         ///< draws the unit's hidden errors and its noise
-    bool uut = false;          ///< the meter hangs on the calibrator's UUT port
-    bool calibrator = true;    ///< false: signals are applied by hand
-    bool outputSwitch = true;  ///< a second meter at address 2 answers and switches the signal
-    int operateDelayMs = 200;  ///< from OUT ... OPER or STBY to the state in force
+    unsigned seed = 1;              ///< draws the unit's hidden errors and its noise
+    bool uut = false;               ///< the meter hangs on the calibrator's UUT port
+    bool calibrator = true;         ///< false: signals are applied by hand
+    bool outputSwitch = true;       ///< a second meter at address 2 answers and switches the signal
+    int operateDelayMs = 200;       ///< from OUT ... OPER or STBY to the state in force
+    std::string signOfLife = "\r";  ///< what a counter says when it has restarted
 };
 
 class Bench

@@ -57,6 +57,7 @@ Bench::Parts::Parts(const BenchSetup &wanted)
       m_switch(SwitchMeter())
 {
     calibrator.onStationError = [this](const std::string &what) { StationError(m_now, "calibrator: " + what); };
+    meter.SetSignOfLife(setup.signOfLife);
     SignalChanged(0);
 }
 

@@ -14,7 +14,6 @@ constexpr int kCounterRangeWord = 28;
 constexpr int kScaleWord = 3;
 constexpr int kDecimalsWord = 20;
 constexpr int kCounterDecimalsWord = 40;
-constexpr const char *kSignOfLife = "RDY\r";
 
 // Byte of working memory that holds the high byte of a word; the low byte stands below it.
 constexpr int RamPlace(int word, bool counter)
@@ -162,7 +161,7 @@ std::string Meter::Run(Micros now)
         m_restarting = false;
         TakeMemory();
         m_display.Jump(SettledCounts(), now);
-        return IsCounter() ? kSignOfLife : "";
+        return IsCounter() ? m_signOfLife : "";
     }
     if (!m_nextRecord || now < *m_nextRecord)
         return "";

@@ -36,6 +36,8 @@ public:
     /// The operator's hand on the board.
     Hardware &Board() { return m_hardware; }
     void BoardChanged(Micros now);
+    /// What a counter says at the end of a restart.
+    void SetSignOfLife(const std::string &bytes) { m_signOfLife = bytes; }
     void SetWord(int word, std::uint16_t value) { m_nvm[static_cast<std::size_t>(word)] = value; }
 
     /// When it next does something by itself: ends a restart, sends a record.
@@ -78,6 +80,7 @@ private:
     Dice m_dice;
     FirstCycleStream m_stream;
     std::optional<Micros> m_nextRecord;
+    std::string m_signOfLife;
     bool m_restarting = false;
     Micros m_deafUntil = 0;
     int m_restarts = 0;
