@@ -1,6 +1,7 @@
 #include "session/page_frame.h"
 
 #include "shell/main_window.h"
+#include "shell/port_notes.h"
 #include "shell/setup_page.h"
 
 #include <QFrame>

@@ -16,8 +16,6 @@ void cmdSetup_Click();
 /// Takes the input away, leaves the step and shows the page with the choices in force.
 void OpenSetup();
 
-/// Reads the options into the session. A changed mode or port costs the established session.
-void ApplySetupOptions();
 /// Shows or hides the four groups, their frame, and cmdEstablish.
 void SetSetupGroupsVisible(bool on);
 /// The choices and cmdEstablish; cmdEstablish only as long as no link is established.
@@ -27,9 +25,6 @@ void FocusEstablish();
 /// lblStatus with its shape filled.
 void ShowStatus(const std::string &text, const QColor &colour);
 void HideStatus();
-
-/// Under each port's option: the device behind it, and why it can't be used.
-void ShowPortNotes();
 
 /// No link is established: steps and tabs off, cmdEstablish on, the output panel empty.
 void ResetSession();

@@ -7,6 +7,7 @@
 #include "shell/board_dialog.h"
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
+#include "shell/port_notes.h"
 #include "shell/setup_page.h"
 
 #include <QFrame>

@@ -1,82 +1,11 @@
 #include "shell/quit.h"
 
-#include "links/calibrator.h"
-#include "links/meter_protocol.h"
-#include "model/ini_store.h"
-#include "model/nominals.h"
 #include "platform/fault.h"
 #include "session/procedure.h"
-#include "shell/main_window.h"
-#include "shell/setup_page.h"
-#include "shell/shell_fixture.h"
-
-#include <QApplication>
-#include <QMainWindow>
-#include <QMessageBox>
-
-#include <csignal>
+#include "shell/quit_fixture.h"
 
 using namespace ombrix;
 using namespace ombrix::test;
-using testing::Contains;
-using testing::ElementsAre;
-using testing::IsEmpty;
-using testing::Not;
-
-namespace {
-
-constexpr char kStandby[] = "OUT 0 V, 0 Hz ; STBY ; *WAI\n";
-constexpr char kLocal[] = "LOCAL\n";
-constexpr char kDisplaySetup1[] = "*1W305000000100001\r";
-
-class QuitProcedure : public ShellTest
-{
-protected:
-    /// From the click on Quit on: what is written is remembered, and when.
-    ScriptedOperator &ClicksQuit()
-    {
-        return person.Does([this] { Forget(); }).Clicks("cmdQuit");
-    }
-
-    ScriptedOperator &SignalComes()
-    {
-        return person.Does([this] {
-            Forget();
-            Quit(QuitBy::Signal);
-        });
-    }
-
-    void ExpectLastWords()
-    {
-        EXPECT_THAT(calibratorLine.Writes(), ElementsAre(kStandby, kLocal));
-        ASSERT_FALSE(calibratorLine.writeTimes.empty());
-        EXPECT_LE(calibratorLine.writeTimes.front(), 1200);
-        EXPECT_FALSE(comCAL.IsOpen());
-        EXPECT_FALSE(comDPM.IsOpen());
-        EXPECT_FALSE(frmOmbrix->isVisible());
-        EXPECT_LT(clock.Elapsed(), 4000);
-        EXPECT_TRUE(Quitting);
-    }
-
-    /// A page's procedure: `body` runs at the click on position 4 of a DC meter.
-    void Procedure(std::function<void()> body) { RegisterProbe(5, std::move(body)); }
-
-    static void ExpectSaved()
-    {
-        LoadIni();
-        EXPECT_EQ(IniGet("Gains", "DC.19"), "1.5000");
-        EXPECT_EQ(IniGet("CalibValues", "DC.19"), "1234");
-    }
-
-    /// Something to save that isn't saved yet.
-    static void Learn()
-    {
-        SetNominalSlopeOf(kDc, 25, 1.5f);
-        SetNominalWordOf(kDc, 25, "1234");
-    }
-};
-
-}  // namespace
 
 TEST_F(QuitProcedure, BeforeEstablishSendsNothingOnEitherPortButSavesGainsAndCalibrationValues)
 {
@@ -169,7 +98,7 @@ TEST_F(QuitProcedure, InTheMiddleOfAnOutputAttemptStandbyIsTheLastThingSaid)
     EstablishOnLines();
     Procedure([] { ApplyInput("660 V"); });
     person.Clicks(StepButton(4)).Waits(300);
-    person.Does([this] { EXPECT_THAT(calibratorLine.Writes(), Contains("OUT 660 V ; OPER ; *WAI\n")); });
+    person.Does([this] { EXPECT_THAT(calibratorLine.Writes(), testing::Contains("OUT 660 V ; OPER ; *WAI\n")); });
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
@@ -278,69 +207,6 @@ TEST_F(QuitProcedure, InSimulationNothingIsSentAndNothingIsWaitedFor)
     EXPECT_EQ(SimNvm[3], 1);
 }
 
-TEST_F(QuitProcedure, InManualModeTheOperatorIsToldToRemoveTheInput)
-{
-    Click("optManual");
-    EstablishOnLines();
-    std::vector<std::string> boxes;
-    person.onBox = [&](const std::string &title, const std::string &text) { boxes.push_back(title + ": " + text); };
-    ClicksQuit();
-    ASSERT_TRUE(person.Runs());
-    EXPECT_THAT(boxes, ElementsAre("Remove Input: Remove any input signal from the meter"));
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
-    EXPECT_THAT(calibratorLine.log, IsEmpty());
-}
-
-TEST_F(QuitProcedure, ASignalAsksNobody)
-{
-    Click("optManual");
-    EstablishOnLines();
-    SignalComes();
-    ASSERT_TRUE(person.Runs());
-    EXPECT_FALSE(frmOmbrix->isVisible());
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
-    EXPECT_LT(clock.Elapsed(), 4000);
-}
-
-TEST_F(QuitProcedure, ASignalEndsTheQuestionOfAQuitThatWaits)
-{
-    Click("optManual");
-    EstablishOnLines();
-    ClicksQuit().WaitsUntil("the box is up", [] { return !ScriptedOperator::BoxText().empty(); });
-    SignalComes();
-    ASSERT_TRUE(person.Runs());
-    EXPECT_FALSE(frmOmbrix->isVisible());
-    EXPECT_LT(clock.Elapsed(), 4000);
-}
-
-TEST_F(QuitProcedure, ASignalClosesAnOpenBoxAndUnwindsWhoWaitsForIt)
-{
-    Click("optManual");
-    EstablishOnLines();
-    bool wentOn = false;
-    Procedure([&] {
-        ApplyInput("660 V");
-        wentOn = true;
-    });
-    person.Clicks(StepButton(4)).WaitsUntil("the box is up", [] { return !ScriptedOperator::BoxText().empty(); });
-    SignalComes();
-    ASSERT_TRUE(person.Runs());
-    EXPECT_FALSE(wentOn);
-    EXPECT_EQ(ScriptedOperator::BoxText(), "");
-    EXPECT_LT(clock.Elapsed(), 4000);
-}
-
-TEST_F(QuitProcedure, ASignalClosesTheBoardDialogUnanswered)
-{
-    meter.words[21] = 0;
-    person.Clicks("cmdEstablish").WaitsFor("dlgSCType");
-    SignalComes();
-    ASSERT_TRUE(person.Runs());
-    ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
-    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
-}
-
 TEST_F(QuitProcedure, TwiceIsOnce)
 {
     EstablishOnLines();
@@ -360,18 +226,6 @@ TEST_F(QuitProcedure, TwiceIsOnce)
     ASSERT_TRUE(person.Runs());
     EXPECT_EQ(again, 2);
     ExpectLastWords();
-}
-
-TEST_F(QuitProcedure, TheCloseBoxIsTheSame)
-{
-    EstablishOnLines();
-    person.Does([this] {
-        Forget();
-        frmOmbrix->close();
-    });
-    ASSERT_TRUE(person.Runs());
-    ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
 }
 
 TEST_F(QuitProcedure, NothingStartsWhileTheLastWordsAreSpoken)
@@ -409,17 +263,6 @@ TEST_F(QuitProcedure, SavesEvenWhenALineIsGone)
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectSaved();
-    EXPECT_FALSE(frmOmbrix->isVisible());
-}
-
-TEST_F(QuitProcedure, ASignalOfTheSystemTakesTheSameRoad)
-{
-    WatchSignals();
-    std::raise(SIGTERM);
-    person.WaitsUntil("the station quits", [] { return Quitting; });
-    EXPECT_TRUE(person.Runs());
-    StopWatchingSignals();
-    EXPECT_TRUE(Quitting);
     EXPECT_FALSE(frmOmbrix->isVisible());
 }
 

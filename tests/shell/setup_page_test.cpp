@@ -1,190 +1,18 @@
 #include "shell/setup_page.h"
 
 #include "links/calibrator.h"
-#include "model/ini_store.h"
-#include "platform/port_check.h"
 #include "shell/shell_fixture.h"
-
-#include <QAbstractButton>
-
-#include <random>
-#include <set>
 
 using namespace ombrix;
 using namespace ombrix::test;
 
 namespace {
 
-const std::vector<std::string> kPortOptions = {"optAutomatic", "optManual",   "optCAL_COM1", "optCAL_COM2",
-                                               "optDPM_COM1",  "optDPM_COM2", "optDPM_CAL"};
-
 class SetupPage : public ShellTest
 {
-protected:
-    void Choose(const std::string &option) { qobject_cast<QAbstractButton *>(ScriptedOperator::Find(option))->click(); }
-
-    // Puts the page on a wiring, as the settings would.
-    void Wire(int calPort, int meterPort)
-    {
-        CalPort = calPort;
-        MeterPort = meterPort;
-        Automatic = calPort != 0;
-        OpenSetup();
-    }
-
-    static std::string PortShown(const std::vector<std::string> &options)
-    {
-        std::string on;
-        for (const std::string &option : options)
-            on += IsOn(option) ? option + " " : "";
-        return on;
-    }
-
-    // What the options show is what the session holds.
-    static void ExpectOptionsFitSession()
-    {
-        EXPECT_EQ(PortShown({"optAutomatic", "optManual"}), Automatic ? "optAutomatic " : "optManual ");
-        const std::string cal = CalPort == 0 ? "" : "optCAL_COM" + std::to_string(CalPort) + " ";
-        EXPECT_EQ(PortShown({"optCAL_COM1", "optCAL_COM2"}), cal);
-        const std::string meter = MeterPort == 0 ? "optDPM_CAL " : "optDPM_COM" + std::to_string(MeterPort) + " ";
-        EXPECT_EQ(PortShown({"optDPM_COM1", "optDPM_COM2", "optDPM_CAL"}), meter);
-    }
 };
-
-using Pair = std::pair<int, int>;
-const std::set<Pair> kValidPairs = {{0, 1}, {0, 2}, {1, 0}, {1, 2}, {2, 0}, {2, 1}};
 
 }  // namespace
-
-TEST_F(SetupPage, OptionsReachTheSixValidPairsAndNoOther)
-{
-    std::set<Pair> reached;
-    for (const Pair &start : kValidPairs) {
-        for (const std::string &option : kPortOptions) {
-            Wire(start.first, start.second);
-            ExpectOptionsFitSession();
-            Choose(option);
-            SCOPED_TRACE(option + " from " + std::to_string(start.first) + ", " + std::to_string(start.second));
-            EXPECT_TRUE(kValidPairs.contains({CalPort, MeterPort})) << CalPort << ", " << MeterPort;
-            EXPECT_EQ(Automatic, CalPort != 0);
-            ExpectOptionsFitSession();
-            reached.insert({CalPort, MeterPort});
-        }
-    }
-    EXPECT_EQ(reached, kValidPairs);
-}
-
-TEST_F(SetupPage, EachPairIsReachedFromTheFirstSightByClicksAlone)
-{
-    std::set<Pair> reached;
-    std::mt19937 random(7);
-    for (int click = 0; click < 200; click++) {
-        Choose(kPortOptions[random() % kPortOptions.size()]);
-        reached.insert({CalPort, MeterPort});
-    }
-    EXPECT_EQ(reached, kValidPairs);
-}
-
-struct Fit {
-    Pair before;
-    const char *click;
-    Pair after;
-};
-
-class OptionTable : public SetupPage, public testing::WithParamInterface<Fit>
-{
-};
-
-TEST_P(OptionTable, MakesTheOthersFit)
-{
-    Wire(GetParam().before.first, GetParam().before.second);
-    Choose(GetParam().click);
-    EXPECT_EQ(Pair(CalPort, MeterPort), GetParam().after);
-}
-
-INSTANTIATE_TEST_SUITE_P(Rows, OptionTable,
-                         testing::Values(Fit{{0, 1}, "optAutomatic", {2, 1}}, Fit{{0, 2}, "optAutomatic", {1, 2}},
-                                         Fit{{1, 2}, "optManual", {0, 2}}, Fit{{2, 0}, "optManual", {0, 1}},
-                                         Fit{{0, 1}, "optCAL_COM1", {1, 2}}, Fit{{2, 1}, "optCAL_COM1", {1, 2}},
-                                         Fit{{2, 0}, "optCAL_COM1", {1, 0}}, Fit{{0, 2}, "optCAL_COM2", {2, 1}},
-                                         Fit{{1, 2}, "optCAL_COM2", {2, 1}}, Fit{{1, 0}, "optCAL_COM2", {2, 0}},
-                                         Fit{{0, 2}, "optDPM_CAL", {1, 0}}, Fit{{2, 1}, "optDPM_CAL", {2, 0}},
-                                         Fit{{1, 2}, "optDPM_COM1", {2, 1}}, Fit{{2, 0}, "optDPM_COM1", {2, 1}},
-                                         Fit{{2, 1}, "optDPM_COM2", {1, 2}}, Fit{{1, 0}, "optDPM_COM2", {1, 2}}));
-
-TEST_F(SetupPage, WithTheMeterOnTheCalibratorManualMovesItToCom1)
-{
-    Wire(2, 0);
-    Click("optManual");
-    EXPECT_EQ(MeterPort, 1);
-    EXPECT_TRUE(IsOn("optDPM_COM1"));
-    EXPECT_FALSE(IsOn("optCAL_COM1"));
-    EXPECT_FALSE(IsOn("optCAL_COM2"));
-}
-
-TEST_F(SetupPage, MutedOptionsSayNothing)
-{
-    const ScopedFlag muted(OptionEventsMuted);
-    Choose("optManual");
-    Choose("optSwNo");
-    EXPECT_TRUE(Automatic);
-    EXPECT_TRUE(UseSwitch);
-}
-
-TEST_F(SetupPage, AChangedChoiceCostsTheEstablishedSession)
-{
-    EstablishSimulated();
-    Click("optManual");
-    EXPECT_FALSE(Established);
-    EXPECT_FALSE(Sees("lblStatus"));
-    EXPECT_FALSE(Sees("shpStatus"));
-    EXPECT_TRUE(IsEnabled("cmdEstablish"));
-    EXPECT_TRUE(HasFocus("cmdEstablish"));
-    EXPECT_FALSE(IsEnabled("cmdSetup"));
-    EXPECT_FALSE(IsEnabled(StepButton(0)));
-    EXPECT_FALSE(TabChangeAllowed);
-}
-
-TEST_F(SetupPage, AnUnchangedChoiceKeepsTheSession)
-{
-    EstablishSimulated();
-    Click("optAutomatic");
-    Click("optCAL_COM2");
-    Click("optDPM_COM1");
-    EXPECT_TRUE(Established);
-    EXPECT_TRUE(Sees("lblStatus"));
-}
-
-TEST_F(SetupPage, TheSwitchChoiceKeepsTheSessionAndIsSaved)
-{
-    EstablishSimulated();
-    EXPECT_TRUE(Sees("lblSwitch"));
-    Click("optSwNo");
-    EXPECT_FALSE(UseSwitch);
-    EXPECT_TRUE(Established);
-    EXPECT_FALSE(Sees("lblSwitch"));
-    EXPECT_EQ(IniGet("Comms", "Switch"), "0");
-    Click("optSwYes");
-    EXPECT_TRUE(UseSwitch);
-    EXPECT_TRUE(Sees("lblSwitch"));
-    EXPECT_EQ(IniGet("Comms", "Switch"), "1");
-}
-
-TEST_F(SetupPage, TheFocusStaysOnTheSwitchChoice)
-{
-    EstablishOnLines();
-    Click("optSwNo");
-    Click("optSwYes");
-    EXPECT_TRUE(HasFocus("optSwYes"));
-}
-
-TEST_F(SetupPage, BeforeEstablishTheSwitchChoiceIsNeitherSentNorSaved)
-{
-    Click("optSwNo");
-    EXPECT_FALSE(UseSwitch);
-    EXPECT_EQ(IniGet("Comms", "Switch"), "1");
-    EXPECT_TRUE(meterLine.log.empty());
-}
 
 TEST_F(SetupPage, SetupKeepsTheEstablishedStateAndItsStatusLine)
 {
@@ -237,20 +65,4 @@ TEST_F(SetupPage, GroupsAndEstablishHideTogether)
     SetSetupGroupsVisible(true);
     for (const char *name : {"shpAA(0)", "fraAA(0)", "fraAA(1)", "fraAA(2)", "fraAA(3)", "cmdEstablish"})
         EXPECT_TRUE(Sees(name)) << name;
-}
-
-TEST_F(SetupPage, SaysUnderEachPortWhichDeviceItIsAndWhatAilsIt)
-{
-    const auto expected = [](int port) {
-        const std::string trouble = PortTrouble(PortDevice(port));
-        return trouble.empty() ? PortDevice(port) : PortDevice(port) + "\n" + trouble;
-    };
-    EXPECT_EQ(Text("lblPort(0)"), expected(1));
-    EXPECT_EQ(Text("lblPort(1)"), expected(2));
-    EXPECT_EQ(Text("lblPort(2)"), expected(1));
-    EXPECT_EQ(Text("lblPort(3)"), expected(2));
-    EXPECT_EQ(Text("lblPort(4)"), "through the calibrator's UUT port");
-    DoubleClick("lblCalOut");
-    EXPECT_EQ(Text("lblPort(0)"), "simulated");
-    EXPECT_EQ(Text("lblPort(4)"), "simulated");
 }

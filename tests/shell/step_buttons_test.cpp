@@ -1,12 +1,8 @@
 #include "shell/step_buttons.h"
 
 #include "links/calibrator.h"
-#include "model/range_tables.h"
-#include "platform/widgets.h"
 #include "session/procedure.h"
-#include "shell/setup_page.h"
-#include "shell/shell_fixture.h"
-#include "shell/tab_strip.h"
+#include "shell/steps_fixture.h"
 
 #include <QAbstractButton>
 
@@ -16,29 +12,6 @@ using namespace ombrix::test;
 namespace {
 
 constexpr int kFirstCycle = 14;
-
-class Steps : public ShellTest
-{
-protected:
-    // Works on a board as a click on its tab would have it.
-    static void Board(int board)
-    {
-        SCType = board;
-        CalibTab = TabOfBoard(board);
-        FillStepTable();
-    }
-
-    static std::string ColourOf(int position) { return Fill(StepButton(position)); }
-
-    /// Probes for every step of the board in work; they say their id.
-    void ProbeAll()
-    {
-        for (int id = 0; id <= 60; id++)
-            RegisterProbe(id, [this, id] { opened.push_back(id); });
-    }
-
-    std::vector<int> opened;
-};
 
 }  // namespace
 
@@ -250,112 +223,6 @@ TEST_F(Steps, SelectStepClearsWhatAnEarlierProcedureLeft)
     Abort = true;
     Click(StepButton(4));
     EXPECT_EQ(CurrentStepButton, 4);
-}
-
-TEST_F(Steps, NavigationIsLockedWhileAnEntryTalks)
-{
-    EstablishSimulated();
-    RegisterProbe(5, [] { DelayAlways(1000); });
-    person.Clicks(StepButton(4)).Waits(500).Does([] {
-        EXPECT_FALSE(IsEnabled(StepButton(0)));
-        EXPECT_FALSE(IsEnabled("cmdSetup"));
-        EXPECT_FALSE(HasFocus("cmdQuit"));
-    });
-    ASSERT_TRUE(person.Runs());
-    EXPECT_TRUE(IsEnabled(StepButton(0)));
-    EXPECT_TRUE(IsEnabled("cmdSetup"));
-    EXPECT_TRUE(HasFocus(StepButton(4))) << "a page that takes no focus leaves it on the step";
-}
-
-TEST_F(Steps, APageThatLocksNavigationItselfKeepsItLocked)
-{
-    EstablishSimulated();
-    RegisterProbe(5, [] { EnableSteps(false); });
-    Click(StepButton(4));
-    EXPECT_FALSE(IsEnabled(StepButton(0)));
-    EXPECT_FALSE(IsEnabled("cmdSetup"));
-}
-
-TEST_F(Steps, AFaultInAnEntryGivesNavigationBackAndIsTold)
-{
-    EstablishSimulated();
-    RegisterProbe(5, [] {
-        EnableSteps(false);
-        throw std::runtime_error("Input/output error");
-    });
-    Click(StepButton(4));
-    EXPECT_TRUE(IsEnabled(StepButton(0)));
-    EXPECT_EQ(Text("lblRemark"), "Input/output error");
-}
-
-TEST_F(Steps, NextStepOpensTheNextEnabledOne)
-{
-    EstablishSimulated();
-    ProbeAll();
-    Click(StepButton(0));
-    ScriptedOperator::Find(StepButton(1))->setEnabled(false);
-    NextStep();
-    EXPECT_EQ(CurrentStepButton, 2);
-    EXPECT_EQ(opened, (std::vector{0, 2}));
-}
-
-TEST_F(Steps, NextStepWrapsFromTheLastCalibrationPositionToInitNvm)
-{
-    EstablishSimulated();
-    ProbeAll();
-    for (int board = kDc; board <= kRtd; board++) {
-        Board(board);
-        HighlightStep(StepButtonCount());
-        NextStep();
-        EXPECT_EQ(CurrentStepButton, 0) << BoardName(board);
-        EXPECT_EQ(opened.back(), 0) << BoardName(board);
-    }
-}
-
-TEST_F(Steps, NextStepFromAServiceButtonDoesNothing)
-{
-    EstablishSimulated();
-    ProbeAll();
-    Click(StepButton(15));
-    NextStep();
-    EXPECT_EQ(CurrentStepButton, 15);
-    EXPECT_EQ(opened.size(), 1U);
-}
-
-TEST_F(Steps, NextStepOnTheAnalogTabLooksAtNoButtonBehindTheLast)
-{
-    EstablishSimulated();
-    ProbeAll();
-    ClickTab(kTabAnaCal);
-    Click(StepButton(16));
-    NextStep();
-    EXPECT_EQ(CurrentStepButton, 0);
-    EXPECT_EQ(opened.back(), 42);
-}
-
-TEST_F(Steps, NextStepWithAllStepsOffLandsOnTheFirst)
-{
-    EstablishSimulated();
-    ProbeAll();
-    Click(StepButton(3));
-    EnableSteps(false);
-    NextStep();
-    EXPECT_EQ(CurrentStepButton, 0);
-}
-
-TEST_F(Steps, NextStepFromInsideAProcedureFollowsItsEnd)
-{
-    EstablishSimulated();
-    std::string order;
-    RegisterProbe(5, [&] {
-        EnableSteps(true);
-        NextStep();
-        order += "end ";
-    });
-    RegisterProbe(6, [&] { order += "next"; });
-    Click(StepButton(4));
-    EXPECT_EQ(order, "end next");
-    EXPECT_EQ(CurrentStepButton, 5);
 }
 
 TEST_F(Steps, AStepClickStopsALiveLoopAndFollowsAfterOneSecond)

@@ -1,0 +1,18 @@
+// The choices of the Setup page: mode, ports, output switch. The operator can't reach a forbidden combination.
+#pragma once
+
+class QFrame;
+
+namespace ombrix {
+
+/// Makes the four groups inside their frame, shpAA(0), and returns it.
+QFrame *BuildSetupOptions(QFrame *page);
+
+/// Sets the options as the session has them.
+void ShowOptionsInForce();
+/// Reads the options into the session. A changed mode or port costs the established session.
+void ApplySetupOptions();
+void EnableSetupOptions(bool on);
+void SetOptionGroupsVisible(bool on);
+
+}  // namespace ombrix

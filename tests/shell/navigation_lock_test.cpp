@@ -1,0 +1,52 @@
+#include "shell/navigation_lock.h"
+
+#include "shell/steps_fixture.h"
+
+#include <stdexcept>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class Lock : public Steps
+{
+};
+
+}  // namespace
+
+TEST_F(Lock, NavigationIsLockedWhileAnEntryTalks)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] { DelayAlways(1000); });
+    person.Clicks(StepButton(4)).Waits(500).Does([] {
+        EXPECT_FALSE(IsEnabled(StepButton(0)));
+        EXPECT_FALSE(IsEnabled("cmdSetup"));
+        EXPECT_FALSE(HasFocus("cmdQuit"));
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(IsEnabled(StepButton(0)));
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
+    EXPECT_TRUE(HasFocus(StepButton(4))) << "a page that takes no focus leaves it on the step";
+}
+
+TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] { EnableSteps(false); });
+    Click(StepButton(4));
+    EXPECT_FALSE(IsEnabled(StepButton(0)));
+    EXPECT_FALSE(IsEnabled("cmdSetup"));
+}
+
+TEST_F(Lock, AFaultInAnEntryGivesNavigationBackAndIsTold)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] {
+        EnableSteps(false);
+        throw std::runtime_error("Input/output error");
+    });
+    Click(StepButton(4));
+    EXPECT_TRUE(IsEnabled(StepButton(0)));
+    EXPECT_EQ(Text("lblRemark"), "Input/output error");
+}

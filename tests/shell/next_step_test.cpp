@@ -1,0 +1,82 @@
+#include "shell/steps_fixture.h"
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+class NextSteps : public Steps
+{
+};
+
+}  // namespace
+
+TEST_F(NextSteps, OpensTheNextEnabledOne)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(0));
+    ScriptedOperator::Find(StepButton(1))->setEnabled(false);
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 2);
+    EXPECT_EQ(opened, (std::vector{0, 2}));
+}
+
+TEST_F(NextSteps, WrapsFromTheLastCalibrationPositionToInitNvm)
+{
+    EstablishSimulated();
+    ProbeAll();
+    for (int board = kDc; board <= kRtd; board++) {
+        Board(board);
+        HighlightStep(StepButtonCount());
+        NextStep();
+        EXPECT_EQ(CurrentStepButton, 0) << BoardName(board);
+        EXPECT_EQ(opened.back(), 0) << BoardName(board);
+    }
+}
+
+TEST_F(NextSteps, FromAServiceButtonDoesNothing)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(15));
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 15);
+    EXPECT_EQ(opened.size(), 1U);
+}
+
+TEST_F(NextSteps, OnTheAnalogTabLooksAtNoButtonBehindTheLast)
+{
+    EstablishSimulated();
+    ProbeAll();
+    ClickTab(kTabAnaCal);
+    Click(StepButton(16));
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 0);
+    EXPECT_EQ(opened.back(), 42);
+}
+
+TEST_F(NextSteps, WithAllStepsOffLandsOnTheFirst)
+{
+    EstablishSimulated();
+    ProbeAll();
+    Click(StepButton(3));
+    EnableSteps(false);
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 0);
+}
+
+TEST_F(NextSteps, FromInsideAProcedureFollowsItsEnd)
+{
+    EstablishSimulated();
+    std::string order;
+    RegisterProbe(5, [&] {
+        EnableSteps(true);
+        NextStep();
+        order += "end ";
+    });
+    RegisterProbe(6, [&] { order += "next"; });
+    Click(StepButton(4));
+    EXPECT_EQ(order, "end next");
+    EXPECT_EQ(CurrentStepButton, 5);
+}
