@@ -80,7 +80,7 @@ bool ReachState(const std::string &value, std::string_view mode)
 // Fields between commas. A line without one answers an OPER? that was given up: the real answer is behind it.
 std::string ReadOutput()
 {
-    const std::string reply = AskCalibrator("OUT?");
+    std::string reply = AskCalibrator("OUT?");
     if (reply.empty() || Holds(reply, ","))
         return reply;
     const std::string next = ReadCalibratorLine();

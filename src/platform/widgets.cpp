@@ -141,7 +141,7 @@ void SetOption(QAbstractButton *option, bool on)
 {
     const bool exclusive = option->autoExclusive();
     QButtonGroup *group = option->group();
-    const bool groupExclusive = group && group->exclusive();
+    const bool groupExclusive = group != nullptr && group->exclusive();
     option->setAutoExclusive(on && exclusive);
     if (group)
         group->setExclusive(on && groupExclusive);

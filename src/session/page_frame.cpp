@@ -20,7 +20,7 @@ template <class Procedure> Procedure Registered(const std::map<int, Procedure> &
 
 std::function<bool(int)> StepAllowed = [](int) { return true; };
 
-void RegisterSteps(std::initializer_list<int> stepIds, StepEntry entry)
+void RegisterSteps(std::initializer_list<int> stepIds, const StepEntry &entry)
 {
     for (int id : stepIds)
         stepTable[id] = entry;

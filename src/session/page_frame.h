@@ -40,7 +40,7 @@ void HideConnectionDiagram();
 using StepEntry = std::function<void()>;
 
 /// `entry` opens the page of each of these step ids.
-void RegisterSteps(std::initializer_list<int> stepIds, StepEntry entry);
+void RegisterSteps(std::initializer_list<int> stepIds, const StepEntry &entry);
 /// The entry of a step id, empty when no page has registered.
 StepEntry EntryOfStep(int stepId);
 

@@ -27,7 +27,7 @@ void ParkFocus()
 bool FocusIsParked()
 {
     const QWidget *focus = frmOmbrix->focusWidget();
-    return !focus || focus == pageStack;
+    return focus == nullptr || focus == pageStack;
 }
 
 void ReturnFocus(QWidget *before)
