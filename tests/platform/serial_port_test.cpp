@@ -112,6 +112,16 @@ TEST(SerialPort, AllEightBitsPassUnchanged)
     EXPECT_EQ(port.ReadAll(), all);
 }
 
+TEST(SerialPort, WhatTheLineSaidToNobodyIsNotRead)
+{
+    Pty pty;
+    pty.Says("stale\r");
+    SerialPort port;
+    port.Open(pty.Name());
+    WaitForBytes(port, 1, 50);
+    EXPECT_EQ(port.ReadAll(), "");
+}
+
 TEST(SerialPort, ALineThatCantSetRtsIsNoFailure)
 {
     Pty pty;
