@@ -20,8 +20,7 @@
 
 using namespace ombrix;
 
-namespace
-{
+namespace {
 
 // A pseudo-terminal: the test is the far end.
 class Pty
@@ -84,7 +83,7 @@ int NumberOfRefusal(const std::string &device)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 TEST(SerialPort, CarriesBytesBothWays)
 {
