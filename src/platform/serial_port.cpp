@@ -12,10 +12,8 @@
 #include <utility>
 #include <vector>
 
-namespace ombrix
-{
-namespace
-{
+namespace ombrix {
+namespace {
 
 // Devices that this process holds, by their real path: two names of one device must not be opened both.
 std::vector<QString> heldDevices;
@@ -64,7 +62,7 @@ public:
             m_port.close();
             Refuse(ENOTTY);
         }
-        m_port.clear(); // what the line said to nobody is no reply
+        m_port.clear();  // what the line said to nobody is no reply
         m_path = path;
         heldDevices.push_back(path);
         QObject::connect(&m_port, &QSerialPort::errorOccurred, &m_port, [this](QSerialPort::SerialPortError error) {
@@ -88,7 +86,7 @@ public:
             return;
         m_port.write(bytes.data(), static_cast<qint64>(bytes.size()));
         if (m_port.isOpen())
-            m_port.flush(); // leaves now, not at the next pump
+            m_port.flush();  // leaves now, not at the next pump
     }
 
     void SetRts(bool on) override
@@ -115,7 +113,7 @@ SerialDeviceMaker SystemPortMaker()
 
 SerialDeviceMaker makeDevice = SystemPortMaker();
 
-} // namespace
+}  // namespace
 
 void UseSerialDevices(SerialDeviceMaker maker)
 {
@@ -163,4 +161,4 @@ void SerialPort::SetDtr(bool on)
         m_device->SetDtr(on);
 }
 
-} // namespace ombrix
+}  // namespace ombrix

@@ -11,8 +11,7 @@
 #include <string>
 #include <string_view>
 
-namespace ombrix
-{
+namespace ombrix {
 
 class SerialDevice
 {
@@ -50,4 +49,4 @@ private:
     std::unique_ptr<SerialDevice> m_device;
 };
 
-} // namespace ombrix
+}  // namespace ombrix

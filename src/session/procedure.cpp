@@ -37,7 +37,6 @@ void WaitOutStop()
 {
     while (notBefore && !notBefore->Passed())
         PumpEvents(notBefore->LeftMs());
-    notBefore.reset();
 }
 
 }  // namespace

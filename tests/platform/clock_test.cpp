@@ -123,6 +123,24 @@ TEST(Deadline, TellsWhatIsLeftRoundedUp)
     EXPECT_EQ(limit.LeftMs(), 1000);
 }
 
+TEST(Deadline, NeverTellsZeroWhileMicrosecondsAreLeft)
+{
+    class MicroClock : public Clock
+    {
+    public:
+        std::int64_t NowMicros() override { return now; }
+        void Pump(int) override {}
+        void CallAfter(int, std::function<void()>) override {}
+        std::int64_t now = 0;
+    } clock;
+    UseClock(&clock);
+    const Deadline limit(10);
+    clock.now = 9'999;
+    EXPECT_FALSE(limit.Passed());
+    EXPECT_EQ(limit.LeftMs(), 1) << "a wait of 0 would spin";
+    UseClock(nullptr);
+}
+
 TEST(Shutdown, IsThrownByThePumpAlone)
 {
     VirtualClock clock;
@@ -135,6 +153,18 @@ TEST(Shutdown, IsThrownByThePumpAlone)
     EXPECT_THROW(PumpEvents(0), Shutdown);
     RequestShutdown(false);
     EXPECT_NO_THROW(PumpEvents(0));
+}
+
+TEST(Shutdown, LetsNoWaitBegin)
+{
+    VirtualClock clock;
+    int events = 0;
+    CallAfter(0, [&] { ++events; });
+    RequestShutdown();
+    EXPECT_THROW(PumpEvents(kForever), Shutdown);
+    RequestShutdown(false);
+    EXPECT_EQ(events, 0);
+    EXPECT_EQ(clock.Elapsed(), 0);
 }
 
 TEST(Shutdown, UnwindsEveryLevelOfHandlers)
@@ -173,6 +203,17 @@ TEST(RunHandler, GivesAFaultToItsOutletAndLetsNothingThrough)
     EXPECT_NO_THROW(RunHandler([] { throw RuntimeFault(9, "Subscript out of range"); }));
     EXPECT_EQ(told, "Subscript out of range");
     FaultOutlet = [](const std::string &) {};
+}
+
+TEST(RunHandler, StartsNothingWhileHandlersAreClosed)
+{
+    int runs = 0;
+    CloseHandlers();
+    RunHandler([&] { ++runs; });
+    EXPECT_EQ(runs, 0);
+    CloseHandlers(false);
+    RunHandler([&] { ++runs; });
+    EXPECT_EQ(runs, 1);
 }
 
 TEST(RunHandler, StartsNothingWhileTheProgramEnds)

@@ -20,8 +20,7 @@
 
 using namespace ombrix;
 
-namespace
-{
+namespace {
 
 // A pseudo-terminal: the test is the far end.
 class Pty
@@ -84,7 +83,7 @@ int NumberOfRefusal(const std::string &device)
     return 0;
 }
 
-} // namespace
+}  // namespace
 
 TEST(SerialPort, CarriesBytesBothWays)
 {
@@ -110,6 +109,16 @@ TEST(SerialPort, AllEightBitsPassUnchanged)
     pty.Says(all);
     WaitForBytes(port, 256, 500);
     EXPECT_EQ(port.ReadAll(), all);
+}
+
+TEST(SerialPort, WhatTheLineSaidToNobodyIsNotRead)
+{
+    Pty pty;
+    pty.Says("stale\r");
+    SerialPort port;
+    port.Open(pty.Name());
+    WaitForBytes(port, 1, 50);
+    EXPECT_EQ(port.ReadAll(), "");
 }
 
 TEST(SerialPort, ALineThatCantSetRtsIsNoFailure)

@@ -85,6 +85,18 @@ TEST_F(Procedures, NothingStartsWhileTheProgramQuits)
     EXPECT_EQ(order, "");
 }
 
+TEST_F(Procedures, NothingFollowsAProcedureThatTheQuitEnds)
+{
+    RunProcedure([&] {
+        RunAfterStop([&] { order += "navigated"; });
+        Quitting = true;
+        Abort = false;
+        RunAfterStop([&] { order += "navigated"; });
+        EXPECT_FALSE(Abort) << "Quit speaks its last words undisturbed";
+    });
+    EXPECT_EQ(order, "");
+}
+
 TEST_F(Procedures, NavigationRunsAtOnceWhenNothingRuns)
 {
     Abort = true;
@@ -115,6 +127,32 @@ TEST_F(Procedures, NavigationAfterAProcedureThatIsSlowToEndWaitsNoLonger)
     });
     EXPECT_EQ(clock.Elapsed(), 3300);
     EXPECT_EQ(order, "loop loop-ended navigated");
+}
+
+TEST_F(Procedures, NavigationAbortsAProcedureWithoutALiveLoop)
+{
+    CallAfter(100, [&] { RunAfterStop([&] { order += "navigated"; }); });
+    RunProcedure([&] {
+        while (!Abort)
+            DelayMs(300);
+        order += "aborted ";
+    });
+    EXPECT_EQ(order, "aborted navigated");
+    EXPECT_EQ(clock.Elapsed(), 300) << "no live loop was stopped, so none is waited for";
+    EXPECT_FALSE(Abort);
+}
+
+TEST_F(Procedures, NavigationInSimulationDoesNotWaitForTheStoppedLoop)
+{
+    RealTimeDelays = false;
+    CallAfter(500, [&] { RunAfterStop([&] { order += "navigated"; }); });
+    RunProcedure([&] {
+        ArmStop();
+        while (!StopRequested)
+            DelayAlways(300);
+    });
+    EXPECT_EQ(order, "navigated");
+    EXPECT_EQ(clock.Elapsed(), 600);
 }
 
 TEST_F(Procedures, TheLastOfSeveralNavigationsCounts)
