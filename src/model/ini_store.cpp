@@ -26,7 +26,7 @@ std::vector<Section> sections;
 std::vector<IniPair> keys;
 
 std::string iniPath;
-bool fileUnreadable = false;
+bool fileUsable = true;
 bool toldSections = false;
 bool toldKeys = false;
 
@@ -38,17 +38,11 @@ void Tell(bool &told, const char *text)
     outlets.warnOperator(text, "Ombrix.ini Problem");
 }
 
-// Takes one line off the front: up to LF, CR LF or CR.
+// Takes one line off the front: up to LF or CR. Between the two of a CR LF stands one more line, an empty one.
 std::string_view TakeLine(std::string_view &text)
 {
-    const std::size_t end = text.find_first_of("\r\n");
-    const std::string_view line = text.substr(0, end);
-    if (end == std::string_view::npos) {
-        text = {};
-        return line;
-    }
-    const bool pair = text.substr(end, 2) == "\r\n";
-    text.remove_prefix(end + (pair ? 2 : 1));
+    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+    text.remove_prefix(std::min(line.size() + 1, text.size()));
     return line;
 }
 
@@ -69,6 +63,18 @@ void ReadLine(std::string_view line, std::string &section)
     if (section.empty() || equals == std::string_view::npos)
         return;
     IniSet(section, Trim(line.substr(0, equals)), Trim(line.substr(equals + 1)));
+}
+
+// False for a text of which nothing was understood: a file of another make, or in another encoding.
+bool ReadText(std::string_view text)
+{
+    if (text.starts_with("\xEF\xBB\xBF"))  // some editors put a byte order mark in front
+        text.remove_prefix(3);
+    const bool blank = Trim(text).empty();
+    std::string section;
+    while (!text.empty())
+        ReadLine(TakeLine(text), section);
+    return blank || !sections.empty() || !section.empty();
 }
 
 std::string LineOf(const IniPair &pair)
@@ -169,22 +175,21 @@ void LoadIni(const std::string &path)
     toldSections = toldKeys = false;
     iniPath = path;
     const std::optional<std::string> bytes = ReadFile(path);
-    fileUnreadable = !bytes && StateOfFile(path) != FileState::Missing;
-    if (fileUnreadable)
-        outlets.showRemark(path + " can't be read. Settings of this session won't be kept.");
-
-    std::string_view text = bytes ? std::string_view(*bytes) : std::string_view();
-    if (text.starts_with("\xEF\xBB\xBF"))  // some editors put a byte order mark in front
-        text.remove_prefix(3);
-    std::string section;
-    while (!text.empty())
-        ReadLine(TakeLine(text), section);
+    const bool understood = ReadText(bytes.value_or(""));
+    std::string obstacle;
+    if (!bytes && StateOfFile(path) != FileState::Missing)
+        obstacle = " can't be read.";
+    else if (!understood)
+        obstacle = " holds no settings.";
+    fileUsable = obstacle.empty();
+    if (!fileUsable)
+        outlets.showRemark(path + obstacle + " Settings of this session won't be kept.");
     IniDirty = false;
 }
 
 void SaveIni()
 {
-    if (!IniDirty || !IniReady || fileUnreadable)
+    if (!IniDirty || !IniReady || !fileUsable)
         return;
     const std::string error = WriteFile(iniPath, FileText());
     if (error.empty())

@@ -12,8 +12,8 @@ constexpr int kIniKeys = 512;
 extern bool IniDirty;  ///< a value changed since the last save
 extern bool IniReady;  ///< saves go to the file
 
-/// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read also
-/// makes the store unusable, so that it is never overwritten.
+/// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read or
+/// understood also makes the store unusable, so that it is never overwritten.
 void LoadIni(const std::string &path = "Ombrix.ini");
 /// Writes only when something changed and the store is usable. On a write error it stays dirty and says so.
 void SaveIni();

@@ -9,7 +9,7 @@ namespace ombrix {
 FileState StateOfFile(const std::string &path)
 {
     const QFileInfo info(QString::fromStdString(path));
-    if (!info.exists())
+    if (!info.exists() && !info.isSymLink())
         return FileState::Missing;
     return ReadFile(path) ? FileState::Readable : FileState::Unreadable;
 }

@@ -8,7 +8,8 @@ namespace ombrix {
 
 enum class FileState { Missing, Readable, Unreadable };
 
-/// Whether a file is there and can be read. A directory counts as unreadable.
+/// Whether a file is there and can be read. A directory counts as unreadable, and so does a link to nothing: the file
+/// behind it may come back.
 FileState StateOfFile(const std::string &path);
 
 /// The file's bytes; nothing when it is missing or can't be read.

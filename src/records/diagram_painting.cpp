@@ -57,7 +57,9 @@ Ink InkOf(const QPalette &palette)
     ink.dim = Readable(Mix(paper, text, 0.45), paper, text);
     ink.body = Mix(paper, text, 0.07);
     ink.accent = Readable(palette.color(QPalette::Highlight), paper, text);
-    ink.plus = Readable(QColor(214, 48, 48), paper, text);
+    // What is mixed with a pale text turns pale: a dark ground starts from a lighter red.
+    const bool dark = Luminance(paper) < Luminance(text);
+    ink.plus = Readable(dark ? QColor(255, 110, 100) : QColor(214, 48, 48), paper, text);
     return ink;
 }
 

@@ -235,7 +235,7 @@ void DrawConnectionDiagram(int row)
 {
     HideConnectionDiagram();
     const int kind = DiagramKind(row);
-    if (kind < kFirstDrawnKind || CalibTab == kTabAnaCal || SCType < kDc || SCType >= kAn)
+    if (kind < kFirstDrawnKind || CalibTab == kTabAnaCal)
         return;
     ShowInputs(kind);
     ShowBlock(JumperBlockOfBoard(SCType), RangeCaption(SCType, row), JumperLetters(SCType, row));

@@ -82,6 +82,13 @@ TEST_F(IniStore, DropsWhatIsNoPair)
     EXPECT_EQ(IniGet("Comms", "C"), "c");
 }
 
+TEST_F(IniStore, SkipsALineOfTwoCharactersEvenBrackets)
+{
+    Load("[Comms]\n[]\nCALPort=1\nA=\n");
+    EXPECT_EQ(IniGet("Comms", "CALPort"), "1");
+    EXPECT_EQ(IniKeyCount("Comms"), 1);
+}
+
 TEST_F(IniStore, DropsLinesBeforeTheFirstSection)
 {
     Load("CALPort=1\n[Comms]\nDPMPort=1\n");
@@ -130,6 +137,13 @@ TEST_F(IniStore, ContinuesASectionThatComesTwiceAndLetsTheLaterKeyWin)
 TEST_F(IniStore, ReadsFilesFromWindows)
 {
     Load("\xEF\xBB\xBF[Comms]\r\nCALPort=1\r\n\r\nDPMPort=2");
+    EXPECT_EQ(IniGet("Comms", "CALPort"), "1");
+    EXPECT_EQ(IniGet("Comms", "DPMPort"), "2");
+}
+
+TEST_F(IniStore, ReadsLinesThatEndInCarriageReturnsAlone)
+{
+    Load("[Comms]\rCALPort=1\r\rDPMPort=2\r");
     EXPECT_EQ(IniGet("Comms", "CALPort"), "1");
     EXPECT_EQ(IniGet("Comms", "DPMPort"), "2");
 }
@@ -278,6 +292,31 @@ TEST_F(IniStore, NeverOverwritesAFileThatItCouldNotRead)
     EXPECT_TRUE(IniDirty);
     EXPECT_EQ(Read("Ombrix.ini/inside"), "x");
     EXPECT_EQ(remarks.size(), 1u) << "said once, not at every save";
+}
+
+TEST_F(IniStore, NeverOverwritesAFileOfWhichItUnderstandsNothing)
+{
+    std::string wide = "\xFF\xFE";  // the same settings, two bytes a character
+    for (const char c : std::string("[Gains]\r\nDC.19=3.2961\r\n"))
+        wide += {c, '\0'};
+    for (const std::string &text : {wide, std::string("%PDF-1.4\nA=1\n"), std::string("=xyz\n")}) {
+        remarks.clear();
+        Load(text);
+        ASSERT_EQ(remarks.size(), 1u);
+        EXPECT_EQ(remarks[0], "Ombrix.ini holds no settings. Settings of this session won't be kept.");
+        IniSet("A", "One", "1");
+        EXPECT_EQ(Saved(), text);
+    }
+}
+
+TEST_F(IniStore, FillsAnEmptyFileAndOneWithASectionAlone)
+{
+    for (const std::string text : {"", "\xEF\xBB\xBF", "\r\n  \n", "[A]\n"}) {
+        Load(text);
+        IniSet("A", "One", "1");
+        EXPECT_EQ(Saved(), "[A]\nOne=1\n");
+    }
+    EXPECT_TRUE(remarks.empty());
 }
 
 TEST_F(IniStore, StaysDirtyAndSaysSoWhenItCannotWrite)

@@ -30,6 +30,8 @@ TEST(SafeFile, TellsMissingFromUnreadable)
     EXPECT_EQ(StateOfFile("folder"), FileState::Unreadable);
     EXPECT_EQ(WriteFile("b.ini", ""), "");
     EXPECT_EQ(StateOfFile("b.ini"), FileState::Readable);
+    ASSERT_TRUE(QFile::link("share/gone.ini", "link.ini"));
+    EXPECT_EQ(StateOfFile("link.ini"), FileState::Unreadable);
     EXPECT_FALSE(ReadFile("none").has_value());
     EXPECT_FALSE(ReadFile("folder").has_value());
 }

@@ -1,6 +1,7 @@
 #include "records/connector_drawing.h"
 
 #include "records/diagram_painting.h"
+#include "records/painted_texts.h"
 
 #include <gtest/gtest.h>
 
@@ -10,6 +11,8 @@
 #include <QPainter>
 #include <QPalette>
 
+#include <algorithm>
+#include <cmath>
 #include <string>
 
 namespace ombrix {
@@ -120,6 +123,89 @@ TEST(ConnectorPicture, AWireLeavesEachUsedPlaceAndNoOther)
             EXPECT_EQ(At(image, outside), ColourOf(Polarities(kind)[place])) << kind << " " << place;
         }
     }
+}
+
+std::vector<PaintedText> TextsOf(int kind)
+{
+    return TextsPaintedBy([&](QPainter &painter) { PaintConnector(painter, kind, QPalette()); }, QApplication::font());
+}
+
+// The word that the box writes at the end of a place's wire, "" for none.
+std::string WordAtWireOf(int kind, int place)
+{
+    const QFontMetrics metrics(QApplication::font());
+    std::string found;
+    for (const PaintedText &word : TextsOf(kind)) {
+        const bool sign = word.text == "+" || word.text == "\u2212" || word.text == "HI" || word.text == "LO";
+        if (sign && std::abs(word.middle.y() - TerminalOf(place, metrics).center().y()) < metrics.height() / 2.0)
+            found += word.text;
+    }
+    return found;
+}
+
+TEST(ConnectorPicture, EachWireEndsAtTheSignOfItsPolarity)
+{
+    for (const int kind : kKinds) {
+        const bool ac = kind >= 5 && kind <= 7;
+        const std::string plus = ac ? "HI" : "+";
+        const std::string minus = ac ? "LO" : "\u2212";
+        for (int place = 0; place < kPlaces; place++) {
+            const char polarity = Polarities(kind)[place];
+            EXPECT_EQ(WordAtWireOf(kind, place), polarity == '+'   ? plus
+                                                 : polarity == '-' ? minus
+                                                                   : "")
+                << kind << " " << place;
+        }
+    }
+}
+
+TEST(ConnectorPicture, ASignHasTheColourOfItsWire)
+{
+    for (const int kind : kKinds) {
+        for (const PaintedText &word : TextsOf(kind)) {
+            const bool plus = word.text == "+" || word.text == "HI";
+            EXPECT_EQ(word.colour, ColourOf(plus ? '+' : '-')) << kind << " " << word.text;
+        }
+    }
+}
+
+TEST(ConnectorPicture, TheSourceSaysWhatItGives)
+{
+    const std::string units[] = {"V", "A", "\u03a9", "EXC"};
+    for (const int kind : kKinds) {
+        std::string said;
+        for (const PaintedText &word : TextsOf(kind)) {
+            if (std::find(std::begin(units), std::end(units), word.text) != std::end(units))
+                said += word.text + " ";
+        }
+        const bool current = kind == 3 || kind == 7;
+        const bool ratio = kind == 4 || kind == 9;
+        EXPECT_EQ(said, kind == 10 ? "\u03a9 " : ratio ? "EXC V " : current ? "A " : "V ") << kind;
+    }
+}
+
+// The longest level stroke in the colour of the signs, right of the wires and off their heights.
+int LongestStroke(const QImage &image)
+{
+    const QFontMetrics metrics(QApplication::font());
+    const QColor line = InkOf(QPalette()).line;
+    int longest = 0;
+    for (int y = 0; y < image.height(); y++) {
+        int run = 0;
+        for (int x = static_cast<int>(2 * (TerminalOf(0, metrics).right() + 30)); x < image.width(); x++) {
+            run = image.pixelColor(x, y) == line ? run + 1 : 0;
+            longest = std::max(longest, run);
+        }
+    }
+    return longest;
+}
+
+TEST(ConnectorPicture, OnlyDirectCurrentHasTheLevelStrokeOfItsSign)
+{
+    for (const int kind : {2, 3, 8})
+        EXPECT_GE(LongestStroke(Picture(kind, 2, QApplication::font())), 28) << kind;
+    for (const int kind : {5, 6, 7})
+        EXPECT_LT(LongestStroke(Picture(kind, 2, QApplication::font())), 20) << kind;
 }
 
 // How many boxes a line meets on its way from beside the connector to the right edge, between two places.

@@ -9,6 +9,8 @@
 #include <QPainter>
 #include <QPalette>
 
+#include <algorithm>
+#include <cstdlib>
 #include <stdexcept>
 #include <string>
 
@@ -49,6 +51,20 @@ TEST(DiagramInk, StandsOutFromThePaperInLightAndDark)
         EXPECT_GE(Contrast(ink.line, ink.body), 4.5);
         EXPECT_GE(Contrast(ink.plus, ink.body), 3.0);
         EXPECT_NE(ink.accent, ink.dim);
+    }
+}
+
+TEST(DiagramInk, PlusIsRedBesideAMinusThatIsNot)
+{
+    const QPalette palettes[] = {
+        Colours(Qt::white, Qt::black, QColor(32, 96, 176)),
+        Colours(QColor(30, 30, 32), QColor(230, 230, 230), QColor(48, 140, 198)),
+        Colours(QColor(72, 72, 78), QColor(240, 240, 240), QColor(64, 128, 208)),
+    };
+    for (const QPalette &palette : palettes) {
+        const Ink ink = InkOf(palette);
+        EXPECT_GE(ink.plus.red() - std::max(ink.plus.green(), ink.plus.blue()), 80) << ink.paper.red();
+        EXPECT_LT(std::abs(ink.line.red() - ink.line.green()), 10) << ink.paper.red();
     }
 }
 

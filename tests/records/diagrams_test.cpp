@@ -10,6 +10,8 @@
 
 #include <gtest/gtest.h>
 
+#include <QFontInfo>
+#include <QFontMetrics>
 #include <QFrame>
 #include <QImage>
 #include <QLabel>
@@ -437,6 +439,32 @@ TEST_F(Diagrams, AnOldWindowIsStillDrawnAfterANewOneIsMade)
     EXPECT_EQ(old->grab().toImage(), before);
 }
 
+TEST_F(Diagrams, ALabelStandsOverThePositionOfItsFirstLetter)
+{
+    Show(kDc, 5);
+    auto *label = Find<QLabel>("lblJmprE(1)");
+    const JumperRow row{"abcde fgh", 1, "e,g"};
+    const QFontMetrics metrics = label->fontMetrics();
+    const double letter = label->x() + metrics.horizontalAdvance("(") + metrics.horizontalAdvance("e") / 2.0;
+    EXPECT_NEAR(letter, CapOf(row, 'e', Find("imgDCE2")->fontMetrics()).center().x(), 2.0);
+}
+
+TEST_F(Diagrams, StandOnPaperInAReadableFont)
+{
+    column->setFont(QFont(column->font().family(), 5));
+    auto other = std::make_unique<QWidget>();
+    other->setFont(QFont(column->font().family(), 5));
+    BuildDiagrams(other.get());
+    column = std::move(other);
+    Show(kRtd, 1);
+    for (const char *name : {"fraInputs", "fraJumperBlock(8)"}) {
+        const QImage image = Find(name)->grab().toImage();
+        EXPECT_EQ(image.pixelColor(3, image.height() - 4), column->palette().color(QPalette::Base)) << name;
+    }
+    for (const char *name : {"lblInp(2)", "lblJmprRTD", "imgRTD", "imgInputs"})
+        EXPECT_GE(QFontInfo(Find(name)->font()).pointSizeF(), 8.8) << name;
+}
+
 TEST_F(Diagrams, EveryRangeFitsTheColumn)
 {
     for (const Range &range : kRanges) {
@@ -533,6 +561,14 @@ TEST_F(CableMessages, PagesWithoutAPlaceForItLeaveItToTheNextRange)
     EXPECT_EQ(Show(kAc3, 0, Step::SendFile), MessageFor("2", "Voltage"));
     EXPECT_EQ(Show(kAc3, 5, Step::Verify), "");
     EXPECT_EQ(Show(kAc3, 0, Step::Gnd), "");
+}
+
+TEST_F(CableMessages, TheAnalogTabGivesNoneAndLeavesTheMemoryAlone)
+{
+    CalibTab = kTabAnaCal;
+    EXPECT_EQ(Show(kAc3, 0), "");
+    CalibTab = kTabAc;
+    EXPECT_NE(Show(kAc3, 0), "");
 }
 
 TEST_F(CableMessages, ANewWindowAsksAnew)

@@ -1,6 +1,7 @@
 #include "records/jumper_drawing.h"
 
 #include "records/diagram_painting.h"
+#include "records/painted_texts.h"
 
 #include <gtest/gtest.h>
 
@@ -126,6 +127,39 @@ TEST(JumperRowPicture, FillsThePositionsToSetAndNoOther)
                     << row.positions << " " << letter << " at " << scale;
             }
         }
+    }
+}
+
+TEST(JumperRowPicture, WritesEachLetterUnderItsPosition)
+{
+    const Ink ink = InkOf(QPalette());
+    for (const JumperRow &row : {JumperRow{"abcde fgh", 1, "a,b,g"}, JumperRow{"AB", 3, "B"}, JumperRow{"ab", 1, ""}}) {
+        std::string written;
+        const auto paint = [&](QPainter &painter) { PaintJumperRow(painter, row, QPalette()); };
+        for (const PaintedText &letter : TextsPaintedBy(paint, QApplication::font())) {
+            ASSERT_EQ(letter.text.size(), 1u);
+            const bool set = row.set.find(letter.text) != std::string::npos;
+            EXPECT_TRUE(LetterOf(row, letter.text[0], Metrics()).contains(letter.middle)) << letter.text;
+            EXPECT_EQ(letter.colour, set ? ink.paper : ink.dim) << letter.text;
+            written += letter.text;
+        }
+        std::string expected = row.positions;
+        std::erase(expected, ' ');
+        EXPECT_EQ(written, expected);
+    }
+}
+
+TEST(JumperRowPicture, ShowsThePinsThroughTheCap)
+{
+    const Ink ink = InkOf(QPalette());
+    const JumperRow row{"ab", 1, "b"};
+    const QImage image = Picture(row, 2);
+    for (const char letter : row.positions) {
+        const QRectF cap = CapOf(row, letter, Metrics());
+        bool pin = false;
+        for (double y = cap.top(); y < cap.center().y(); y += 0.5)
+            pin |= At(image, QPointF(cap.center().x() - 2.5, y)) == (letter == 'b' ? ink.paper : ink.dim);
+        EXPECT_TRUE(pin) << letter;
     }
 }
 
