@@ -23,7 +23,7 @@ namespace {
 using test::ScriptedOperator;
 
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
-constexpr int kRounds = 2;  // Ready and one Repeat: the simulator's noise falls with each correction
+constexpr int kRounds = 3;  // Ready and two Repeats: the simulator's noise falls with each correction
 
 struct RangeResult {
     std::string title;
