@@ -20,7 +20,7 @@ private:
     std::string m_text;
 };
 
-/// The data of a definite-length block "#209*1X16DZ\r"; nothing when it is none.
+/// The data of a definite-length block "#208*1X16DZ\r"; nothing when it is none.
 std::optional<std::string> BlockData(std::string_view block);
 
 /// How a block is written: one digit of length digits and as many as are needed, two length digits, or open-ended.

@@ -8,7 +8,6 @@
 #include <memory>
 #include <string>
 
-#include "bench_line.h"
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
 #include "links/meter_link.h"
@@ -17,14 +16,18 @@
 #include "links/output_switch.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
+#include "platform/clock.h"
 #include "platform/text.h"
 #include "procedures/range_engine.h"
+#include "session/delays.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "support/bench_lines.h"
 #include "support/virtual_clock.h"
 #include "testbench/bench.h"
 #include "testbench/boards.h"
+#include "testbench/meter.h"
 
 namespace ombrix::bench {
 
@@ -103,8 +106,8 @@ protected:
         CalPort = setup.uut ? 1 : 2;
         MeterPort = setup.uut ? 0 : 1;
         bench = std::make_unique<Bench>(setup);
-        lines = std::make_unique<test::BenchLines>(clock, *bench, PortDevice(setup.uut ? 1 : 2),
-                                                   PortDevice(setup.uut ? 2 : 1));
+        lines = std::make_unique<test::BenchLines>(clock, *bench, PortDevice(setup.uut ? 2 : 1),
+                                                   PortDevice(setup.uut ? 1 : 2));
         SCType = setup.board;
         CalibTab = TabOfBoard(setup.board);
     }
