@@ -17,14 +17,8 @@ namespace {
 constexpr int kStopMs = 1000;  // what a live loop gets to end
 
 bool running = false;
-std::function<void()> waiting;      // the action that follows the running procedure
+std::function<void()> waiting;      // what runs next, when the running procedure has unwound
 std::optional<Deadline> notBefore;  // end of the stopped loop's 1000 ms
-
-void RunOne(const std::function<void()> &body)
-{
-    const ScopedFlag scope(running);
-    body();
-}
 
 // A stop that came too late for the procedure before doesn't reach this one.
 void ForgetStop()
@@ -74,18 +68,14 @@ bool RunProcedure(const std::function<void()> &body)
 {
     if (running || Quitting)
         return false;
-    waiting = nullptr;
+    waiting = body;
     notBefore.reset();
-    RunOne([&body] {
+    while (waiting && !Quitting) {
+        const ScopedFlag scope(running);
+        WaitOutStop();
         ForgetStop();
-        body();
-    });
-    while (waiting && !Quitting)
-        RunOne([] {
-            WaitOutStop();
-            ForgetStop();
-            std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
-        });
+        std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
+    }
     return true;
 }
 
