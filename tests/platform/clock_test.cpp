@@ -7,7 +7,9 @@
 
 #include <QTimer>
 
+#include <algorithm>
 #include <ctime>
+#include <limits>
 #include <stdexcept>
 
 using namespace ombrix;
@@ -34,40 +36,52 @@ double CpuSeconds()
 
 }  // namespace
 
+// A busy machine may be late at any time; that one of several tries is punctual shows what the pump can do. None may
+// ever be early.
+template <class Try> void ExpectPunctual(Try lateness)
+{
+    std::int64_t best = std::numeric_limits<std::int64_t>::max();
+    for (int tries = 0; tries < 20 && best > 2000; ++tries) {
+        const std::int64_t late = lateness();
+        ASSERT_GE(late, 0) << "microseconds too short";
+        best = std::min(best, late);
+    }
+    EXPECT_LE(best, 2000) << "microseconds";
+}
+
 TEST(RealClock, AWaitIsNeverShorterThanToldAndAtMostTwoMillisecondsLonger)
 {
-    int late = 0;
-    for (int ms : {1, 8, 50, 300}) {
-        const std::int64_t took = WaitReal(ms);
-        EXPECT_GE(took, ms * 1000);
-        late += took > ms * 1000 + 2000 ? 1 : 0;
-    }
-    EXPECT_LE(late, 1) << "the machine may be busy once";
+    for (int ms : {1, 8, 50, 300})
+        ExpectPunctual([ms] { return WaitReal(ms) - ms * 1000; });
 }
 
 TEST(RealClock, WaitsInsideWaitsKeepTheirLengths)
 {
-    std::int64_t inner = 0;
-    std::int64_t innermost = 0;
-    QTimer::singleShot(10, Qt::PreciseTimer, [&] {
-        QTimer::singleShot(10, Qt::PreciseTimer, [&] { innermost = WaitReal(20); });
-        inner = WaitReal(60);
+    ExpectPunctual([] {
+        std::int64_t inner = 0;
+        std::int64_t innermost = 0;
+        QTimer::singleShot(5, Qt::PreciseTimer, [&] {
+            QTimer::singleShot(5, Qt::PreciseTimer, [&] { innermost = WaitReal(20) - 20'000; });
+            inner = WaitReal(40) - 40'000;
+        });
+        const std::int64_t outer = WaitReal(80) - 80'000;
+        EXPECT_GE(std::min(inner, innermost), 0) << "microseconds too short";
+        return std::max({inner, innermost, outer});
     });
-    const std::int64_t outer = WaitReal(120);
-    EXPECT_GE(innermost, 20'000);
-    EXPECT_LE(innermost, 24'000);
-    EXPECT_GE(inner, 60'000);
-    EXPECT_LE(inner, 64'000);
-    EXPECT_GE(outer, 120'000);
-    EXPECT_LE(outer, 124'000);
 }
 
 TEST(RealClock, AnOuterWaitThatIsOverEndsWithTheInnerOne)
 {
-    QTimer::singleShot(10, Qt::PreciseTimer, [] { WaitReal(80); });
-    const std::int64_t outer = WaitReal(20);
-    EXPECT_GE(outer, 90'000);
-    EXPECT_LE(outer, 96'000);
+    ExpectPunctual([] {
+        std::int64_t innerEnd = 0;
+        QTimer::singleShot(10, Qt::PreciseTimer, [&] {
+            WaitReal(40);
+            innerEnd = NowMicros();
+        });
+        const std::int64_t outer = WaitReal(20);
+        EXPECT_GE(outer, 50'000);
+        return NowMicros() - innerEnd;
+    });
 }
 
 TEST(RealClock, WaitingTakesNoProcessorTime)
