@@ -12,7 +12,7 @@ namespace ombrix::bench {
 class Bench::Parts
 {
 public:
-    explicit Parts(const BenchSetup &setup);
+    explicit Parts(const BenchSetup &wanted);
 
     /// Lets everything happen that is due up to now, in its order.
     void Advance(Micros now);

@@ -236,7 +236,7 @@ std::string Calibrator::NextError()
 {
     if (m_errors.empty())
         return "0,\"No Error\"";
-    const std::string error = m_errors.front();
+    std::string error = m_errors.front();
     m_errors.pop_front();
     return error;
 }

@@ -73,7 +73,7 @@ private:
         double hertz = 0;
         bool operate = false;
     };
-    void ExecuteOne(std::string_view command, Micros now, std::string &reply);
+    void ExecuteOne(std::string_view text, Micros now, std::string &reply);
     bool ExecuteQuery(std::string_view head, std::string &reply);
     bool ExecuteSetting(std::string_view head, const std::string &argument);
     void SetOutput(const std::string &text);

@@ -37,7 +37,7 @@ double DrawGain(int board, int word, Dice &dice)
 // 15 to 60 display counts of its own step.
 void DrawOffset(int board, int word, Unit &unit, Dice &dice)
 {
-    const double nominalSlope = static_cast<double>(DefaultSlopeOf(board, word));
+    const auto nominalSlope = static_cast<double>(DefaultSlopeOf(board, word));
     const double slope = nominalSlope * (1 + dice.Between(-0.09, 0.09));
     unit.offsetEffect[word] = 1 / (slope * OffsetStepScale(board));
     unit.ideal[word] = Nominal(board, word) + dice.Apart(15, 60) * slope;
