@@ -211,7 +211,7 @@ bool Bench::Parts::HearTunnelCommand(const std::string &line, Micros now)
     constexpr std::string_view kSet = "UUT_SET ";
     constexpr std::string_view kSend = "UUT_SEND ";
     if (line.starts_with(kSet)) {
-        if (!uutPort.Set(std::string_view(line).substr(kSet.size())))
+        if (!UutPort::CanBeSet(std::string_view(line).substr(kSet.size())))
             calibrator.AddError(110, "Bad argument", line);
     } else if (line.starts_with(kSend)) {
         const auto data = BlockData(std::string_view(line).substr(kSend.size()));

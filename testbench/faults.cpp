@@ -54,7 +54,7 @@ std::vector<std::string> Faults::Names()
 
 std::optional<Fault> Faults::Named(std::string_view name)
 {
-    const auto found = std::find(kNames.begin(), kNames.end(), name);
+    const auto *const found = std::find(kNames.begin(), kNames.end(), name);
     if (found == kNames.end())
         return std::nullopt;
     return static_cast<Fault>(found - kNames.begin());

@@ -1,5 +1,6 @@
 #include "testbench/truth.h"
 
+#include <algorithm>
 #include <cmath>
 #include <functional>
 #include <string_view>
@@ -105,10 +106,8 @@ ErrorOfWords RangeError(const Hardware &hardware, const RangeRecord &record)
 
 bool AllEqual(const Words &words, std::initializer_list<int> group)
 {
-    for (const int word : group)
-        if (words[word] != words[*group.begin()])
-            return false;
-    return true;
+    const auto first = words[*group.begin()];
+    return std::ranges::all_of(group, [&](int word) { return words[word] == first; });
 }
 
 bool CompanionsAgree(int board, int word, const Words &words)

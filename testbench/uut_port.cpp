@@ -71,7 +71,7 @@ std::optional<std::string> BlockData(std::string_view block)
     return std::string(block.substr(head->start));
 }
 
-bool UutPort::Set(std::string_view settings)
+bool UutPort::CanBeSet(std::string_view settings)
 {
     return settings == "9600,XON,DBIT8,SBIT1,PNONE";
 }

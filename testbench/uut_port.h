@@ -29,8 +29,8 @@ enum class BlockForm { Shortest, TwoDigits, OpenEnded };
 class UutPort
 {
 public:
-    /// Settings as UUT_SET tells them, "9600,XON,DBIT8,SBIT1,PNONE". False for settings that no meter understands.
-    bool Set(std::string_view settings);
+    /// Settings as UUT_SET tells them. The only ones that a meter understands are "9600,XON,DBIT8,SBIT1,PNONE".
+    static bool CanBeSet(std::string_view settings);
     void Hear(std::string_view bytes) { m_waiting += bytes; }
     void Flush() { m_waiting.clear(); }
     /// All that waits, as a block without its CR LF. Each block takes the next of the three forms; data with a line

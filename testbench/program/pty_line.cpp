@@ -32,7 +32,7 @@ std::string PtyLine::Open()
     unlink(m_link.c_str());
     if (symlink(name.data(), m_link.c_str()) == 0)
         return "";
-    const std::string trouble = m_link + " can't be made: " + std::strerror(errno);
+    std::string trouble = m_link + " can't be made: " + std::strerror(errno);
     Close();
     return trouble;
 }
@@ -48,7 +48,7 @@ void PtyLine::Close()
     m_master = m_slave = -1;
 }
 
-void PtyLine::WaitUntilRead()
+void PtyLine::WaitUntilRead() const
 {
     constexpr useconds_t kStepMicros = 5000;
     constexpr int kSteps = 10;
@@ -57,7 +57,7 @@ void PtyLine::WaitUntilRead()
         usleep(kStepMicros);
 }
 
-std::string PtyLine::ReadAll()
+std::string PtyLine::ReadAll() const
 {
     std::string bytes;
     std::array<char, 1024> buffer{};
@@ -70,7 +70,7 @@ std::string PtyLine::ReadAll()
     return bytes;
 }
 
-void PtyLine::Write(std::string_view bytes)
+void PtyLine::Write(std::string_view bytes) const
 {
     while (IsOpen() && !bytes.empty()) {
         const ssize_t count = write(m_master, bytes.data(), bytes.size());
@@ -80,7 +80,7 @@ void PtyLine::Write(std::string_view bytes)
     }
 }
 
-void PtyLine::LetOthersIn()
+void PtyLine::LetOthersIn() const
 {
     if (IsOpen())
         ioctl(m_slave, TIOCNXCL);

@@ -24,14 +24,14 @@ public:
     int Descriptor() const { return m_master; }
     const std::string &Link() const { return m_link; }
 
-    std::string ReadAll();
+    std::string ReadAll() const;
     /// What finds no room, since nobody reads it, is lost.
-    void Write(std::string_view bytes);
+    void Write(std::string_view bytes) const;
     /// A station that was killed leaves its lock on the terminal; this lets the next one in.
-    void LetOthersIn();
+    void LetOthersIn() const;
 
 private:
-    void WaitUntilRead();
+    void WaitUntilRead() const;
 
     std::string m_link;
     int m_master = -1;

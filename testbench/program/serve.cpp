@@ -128,7 +128,7 @@ public:
 
     void Run(const sigset_t &asleep)
     {
-        while (!ended && !m_quit) {
+        while (ended == 0 && !m_quit) {
             Sleep(asleep);
             Carry(Line::Meter, m_meter);
             if (m_options.setup.calibrator)
@@ -226,7 +226,7 @@ std::string Serve(const Options &options)
     if (folder.Path().empty())
         return (options.station.empty() ? "/tmp" : options.station) + ": " + std::strerror(errno);
     Server server(options, folder.Path());
-    const std::string trouble = server.Start();
+    std::string trouble = server.Start();
     if (trouble.empty())
         server.Run(signals.WhileAsleep());
     return trouble;
