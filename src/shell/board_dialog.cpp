@@ -199,10 +199,4 @@ void AskBoard()
         WriteMeterIdentity(ask.kind, ask.xmtr, ask.board, ask.code);
 }
 
-void CloseBoardDialog()
-{
-    if (asking)
-        asking->window->hide();
-}
-
 }  // namespace ombrix
