@@ -56,6 +56,7 @@ QWidget *BuildBoardChooser(QWidget *parent)
 {
     fraTabSelect = Group(parent, "fraTabSelect", "");
     auto *row = new QHBoxLayout(fraTabSelect);
+    row->setSpacing(24);
     for (int index = 0; index < kChoices; index++) {
         optTabSelect[index] =
             Option(fraTabSelect, Indexed("optTabSelect", index), "", [index] { optTabSelect_Click(index); });

@@ -56,6 +56,7 @@ struct Asking {
 
     Dialog *window = nullptr;
     std::vector<QRadioButton *> optSC;
+    QCheckBox *chkXmtr = nullptr;
     QPushButton *OKButton = nullptr;
 };
 Asking *asking = nullptr;  // the one that is up
@@ -89,11 +90,6 @@ void optMeter_Click(int index)
     asking->kind = kind;
 }
 
-void chkXmtr_Click(bool on)
-{
-    asking->xmtr = on;
-}
-
 void OKButton_Click()
 {
     asking->OKButton->setEnabled(false);  // the writes behind it take their time
@@ -118,9 +114,9 @@ QGroupBox *BuildMeterGroup()
         SetOption(option, index + 1 == asking->kind);
         row->addWidget(option);
     }
-    auto *chkXmtr = Check(fraMeter, "chkXmtr", "Xmtr", nullptr);
-    QObject::connect(chkXmtr, &QCheckBox::clicked, chkXmtr, chkXmtr_Click);
-    row->addWidget(chkXmtr);
+    asking->chkXmtr = Check(fraMeter, "chkXmtr", "Xmtr", nullptr);
+    asking->chkXmtr->setChecked(asking->xmtr);
+    row->addWidget(asking->chkXmtr);
     return fraMeter;
 }
 
@@ -196,13 +192,7 @@ void AskBoard()
     while (!ask.answered && !ask.dropped)
         PumpEvents(kForever);
     if (ask.answered)
-        WriteMeterIdentity(ask.kind, ask.xmtr, ask.board, ask.code);
-}
-
-void CloseBoardDialog()
-{
-    if (asking)
-        asking->window->hide();
+        WriteMeterIdentity(ask.kind, ask.chkXmtr->isChecked(), ask.board, ask.code);
 }
 
 }  // namespace ombrix

@@ -7,7 +7,4 @@ namespace ombrix {
 /// how much it asks.
 void AskBoard();
 
-/// Takes the dialog away unanswered.
-void CloseBoardDialog();
-
 }  // namespace ombrix

@@ -91,7 +91,6 @@ void OpenFirstTab()
 void Establish()
 {
     const NavigationLock lock;
-    Abort = false;  // a left-over one would empty the calibrator's first answer
     HideStatus();
     const Wiring wiring = ChosenWiring();
     const std::string trouble = OpenLinks(wiring);

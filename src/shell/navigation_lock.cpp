@@ -56,7 +56,6 @@ NavigationLock::~NavigationLock()
 {
     if (--locks > 0)
         return;
-    Abort = false;  // Esc ended this navigation, not the next thing
     EnableSetupControls(true);
     EnableBoardChooser(true);
     if (!pageHasSpoken || std::uncaught_exceptions() > m_exceptions)

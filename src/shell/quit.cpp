@@ -9,7 +9,6 @@
 #include "session/delays.h"
 #include "session/procedure.h"
 #include "session/state.h"
-#include "shell/board_dialog.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
 
@@ -32,13 +31,12 @@ namespace {
 // Closing a port takes its speed away at once: what was said last must have left by then.
 constexpr int kLastBytesMs = 100;
 
-// No click starts anything any more, and the window shows it; what stood open below is not answered.
+// No click starts anything any more, and the window shows it.
 void CloseDoors()
 {
     CloseHandlers();
     frmOmbrix->centralWidget()->setEnabled(false);
     CloseBoxes();
-    CloseBoardDialog();
 }
 
 // While an Establish runs, and after a failed or dropped one, there is no session, but the calibrator may hold its

@@ -17,11 +17,22 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QTabBar>
+#include <QWheelEvent>
 
 #include <utility>
 
 namespace ombrix {
 namespace {
+
+// A turn of the wheel is no click: it would leave the board in work by accident.
+class Strip : public QTabBar
+{
+public:
+    using QTabBar::QTabBar;
+
+protected:
+    void wheelEvent(QWheelEvent *event) override { event->ignore(); }
+};
 
 QTabBar *tabCalib = nullptr;
 int stripTab = 0;  // where the strip stood last, also when nothing followed
@@ -103,7 +114,7 @@ void tabCalib_Press(int tab)
 
 QWidget *BuildTabStrip(QWidget *parent)
 {
-    tabCalib = new QTabBar(parent);
+    tabCalib = new Strip(parent);
     tabCalib->setObjectName("tabCalib");
     for (const char *caption : {"DC", "AC", "LC", "TC", "VF", "AnaCal"})
         tabCalib->addTab(caption);

@@ -108,6 +108,17 @@ TEST_F(BoardDialog, WithAKnownKindItAsksForTheBoardAloneAndIsSmaller)
     ASSERT_TRUE(person.Runs());
 }
 
+TEST_F(BoardDialog, TakesAKnownBoardFromTheMeter)
+{
+    MeterKind = kDpm;
+    MeterSCType = kRtd;
+    BoardCode = "41";
+    Asks().Does([] { EXPECT_EQ(BoardShown(), "RTD / Ohms"); }).Clicks("OKButton");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(MeterSCType, kRtd);
+    EXPECT_EQ(SimNvm[21] & 0xFF, 0x41);
+}
+
 TEST_F(BoardDialog, WithAnUnknownKindItAsksForTheMeterToo)
 {
     MeterKind = -1;

@@ -266,5 +266,7 @@ TEST_F(Establish, EscEndsIt)
     person.Clicks("cmdEstablish").Waits(100).Presses(Qt::Key_Escape);
     ASSERT_TRUE(person.Runs());
     ExpectFailure("Error on COM2: Calibrator not found");
-    EXPECT_FALSE(Abort);
+    PlainCalibrator again(calibratorLine);
+    Try();
+    ExpectSuccess("Communications established  --  Calibrator on COM2 and DPM on COM1");
 }

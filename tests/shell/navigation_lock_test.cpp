@@ -30,6 +30,21 @@ TEST_F(Lock, NavigationIsLockedWhileAnEntryTalks)
     EXPECT_TRUE(HasFocus(StepButton(4))) << "a page that takes no focus leaves it on the step";
 }
 
+TEST_F(Lock, ButtonsThatAreFilledMeanwhileStayOffUntilItsEnd)
+{
+    EstablishSimulated();
+    bool prepared = false;
+    RegisterTab(kTabLc, [&] {
+        prepared = true;
+        EXPECT_EQ(Text(StepButton(2)), "GND (.5 V)");
+        EXPECT_FALSE(IsEnabled(StepButton(2)));
+    });
+    ClickTab(kTabLc);
+    RegisterTab(kTabLc, {});
+    EXPECT_TRUE(prepared);
+    EXPECT_TRUE(IsEnabled(StepButton(2)));
+}
+
 TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
 {
     EstablishSimulated();

@@ -35,6 +35,7 @@ TEST_F(OperatorBoxes, APromptCarriesAnExclamationMarkAndWaitsForOk)
         EXPECT_EQ(ScriptedOperator::BoxText(), "Remove any input signal from the meter");
         EXPECT_EQ(ScriptedOperator::BoxTitle(), "Remove Input");
         EXPECT_EQ(Box()->buttons().size(), 1);
+        EXPECT_EQ(Box()->textFormat(), Qt::PlainText);
         Box()->button(QMessageBox::Ok)->click();
     });
     person.Within(4000);
@@ -54,10 +55,10 @@ TEST_F(OperatorBoxes, AWarningCarriesAStopSign)
     EXPECT_EQ(Box(), nullptr);
 }
 
-TEST_F(OperatorBoxes, LineEndsAreLineBreaksAndAngleBracketsAreText)
+TEST_F(OperatorBoxes, LineEndsAreLineBreaks)
 {
-    person.onBox = [](const std::string &, const std::string &text) { EXPECT_EQ(text, "<b>one</b>\ntwo"); };
-    person.Does([] { RunProcedure([] { outlets.promptOperator("<b>one</b>\r\ntwo", "Title"); }); });
+    person.onBox = [](const std::string &, const std::string &text) { EXPECT_EQ(text, "one\ntwo"); };
+    person.Does([] { RunProcedure([] { outlets.promptOperator("one\r\ntwo", "Title"); }); });
     person.Does([] { EXPECT_EQ(Box(), nullptr); });
     ASSERT_TRUE(person.Runs());
 }

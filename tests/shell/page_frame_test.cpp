@@ -105,5 +105,7 @@ TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
     person.Clicks(StepButton(4)).Waits(100).Presses(Qt::Key_Escape);
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(stopped);
-    EXPECT_FALSE(Abort) << "what Esc ended is over";
+    RegisterProbe(6, [] { EXPECT_FALSE(Abort) << "what Esc ended is over"; });
+    Click(StepButton(5));
+    EXPECT_EQ(CurrentStepButton, 5);
 }

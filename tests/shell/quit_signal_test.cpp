@@ -42,9 +42,12 @@ TEST_F(QuitUnasked, ASignalEndsTheQuestionOfAQuitThatWaits)
     Click("optManual");
     EstablishOnLines();
     ClicksQuit().WaitsUntil("the box is up", [] { return !ScriptedOperator::BoxText().empty(); });
-    SignalComes();
+    bool gone = false;
+    SignalComes().Does([&] { gone = ScriptedOperator::BoxText().empty(); });
     ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(gone);
     EXPECT_FALSE(frmOmbrix->isVisible());
+    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
     EXPECT_LT(clock.Elapsed(), 4000);
 }
 

@@ -97,6 +97,16 @@ TEST_F(StartUp, RevisionOfZeroGivesATitleWithoutASecondPoint)
     EXPECT_EQ(VersionText(1, 2, 3), " 1.2.3");
 }
 
+TEST_F(StartUp, QuitNeverGetsTheFocusFromAButtonThatGoesOff)
+{
+    EstablishSimulated();
+    ScriptedOperator::Find("cmdSetup")->setFocus();
+    ASSERT_TRUE(HasFocus("cmdSetup"));
+    EnableSteps(false);
+    EXPECT_FALSE(HasFocus("cmdSetup"));
+    EXPECT_FALSE(HasFocus("cmdQuit"));
+}
+
 TEST_F(StartUp, TheWindowIs1100By760)
 {
     EXPECT_EQ(frmOmbrix->size(), QSize(1100, 760));

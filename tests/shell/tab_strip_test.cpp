@@ -7,6 +7,8 @@
 #include "shell/shell_fixture.h"
 #include "shell/step_buttons.h"
 
+#include <QWheelEvent>
+
 using namespace ombrix;
 using namespace ombrix::test;
 
@@ -123,6 +125,19 @@ TEST_F(TabStrip, AnotherMouseButtonIsNoClickOnATab)
     });
     ASSERT_TRUE(person.Runs());
     EXPECT_EQ(CurrentStepButton, 2);
+}
+
+TEST_F(TabStrip, ATurnOfTheWheelIsNoClickEither)
+{
+    EstablishSimulated();
+    person.Does([] {
+        const QPointF middle = Strip()->tabRect(kTabDc).center();
+        QWheelEvent event(middle, Strip()->mapToGlobal(middle), {}, {0, -120}, {}, {}, Qt::NoScrollPhase, false);
+        QCoreApplication::sendEvent(Strip(), &event);
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(Shown(), kTabDc);
+    EXPECT_EQ(CalibTab, kTabDc);
 }
 
 TEST_F(TabStrip, ASwappedMeterShowsAtTheNextTab)
