@@ -5,6 +5,7 @@
 #include "simulated_run.h"
 
 #include "support/station.h"
+#include "tour/tour.h"
 
 #include <QApplication>
 
@@ -30,13 +31,13 @@ int missed = 0;
 
 void Row(const char *what, double value, const char *unit)
 {
-    std::printf("%-52s %10.2f %-6s\n", what, value, unit);
+    std::printf("%-52s %10.3f %-6s\n", what, value, unit);
     std::fflush(stdout);
 }
 
 void Row(const char *what, double value, const char *unit, bool holds, const char *goal)
 {
-    std::printf("%-52s %10.2f %-6s %-12s %s\n", what, value, unit, goal, holds ? "holds" : "MISSED");
+    std::printf("%-52s %10.3f %-6s %-12s %s\n", what, value, unit, goal, holds ? "holds" : "MISSED");
     std::fflush(stdout);
     missed += holds ? 0 : 1;
 }
@@ -129,6 +130,26 @@ void MeasureSimulatedRun()
     Row("longest stay in one event meanwhile", run.longestBlockMs, "ms", run.longestBlockMs < 50, "< 50");
 }
 
+void MeasureWait()
+{
+    const test::WorkFolder folder;
+    const double wakeUps = WakeUpsInAWait(kIdleSeconds);
+    Row("wake-ups, while a procedure waits", wakeUps, "1/s");
+}
+
+void MeasureRealRange()
+{
+    const tour::Options options{.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH};
+    const tour::RangeRun real = tour::RunRangeInRealTime(options);
+    const tour::RangeRun floor = tour::RunRangeOnVirtualTime(options);
+    if (!real.good || !floor.good)
+        throw std::runtime_error("the range on pseudo-terminals was not accepted");
+    const double over = static_cast<double>(real.micros) / static_cast<double>(floor.micros);
+    Row("one range on pseudo-terminals", static_cast<double>(real.micros) / 1e6, "s");
+    Row("  its waits, bytes and instruments alone", static_cast<double>(floor.micros) / 1e6, "s");
+    Row("  over those", over, "", over <= 1.01, "<= 1.01");
+}
+
 }  // namespace
 }  // namespace ombrix::benchmarks
 
@@ -145,7 +166,9 @@ int main(int argc, char **argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
         const QApplication application(argc, argv);
         QApplication::setStyle("Fusion");
+        MeasureWait();
         MeasureSimulatedRun();
+        MeasureRealRange();
     } catch (const std::exception &trouble) {
         std::fprintf(stderr, "ombrix-benchmarks: %s\n", trouble.what());
         return 1;

@@ -39,6 +39,14 @@ bool EndsWithin(pid_t pid, std::chrono::milliseconds limit)
 
 }  // namespace
 
+long SleepsOf(pid_t pid)
+{
+    long sum = 0;
+    for (const auto &task : std::filesystem::directory_iterator("/proc/" + std::to_string(pid) + "/task"))
+        sum += StatusNumber(task.path() / "status", "voluntary_ctxt_switches");
+    return sum;
+}
+
 Program::Program(const std::vector<std::string> &command, const std::string &folder,
                  const std::vector<std::string> &variables)
 {
@@ -71,19 +79,11 @@ double Program::ResidentMiB() const
     return static_cast<double>(StatusNumber("/proc/" + std::to_string(m_pid) + "/status", "VmRSS")) / 1024;
 }
 
-long Program::Sleeps() const
-{
-    long sum = 0;
-    for (const auto &task : std::filesystem::directory_iterator("/proc/" + std::to_string(m_pid) + "/task"))
-        sum += StatusNumber(task.path() / "status", "voluntary_ctxt_switches");
-    return sum;
-}
-
 double Program::SleepsASecond(int seconds) const
 {
-    const long before = Sleeps();
+    const long before = SleepsOf(m_pid);
     std::this_thread::sleep_for(std::chrono::seconds(seconds));
-    return static_cast<double>(Sleeps() - before) / seconds;
+    return static_cast<double>(SleepsOf(m_pid) - before) / seconds;
 }
 
 }  // namespace ombrix::benchmarks

@@ -8,6 +8,9 @@
 
 namespace ombrix::benchmarks {
 
+/// How often the threads of a process went to sleep by themselves so far.
+long SleepsOf(pid_t pid);
+
 class Program
 {
 public:
@@ -22,9 +25,7 @@ public:
     std::chrono::steady_clock::time_point Started() const { return m_started; }
     /// VmRSS in MiB.
     double ResidentMiB() const;
-    /// How often its threads went to sleep by themselves so far.
-    long Sleeps() const;
-    /// That, a second, over the next `seconds`.
+    /// Sleeps a second over the next `seconds`.
     double SleepsASecond(int seconds) const;
 
 private:

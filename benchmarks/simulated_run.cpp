@@ -1,12 +1,16 @@
 #include "simulated_run.h"
 
 #include "loop_watch.h"
+#include "program.h"
 
+#include "session/delays.h"
+#include "session/outlets.h"
 #include "shell/station.h"
 #include "support/scripted_operator.h"
 #include "support/station.h"
 
 #include <stdexcept>
+#include <unistd.h>
 
 namespace ombrix::benchmarks {
 namespace {
@@ -45,6 +49,21 @@ SimulatedRun CalibrateSimulatedDc()
     }
     CloseStation();
     return result;
+}
+
+double WakeUpsInAWait(int seconds)
+{
+    test::OpenWholeStation();
+    DelayAlways(1000);  // until nothing of the start is left
+    long sleeps = 0;
+    {
+        const WaitNote note("the benchmark");
+        const long before = SleepsOf(getpid());
+        DelayAlways(seconds * 1000);
+        sleeps = SleepsOf(getpid()) - before;
+    }
+    CloseStation();
+    return static_cast<double>(sleeps) / seconds;
 }
 
 }  // namespace ombrix::benchmarks

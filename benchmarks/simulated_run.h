@@ -1,4 +1,4 @@
-// A DC meter calibrated in the simulator, range by range, in the real window.
+// The station inside this program: a DC meter calibrated in the simulator, and a wait.
 #pragma once
 
 namespace ombrix::benchmarks {
@@ -8,7 +8,11 @@ struct SimulatedRun {
     int ranges = 0;             ///< accepted
 };
 
-/// Takes a while: live readings run in real time. Needs a QApplication and an empty current folder.
+/// Range by range, in the real window, with the live readings in real time. Both need a QApplication and an empty
+/// current folder.
 SimulatedRun CalibrateSimulatedDc();
+
+/// How often a second the station wakes up while a procedure waits for so long.
+double WakeUpsInAWait(int seconds);
 
 }  // namespace ombrix::benchmarks

@@ -5,8 +5,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 #include "shell/station.h"
-#include "support/scripted_operator.h"
 #include "support/bench_station.h"
+#include "support/scripted_operator.h"
 
 #include <QDir>
 #include <QProcess>
@@ -24,14 +24,6 @@ using test::StepButton;
 constexpr unsigned kSeed = 7;
 constexpr int kStartMs = 5000;
 
-struct RangeRun {
-    bool good = false;
-    std::int64_t micros = 0;  // from the click on the range's button to the free step buttons behind Accept
-    std::string before;
-    std::string after;
-    std::string error;
-};
-
 // Either case will do; -1 when there is no such board.
 int BoardNamed(const QString &name)
 {
@@ -45,7 +37,8 @@ int BoardNamed(const QString &name)
 int GainPosition()
 {
     for (int position = 0; position < kPositions; ++position)
-        if (NvmWordAtPosition(position) > 0 && NvmWordAtPosition(position) != 26 && CalValueAtPosition(position) != "0 V")
+        if (NvmWordAtPosition(position) > 0 && NvmWordAtPosition(position) != 26 &&
+            CalValueAtPosition(position) != "0 V")
             return position;
     return -1;
 }
@@ -107,7 +100,9 @@ private:
     QProcess m_process;
 };
 
-RangeRun RunInRealTime(const Options &options)
+}  // namespace
+
+RangeRun RunRangeInRealTime(const Options &options)
 {
     const test::WorkFolder folder;
     RangeRun run;
@@ -134,8 +129,7 @@ RangeRun RunInRealTime(const Options &options)
     return run;
 }
 
-// The same on virtual time: what is left are the waits, the bytes and the instruments.
-RangeRun RunOnVirtualTime(const Options &options)
+RangeRun RunRangeOnVirtualTime(const Options &options)
 {
     test::Wiring wiring;
     wiring.bench.board = BoardNamed(options.board);
@@ -143,8 +137,6 @@ RangeRun RunOnVirtualTime(const Options &options)
     BenchStation station(wiring);
     return station.Establishes() ? CalibrateOneRange(station.person) : RangeRun{};
 }
-
-}  // namespace
 
 bool RunBench(const Options &options)
 {
@@ -155,8 +147,8 @@ bool RunBench(const Options &options)
     }
     std::printf("One range of a %s meter on pseudo-terminals, in real time\n", qPrintable(options.board));
     std::fflush(stdout);
-    const RangeRun real = RunInRealTime(options);
-    const RangeRun floor = RunOnVirtualTime(options);
+    const RangeRun real = RunRangeInRealTime(options);
+    const RangeRun floor = RunRangeOnVirtualTime(options);
     if (!real.good || !floor.good)
         return false;
     std::printf("counts before %s, after %s, error %s\n", real.before.c_str(), real.after.c_str(), real.error.c_str());

@@ -23,7 +23,7 @@ namespace {
 using test::ScriptedOperator;
 
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
-constexpr int kRounds = 3;  // Ready and two Repeats: the simulator's noise falls with each correction
+constexpr int kRounds = 3;      // Ready and two Repeats: the simulator's noise falls with each correction
 
 struct RangeResult {
     std::string title;
@@ -123,8 +123,8 @@ bool Report(const std::vector<RangeResult> &results, std::size_t expected)
     for (const RangeResult &result : results) {
         const bool inside = result.accepted && result.rows == kRounds && result.error <= result.noise;
         good = good && inside;
-        std::printf("%-14s %s, error %g of at most %.1f counts\n", result.title.c_str(),
-                    inside ? "accepted" : "FAILED", result.error, result.noise);
+        std::printf("%-14s %s, error %g of at most %.1f counts\n", result.title.c_str(), inside ? "accepted" : "FAILED",
+                    result.error, result.noise);
     }
     std::printf("%zu of %zu ranges\n", results.size(), expected);
     return good;

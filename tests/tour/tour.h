@@ -3,21 +3,37 @@
 
 #include <QString>
 
+#include <cstdint>
+#include <string>
+
 namespace ombrix::tour {
 
 struct Options {
-    QString pictures;  ///< folder for pictures, "" for none
-    QString board;     ///< name of the board on the bench
-    QString theme;     ///< "light" or "dark"
-    QString testbench; ///< the program that serves the bench
+    QString pictures;   ///< folder for pictures, "" for none
+    QString board;      ///< name of the board on the bench
+    QString theme;      ///< "light" or "dark"
+    QString testbench;  ///< the program that serves the bench
 };
 
 /// Establish and every range of the simulated DC meter. Good when every range was accepted and its last reading lies
 /// within the simulator's noise of its target.
 bool RunSimulation(const Options &options);
 
-/// One range of an emulated meter in real time: counts before and after, and the time over the floor of waits, bytes
-/// and instruments, which the same script on virtual time gives.
+/// One round of a board's first gain step.
+struct RangeRun {
+    bool good = false;
+    std::int64_t micros = 0;  ///< from the click on the range's button to the free step buttons behind Accept
+    std::string before;       ///< counts
+    std::string after;
+    std::string error;
+};
+
+/// Against an emulated meter on pseudo-terminals, in hardware mode with its real waits.
+RangeRun RunRangeInRealTime(const Options &options);
+/// The same on virtual time. What is left are the waits, the bytes and the instruments: the least that it can take.
+RangeRun RunRangeOnVirtualTime(const Options &options);
+
+/// Both, printed: counts before and after, and the time over its floor.
 bool RunBench(const Options &options);
 
 }  // namespace ombrix::tour
