@@ -98,6 +98,9 @@ TEST_F(IniStore, DropsLinesBeforeTheFirstSection)
 
 TEST_F(IniStore, DropsTheKeysOfASectionWithoutAName)
 {
+    Load("[Comms]\nA=1\n[ ]\nB=2\n");
+    EXPECT_EQ(IniKeyCount("Comms"), 1);
+    EXPECT_TRUE(remarks.empty());
     Load("[Comms]\nA=1\n[ ]\nB=2\n[Ratio]\nC=3\n");
     EXPECT_EQ(IniKeyCount("Comms"), 1);
     EXPECT_EQ(IniGet("Ratio", "C"), "3");

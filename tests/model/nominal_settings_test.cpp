@@ -111,7 +111,7 @@ TEST_F(NominalSettings, DropAStoredSlopeThatIsNoneAtTheNextSave)
 
 TEST_F(NominalSettings, StartFromTheTablesAtEachLoad)
 {
-    Start();
+    StartWith("[Gains]\nDC.20=3.3500\n[CalibValues]\nDC.20=8948\n");
     SetNominalSlopeOf(kDc, 25, 5.0f);
     SetNominalWordOf(kDc, 25, "1234");
     LoadGains();
