@@ -96,7 +96,6 @@ void StoreAnalogWordsHex(const std::string &image)
 {
     if (!IsWordText(image, kImageDigits))
         return;
-    WordsDirty |= image != StoredAnalogImage();
     for (int i = 0; i < kAnalogWords; ++i)
         StoredAnalogWords[static_cast<std::size_t>(i)] = WordOfImage(image, i);
     SaveCalibValues();

@@ -27,6 +27,7 @@ std::vector<IniPair> keys;
 
 std::string iniPath;
 bool fileUsable = true;
+FolderHold folderHold;
 bool toldSections = false;
 bool toldKeys = false;
 
@@ -181,6 +182,8 @@ void LoadIni(const std::string &path)
         obstacle = " can't be read.";
     else if (!understood)
         obstacle = " holds no settings.";
+    else if (!folderHold.TakeFolderOf(path))
+        obstacle = " is in use by another station.";
     fileUsable = obstacle.empty();
     if (!fileUsable)
         outlets.showRemark(path + obstacle + " Settings of this session won't be kept.");

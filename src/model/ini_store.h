@@ -13,7 +13,8 @@ extern bool IniDirty;  ///< a value changed since the last save
 extern bool IniReady;  ///< saves go to the file
 
 /// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read or
-/// understood also makes the store unusable, so that it is never overwritten.
+/// understood also makes the store unusable, so that it is never overwritten. So does another station in the same
+/// folder: each would write the whole file over what the other has learned.
 void LoadIni(const std::string &path = "Ombrix.ini");
 /// Writes only when something changed and the store is usable. On a write error it stays dirty and says so.
 void SaveIni();

@@ -97,7 +97,7 @@ void TakeBoardWord(int board, const std::string &rest, const std::string &value)
     for (const WordPair &pair : kWordPairs) {
         if (rest != pair.rest)
             continue;
-        if (board != kVf && IsWordText(value, 8)) {
+        if (IsWordText(value, 8)) {
             SetNominalWordOf(board, pair.first, value.substr(0, 4));
             SetNominalWordOf(board, pair.second, value.substr(4));
         }
@@ -116,6 +116,15 @@ void TakeWordsOfSection()
         else if (parts.board >= 0)
             TakeBoardWord(parts.board, parts.rest, IniGet(kCalibValues, key));
     }
+}
+
+// "" for none. A slope that went to zero or below serves this session alone: what was learned before it stays.
+std::string SlopeToSave(const std::string &key, float slope)
+{
+    for (const std::string &text : {Format(slope, 4), IniGet(kGains, key)})
+        if (Val(text) > 0)
+            return text;
+    return "";
 }
 
 bool GoesIntoPair(int word)
@@ -166,9 +175,10 @@ void SaveGains()
     std::vector<IniPair> pairs;
     for (int board = 0; board < kBoards; ++board)
         for (int word = kFirstNominalWord; word <= kLastNominalWord; ++word) {
-            const std::string slope = Format(NominalSlopeOf(board, word), 4);
-            if (Val(slope) > 0)
-                pairs.push_back({KeyOf(board, Hex(word)), slope});
+            const std::string key = KeyOf(board, Hex(word));
+            const std::string slope = SlopeToSave(key, NominalSlopeOf(board, word));
+            if (!slope.empty())
+                pairs.push_back({key, slope});
         }
     IniRefill(kGains, pairs);
     SlopesDirty = false;

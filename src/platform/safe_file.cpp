@@ -4,6 +4,11 @@
 #include <QFileInfo>
 #include <QSaveFile>
 
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
 namespace ombrix {
 
 FileState StateOfFile(const std::string &path)
@@ -32,6 +37,24 @@ std::string WriteFile(const std::string &path, const std::string &bytes)
     if (file.open(QIODevice::WriteOnly) && file.write(bytes.data(), size) == size && file.commit())
         return "";
     return file.errorString().toStdString();
+}
+
+bool FolderHold::TakeFolderOf(const std::string &path)
+{
+    Release();
+    const QByteArray folder = QFile::encodeName(QFileInfo(QString::fromStdString(path)).path());
+    m_handle = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (m_handle < 0 || flock(m_handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+        return true;
+    Release();
+    return false;
+}
+
+void FolderHold::Release()
+{
+    if (m_handle >= 0)
+        close(m_handle);
+    m_handle = -1;
 }
 
 }  // namespace ombrix

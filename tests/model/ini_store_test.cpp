@@ -98,6 +98,9 @@ TEST_F(IniStore, DropsLinesBeforeTheFirstSection)
 
 TEST_F(IniStore, DropsTheKeysOfASectionWithoutAName)
 {
+    Load("[Comms]\nA=1\n[ ]\nB=2\n");
+    EXPECT_EQ(IniKeyCount("Comms"), 1);
+    EXPECT_TRUE(remarks.empty());
     Load("[Comms]\nA=1\n[ ]\nB=2\n[Ratio]\nC=3\n");
     EXPECT_EQ(IniKeyCount("Comms"), 1);
     EXPECT_EQ(IniGet("Ratio", "C"), "3");
@@ -317,6 +320,27 @@ TEST_F(IniStore, FillsAnEmptyFileAndOneWithASectionAlone)
         EXPECT_EQ(Saved(), "[A]\nOne=1\n");
     }
     EXPECT_TRUE(remarks.empty());
+}
+
+TEST_F(IniStore, LeavesTheFileToTheStationThatHasItOpen)
+{
+    Write("Ombrix.ini", "[A]\nOne=1\n");
+    LoadIni("elsewhere/Ombrix.ini");
+    FolderHold other;
+    ASSERT_TRUE(other.TakeFolderOf("Ombrix.ini"));
+    LoadIni();
+    ASSERT_EQ(remarks.size(), 1u);
+    EXPECT_EQ(remarks[0], "Ombrix.ini is in use by another station. Settings of this session won't be kept.");
+    EXPECT_EQ(IniGet("A", "One"), "1") << "reading is free";
+    IniSet("A", "One", "2");
+    EXPECT_EQ(Saved(), "[A]\nOne=1\n");
+
+    other.Release();
+    LoadIni();
+    EXPECT_EQ(remarks.size(), 1u);
+    IniSet("A", "One", "2");
+    EXPECT_EQ(Saved(), "[A]\nOne=2\n");
+    EXPECT_FALSE(other.TakeFolderOf("Ombrix.ini"));
 }
 
 TEST_F(IniStore, StaysDirtyAndSaysSoWhenItCannotWrite)

@@ -87,15 +87,37 @@ TEST_F(NominalSettings, BringALearnedSlopeBackToFourDecimals)
 
 TEST_F(NominalSettings, KeepANegativeOrVanishingSlopeForTheSessionOnly)
 {
-    Start();
+    StartWith("[Gains]\nDC.19=3.3456\nDC.1A=9.8765\n");
     SetNominalSlopeOf(kDc, 25, -3.0f);
     SetNominalSlopeOf(kDc, 26, 0.00004f);
+    SetNominalSlopeOf(kDc, 27, -1.0f);
     SaveGains();
     EXPECT_EQ(NominalSlopeOf(kDc, 25), -3.0f);
-    EXPECT_EQ(Stored("Gains", "DC.19"), "");
-    EXPECT_EQ(Stored("Gains", "DC.1A"), "");
+    EXPECT_EQ(Stored("Gains", "DC.19"), "3.3456") << "what was learned before stays";
+    EXPECT_EQ(Stored("Gains", "DC.1A"), "9.8765");
+    EXPECT_EQ(Stored("Gains", "DC.1B"), "") << "nothing was learned before";
     Start();
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), 3.3456f);
+    EXPECT_EQ(NominalSlopeOf(kDc, 26), 9.8765f);
+}
+
+TEST_F(NominalSettings, DropAStoredSlopeThatIsNoneAtTheNextSave)
+{
+    StartWith("[Gains]\nDC.1B=0\nDC.1C=-4\nDC.19=3.3\n");
+    EXPECT_EQ(Stored("Gains", "DC.1B"), "");
+    EXPECT_EQ(Stored("Gains", "DC.1C"), "");
+    EXPECT_EQ(Stored("Gains", "DC.19"), "3.3000");
+}
+
+TEST_F(NominalSettings, StartFromTheTablesAtEachLoad)
+{
+    StartWith("[Gains]\nDC.20=3.3500\n[CalibValues]\nDC.20=8948\n");
+    SetNominalSlopeOf(kDc, 25, 5.0f);
+    SetNominalWordOf(kDc, 25, "1234");
+    LoadGains();
+    LoadCalibValues();
     EXPECT_EQ(NominalSlopeOf(kDc, 25), 3.296f);
+    EXPECT_EQ(NominalWordOf(kDc, 25), "52A7");
 }
 
 // ---- CalibValues ----

@@ -215,6 +215,9 @@ TEST_F(RangeNames, CallTheHighestVoltage600AndApply660)
     EXPECT_EQ(DescribeRangeCode(kAc, "84"), "RMS 600 V");
     EXPECT_EQ(RangeDiagramIndex, 4);
     EXPECT_EQ(RangeInputText, "660 V, 300 Hz");
+    SCType = kAc2;  // the row goes by the board that is described, whichever is in work
+    EXPECT_EQ(DescribeRangeCode(kAc, "84"), "RMS 600 V");
+    EXPECT_EQ(RangeDiagramIndex, 4);
 }
 
 TEST_F(RangeNames, GiveTheRtdTestPoints)

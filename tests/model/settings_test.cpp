@@ -149,6 +149,9 @@ TEST_F(Settings, TakeTheFilFilesWhenRangeOrReadingIsMissing)
     EXPECT_EQ(StrainReading, 9000);
     EXPECT_EQ(Stored("Ratio", "DCRange"), "20");
     EXPECT_EQ(Stored("Ratio", "LCReading"), "9000");
+    StartWith("[Ratio]\nDCReading=8000\n");
+    EXPECT_EQ(DcRatioRange, 2);
+    EXPECT_EQ(DcRatioReading, 12000);
 }
 
 // ---- texts ----
@@ -311,6 +314,20 @@ TEST_F(Settings, AreWrittenOnceAtTheEndOfAStart)
     EXPECT_FALSE(IniDirty);
     EXPECT_EQ(Stored("Comms", "CALPort"), "2");
     EXPECT_EQ(Stored("Comms", "Switch"), "0");
+}
+
+TEST_F(Settings, SayOnceAtAStartThatTheirFolderTakesNoFile)
+{
+    const QString home = QDir::currentPath();
+    QDir().mkdir("gone");
+    QDir::setCurrent("gone");
+    QDir().rmdir(home + "/gone");
+    Start();
+    EXPECT_EQ(remarks.size(), 1u);
+    InitTables();  // a second window of one program starts with a store that is ready
+    EXPECT_EQ(remarks.size(), 2u);
+    EXPECT_TRUE(IniDirty);
+    QDir::setCurrent(home);
 }
 
 TEST_F(Settings, SayOnceThatAWriteFailed)
