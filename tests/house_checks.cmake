@@ -68,6 +68,8 @@ arrow(fails src/session/a.cpp  "<QWidget>")
 arrow(fails src/model/a.cpp    "<QtWidgets/QLabel>")
 arrow(fails src/links/a.h      "<QLabel>")
 arrow(fails src/links/a.cpp    "\"platform/widgets.h\"")
+arrow(fails src/session/a.cpp  "\"platform/page_kit.h\"")
+arrow(fails src/model/a.cpp    "\"platform/page_grid.h\"")
 arrow(fails src/procedures/range_engine.cpp "<QLabel>")
 arrow(fails src/shell/a.cpp    "<QtWidgets>")
 

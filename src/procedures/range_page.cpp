@@ -4,8 +4,8 @@
 #include "links/meter_operations.h"
 #include "links/output_switch.h"
 #include "model/range_tables.h"
+#include "platform/page_kit.h"
 #include "platform/text.h"
-#include "procedures/page_kit.h"
 #include "procedures/range_engine.h"
 #include "procedures/range_view.h"
 #include "session/delays.h"
@@ -50,9 +50,9 @@ RangePage page;
 void AddRound()
 {
     ClearGridSelection();
-    view.cmdStopReset->setText("Stop");
-    view.cmdStopReset->setFocus();
-    Disable(view.cmdRepeat, view.cmdAccept);
+    rangeView.cmdStopReset->setText("Stop");
+    rangeView.cmdStopReset->setFocus();
+    Disable(rangeView.cmdRepeat, rangeView.cmdAccept);
     ShowRangeInstruction(RangeInstruction::CanStop);
     page.Row = AddRangeRow(page.DesiredText, page.WordText);
     SelectGridRow(page.Row);
@@ -145,9 +145,9 @@ std::string NextLiveReading()
 // Shows the reading as it goes on, until a click or until the meter falls silent.
 void WatchReading()
 {
-    view.cmdStopReset->setText("Reset");
-    Enable(view.cmdRepeat, view.cmdAccept);
-    view.cmdRepeat->setFocus();
+    rangeView.cmdStopReset->setText("Reset");
+    Enable(rangeView.cmdRepeat, rangeView.cmdAccept);
+    rangeView.cmdRepeat->setFocus();
     page.GridClicked = false;
     ArmStop();
     for (std::string text = NextLiveReading(); text != kStop; text = NextLiveReading()) {
@@ -179,7 +179,7 @@ void RunRound(bool first)
 void StartCalibration()
 {
     SwapReadyRepeat(true);
-    EnableAndFocus(view.cmdStopReset);
+    EnableAndFocus(rangeView.cmdStopReset);
     const std::string target = std::to_string(GetTargetCounts());
     page.DesiredText = page.TurnoverStep ? "+" + target + "\r\n-" + target : target;
     Abort = false;
@@ -199,13 +199,12 @@ void RunRounds()
 void WaitForReady()
 {
     ResetRangeGrid();
-    EnableAndFocus(view.cmdReady);
+    EnableAndFocus(rangeView.cmdReady);
 }
 
 // The operator may have chosen the word of an earlier round.
-void RestoreSelectedWord()
+void RestoreWord(const std::string &word)
 {
-    const std::string word = RangeCell(view.SelectedRow, RangeColumn::NewCalib);
     if (word == page.WordText || word.size() != 4 || !IsHexText(word))
         return;
     WriteStepWord(word);
@@ -215,8 +214,8 @@ void RestoreSelectedWord()
 void FinishRangeAccept()
 {
     RemoveInput();
-    RestoreSelectedWord();
-    UpdateNominalSlope(RangeCell(view.SelectedRow, RangeColumn::NewReading));
+    RestoreWord(RangeCell(SelectedGridRow(), RangeColumn::NewCalib));
+    UpdateNominalSlope(RangeCell(SelectedGridRow(), RangeColumn::NewReading));
     UpdateNominalWord();
     EnableSteps(true);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.
@@ -237,8 +236,9 @@ void FinishRangeStop()
 
 void FinishRange()
 {
-    DropFocus(view.frame);
-    Disable(view.cmdRepeat, view.cmdAccept, view.cmdStopReset);  // a second Stop would stop the input's removal
+    DropFocus(rangeView.frame);
+    Disable(rangeView.cmdRepeat, rangeView.cmdAccept,
+            rangeView.cmdStopReset);  // a second Stop would stop the input's removal
     if (page.AcceptClicked && !page.ResetClicked && !Abort)
         FinishRangeAccept();
     else
@@ -260,24 +260,24 @@ void cmdReady_Click()
 
 void cmdRepeat_Click()
 {
-    DropFocus(view.frame);
-    Disable(view.cmdRepeat, view.cmdAccept);
-    view.cmdStopReset->setText("Stop");
+    DropFocus(rangeView.frame);
+    Disable(rangeView.cmdRepeat, rangeView.cmdAccept);
+    rangeView.cmdStopReset->setText("Stop");
     page.RepeatClicked = true;
     RequestStop();
 }
 
 void cmdAccept_Click()
 {
-    DropFocus(view.frame);
-    Disable(view.cmdAccept, view.cmdRepeat);
+    DropFocus(rangeView.frame);
+    Disable(rangeView.cmdAccept, rangeView.cmdRepeat);
     page.AcceptClicked = true;
     RequestStop();
 }
 
 void cmdStopReset_Click()
 {
-    if (view.cmdStopReset->text() == "Stop") {
+    if (rangeView.cmdStopReset->text() == "Stop") {
         Abort = true;
         return;
     }
@@ -312,11 +312,11 @@ void LoadRange()
 void EnterRangePage()
 {
     EnableSteps(false);
-    Disable(view.cmdReady);
+    Disable(rangeView.cmdReady);
     LoadRange();
     ApplySwitched(GetCalValue());
     ShowPage(kRangePage);
-    view.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
+    rangeView.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
     BuildRangeGrid(page.TurnoverStep);
     ApplyStepToMeter();
     page.WordText = GetStepWordHex();
@@ -325,7 +325,7 @@ void EnterRangePage()
     if (page.WordText.empty())
         ShowRangeFailure("The meter did not answer:\r\ncheck its line, then click the step again");
     else
-        EnableAndFocus(view.cmdReady);
+        EnableAndFocus(rangeView.cmdReady);
 }
 
 void BuildRangePage(QFrame *frame)

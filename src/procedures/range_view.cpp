@@ -1,7 +1,7 @@
 #include "procedures/range_view.h"
 
-#include "procedures/page_grid.h"
-#include "procedures/page_kit.h"
+#include "platform/page_grid.h"
+#include "platform/page_kit.h"
 
 #include <QFrame>
 #include <QHBoxLayout>
@@ -14,11 +14,9 @@
 
 namespace ombrix {
 
-RangeView view;
+RangeView rangeView;
 
 namespace {
-
-constexpr int kNoRow = -1;
 
 const std::vector<GridColumn> kPlainColumns = {{"", 450},
                                                {"Desired\r\nReading", 1650},
@@ -38,7 +36,7 @@ const std::vector<GridColumn> kTurnoverColumns = {{"", 450},
 
 int ColumnIndex(RangeColumn column)
 {
-    return column == RangeColumn::Error ? view.msgCalibGrid->columnCount() - 1 : static_cast<int>(column);
+    return column == RangeColumn::Error ? rangeView.msgCalibGrid->columnCount() - 1 : static_cast<int>(column);
 }
 
 const char *InstructionText(RangeInstruction kind)
@@ -58,27 +56,23 @@ const char *InstructionText(RangeInstruction kind)
 
 QHBoxLayout *BuildTitle()
 {
-    view.lblRangeStep = Label(view.frame, "lblRangeStep");
-    QFont font = view.lblRangeStep->font();
-    font.setPointSizeF(font.pointSizeF() * 1.6);
-    font.setBold(true);
-    view.lblRangeStep->setFont(font);
-    view.lblRangeInput = Label(view.frame, "lblRangeInput");
+    rangeView.lblRangeStep = Title(rangeView.frame, "lblRangeStep");
+    rangeView.lblRangeInput = Label(rangeView.frame, "lblRangeInput");
     auto *row = new QHBoxLayout;
-    row->addWidget(view.lblRangeStep);
+    row->addWidget(rangeView.lblRangeStep);
     row->addStretch();
-    row->addWidget(view.lblRangeInput);
+    row->addWidget(rangeView.lblRangeInput);
     return row;
 }
 
 QHBoxLayout *BuildButtons(const RangeHandlers &handlers)
 {
-    view.cmdReady = Button(view.frame, "cmdReady", "Ready", handlers.ready);
-    view.cmdRepeat = Button(view.frame, "cmdRepeat", "Repeat", handlers.repeat);
-    view.cmdAccept = Button(view.frame, "cmdAccept", "Accept", handlers.accept);
-    view.cmdStopReset = Button(view.frame, "cmdStopReset", "Stop", handlers.stopReset);
+    rangeView.cmdReady = Button(rangeView.frame, "cmdReady", "Ready", handlers.ready);
+    rangeView.cmdRepeat = Button(rangeView.frame, "cmdRepeat", "Repeat", handlers.repeat);
+    rangeView.cmdAccept = Button(rangeView.frame, "cmdAccept", "Accept", handlers.accept);
+    rangeView.cmdStopReset = Button(rangeView.frame, "cmdStopReset", "Stop", handlers.stopReset);
     auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.cmdReady, view.cmdRepeat, view.cmdAccept, view.cmdStopReset}) {
+    for (QPushButton *button : {rangeView.cmdReady, rangeView.cmdRepeat, rangeView.cmdAccept, rangeView.cmdStopReset}) {
         MakeLarge(button);
         row->addWidget(button);
     }
@@ -90,92 +84,92 @@ QHBoxLayout *BuildButtons(const RangeHandlers &handlers)
 
 void BuildRangeView(QFrame *frame, const RangeHandlers &handlers)
 {
-    view = RangeView();
-    view.frame = frame;
+    rangeView = RangeView();
+    rangeView.frame = frame;
     auto *column = new QVBoxLayout(frame);
     column->addLayout(BuildTitle());
-    view.msgCalibGrid = Grid(frame, "msgCalibGrid", handlers.grid);
-    column->addWidget(view.msgCalibGrid, 1);
-    view.cable = Instruction(frame, 1, 2);
-    column->addWidget(view.cable);
-    view.instruction = Instruction(frame, 0, 2);
-    column->addWidget(view.instruction);
+    rangeView.msgCalibGrid = Grid(frame, "msgCalibGrid", handlers.grid);
+    column->addWidget(rangeView.msgCalibGrid, 1);
+    rangeView.cable = Instruction(frame, 1, 2);
+    column->addWidget(rangeView.cable);
+    rangeView.instruction = Instruction(frame, 0, 2);
+    column->addWidget(rangeView.instruction);
     column->addLayout(BuildButtons(handlers));
     BuildRangeGrid(false);
 }
 
 void ShowRange(const std::string &name, const std::string &plus, const std::string &minus)
 {
-    view.lblRangeStep->setText(Caption(name));
-    view.lblRangeInput->setText(Caption("Input " + plus + (minus.empty() ? "" : ", " + minus)));
+    rangeView.lblRangeStep->setText(Caption(name));
+    rangeView.lblRangeInput->setText(Caption("Input " + plus + (minus.empty() ? "" : ", " + minus)));
 }
 
 void BuildRangeGrid(bool turnover)
 {
-    view.TurnoverStep = turnover;
-    SetGridColumns(view.msgCalibGrid, turnover ? kTurnoverColumns : kPlainColumns);
+    rangeView.TurnoverStep = turnover;
+    SetGridColumns(rangeView.msgCalibGrid, turnover ? kTurnoverColumns : kPlainColumns);
     ResetRangeGrid();
 }
 
 void ResetRangeGrid()
 {
-    ClearGrid(view.msgCalibGrid);
-    view.SelectedRow = kNoRow;
+    ClearGrid(rangeView.msgCalibGrid);
     SwapReadyRepeat(false);
     ShowRangeInstruction(RangeInstruction::ApplyInput);
-    view.cmdStopReset->setText("Stop");
-    Disable(view.cmdAccept, view.cmdStopReset);
+    rangeView.cmdStopReset->setText("Stop");
+    Disable(rangeView.cmdAccept, rangeView.cmdStopReset);
 }
 
 int AddRangeRow(const std::string &desired, const std::string &word)
 {
-    const std::string number = std::to_string(view.msgCalibGrid->rowCount() + 1);
-    const int row = AddGridRow(view.msgCalibGrid, {number, desired, "", word}, view.TurnoverStep ? 2 : 1);
-    view.msgCalibGrid->setCurrentCell(row, ColumnIndex(RangeColumn::CurrentReading));
+    const std::string number = std::to_string(rangeView.msgCalibGrid->rowCount() + 1);
+    const int row = AddGridRow(rangeView.msgCalibGrid, {number, desired, "", word}, rangeView.TurnoverStep ? 2 : 1);
+    rangeView.msgCalibGrid->setCurrentCell(row, ColumnIndex(RangeColumn::CurrentReading));
     return row;
 }
 
 std::string RangeCell(int row, RangeColumn column)
 {
-    return GridCell(view.msgCalibGrid, row, ColumnIndex(column));
+    return GridCell(rangeView.msgCalibGrid, row, ColumnIndex(column));
 }
 
 void SetRangeCell(int row, RangeColumn column, const std::string &text)
 {
-    SetGridCell(view.msgCalibGrid, row, ColumnIndex(column), text);
+    SetGridCell(rangeView.msgCalibGrid, row, ColumnIndex(column), text);
 }
 
 void SelectGridRow(int row)
 {
-    if (row == view.SelectedRow)
-        return;
-    MarkGridRow(view.msgCalibGrid, view.SelectedRow, false);
-    MarkGridRow(view.msgCalibGrid, row, true);
-    view.SelectedRow = row;
+    MarkGridRow(rangeView.msgCalibGrid, row);
+}
+
+int SelectedGridRow()
+{
+    return MarkedGridRow(rangeView.msgCalibGrid);
 }
 
 void ClearGridSelection()
 {
-    SelectGridRow(kNoRow);
+    MarkGridRow(rangeView.msgCalibGrid, -1);
 }
 
 void SwapReadyRepeat(bool showRepeat)
 {
-    Disable(view.cmdReady, view.cmdRepeat);
-    view.cmdReady->setVisible(!showRepeat);
-    view.cmdRepeat->setVisible(showRepeat);
+    Disable(rangeView.cmdReady, rangeView.cmdRepeat);
+    rangeView.cmdReady->setVisible(!showRepeat);
+    rangeView.cmdRepeat->setVisible(showRepeat);
 }
 
 void ShowRangeInstruction(RangeInstruction kind)
 {
-    ShowInstruction(view.instruction, InstructionText(kind),
+    ShowInstruction(rangeView.instruction, InstructionText(kind),
                     kind == RangeInstruction::Limited ? Red() : InfoBackground());
-    ShowInstruction(view.cable, kind == RangeInstruction::ApplyInput ? view.CableText : "", InfoBackground());
+    ShowInstruction(rangeView.cable, kind == RangeInstruction::ApplyInput ? rangeView.CableText : "", InfoBackground());
 }
 
 void ShowRangeFailure(const std::string &text)
 {
-    ShowInstruction(view.instruction, text, Red());
+    ShowInstruction(rangeView.instruction, text, Red());
 }
 
 }  // namespace ombrix

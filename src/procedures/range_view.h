@@ -33,9 +33,8 @@ struct RangeView {
 
     bool TurnoverStep = false;
     std::string CableText;  // "" unless the step needs another cable than the one before
-    int SelectedRow = -1;
 };
-extern RangeView view;
+extern RangeView rangeView;
 
 struct RangeHandlers {
     Handler ready, repeat, accept, stopReset;
@@ -58,6 +57,7 @@ std::string RangeCell(int row, RangeColumn column);
 void SetRangeCell(int row, RangeColumn column, const std::string &text);
 
 void SelectGridRow(int row);
+int SelectedGridRow();  ///< -1 none
 void ClearGridSelection();
 
 /// Puts one of the two buttons in the common place, both off.

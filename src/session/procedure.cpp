@@ -4,6 +4,7 @@
 #include "session/delays.h"
 #include "session/state.h"
 
+#include <exception>
 #include <optional>
 #include <utility>
 
@@ -94,6 +95,24 @@ void RunAfterStop(std::function<void()> action)
         if (RealTimeDelays)
             notBefore.emplace(kStopMs);
     }
+}
+
+void WaitForOperator(const std::function<bool()> &done)
+{
+    while (!done() && !Abort)
+        PumpEvents(kForever);
+}
+
+void WithExit(const std::function<void()> &work, const std::function<void()> &leave)
+{
+    try {
+        work();
+    } catch (const std::exception &) {
+        Abort = true;
+        leave();
+        throw;
+    }
+    leave();
 }
 
 }  // namespace ombrix

@@ -6,6 +6,7 @@
 // - Navigation (a step, a tab, Setup) goes through RunAfterStop: the running procedure is stopped, and the action
 //   runs once, when it has unwound.
 // - Anything else that would start a procedure is ignored while one runs. Quit is always open.
+// - A procedure that waits for its buttons does so in WaitForOperator, and has its one way out in WithExit.
 #pragma once
 
 #include <functional>
@@ -32,5 +33,13 @@ bool RunProcedure(const std::function<void()> &body);
 /// stop) and runs it when that has unwound, at the earliest 1000 ms after this call if a live loop was stopped. A
 /// later call takes the place of an action that still waits.
 void RunAfterStop(std::function<void()> action);
+
+/// Sleeps until `done` holds or Abort is set. Flags change only in handlers, so it looks again after each event.
+void WaitForOperator(const std::function<bool()> &done);
+
+/// Runs `work`, then `leave`, whatever ended `work`: its own end, a stop, or a fault, which sets Abort first and goes
+/// on to the handler's edge after `leave`. Only the end of the program passes by `leave`: then the instruments have
+/// had their last words already.
+void WithExit(const std::function<void()> &work, const std::function<void()> &leave);
 
 }  // namespace ombrix

@@ -216,6 +216,55 @@ TEST_F(Procedures, TheEndOfTheProgramUnwindsAProcedureAndDropsWhatWaits)
     EXPECT_EQ(order, "");
 }
 
+TEST_F(Procedures, WaitForTheOperatorUntilTheFlag)
+{
+    bool clicked = false;
+    CallAfter(3'600'000, [&clicked] { clicked = true; });
+    WaitForOperator([&clicked] { return clicked; });
+    EXPECT_EQ(clock.Elapsed(), 3'600'000);
+}
+
+TEST_F(Procedures, WaitForTheOperatorNoLongerThanUntilAStop)
+{
+    CallAfter(5000, [] { Abort = true; });
+    WaitForOperator([] { return false; });
+    EXPECT_EQ(clock.Elapsed(), 5000);
+}
+
+TEST_F(Procedures, WaitForNobodyWhenTheFlagStands)
+{
+    WaitForOperator([] { return true; });
+    EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+TEST_F(Procedures, LeaveAfterTheWork)
+{
+    WithExit([this] { order += "work "; }, [this] { order += Abort ? "leave stopped" : "leave"; });
+    EXPECT_EQ(order, "work leave");
+}
+
+TEST_F(Procedures, LeaveAsStoppedAfterAFaultAndTellIt)
+{
+    const auto fails = [this] {
+        order += "work ";
+        throw RuntimeFault(5, "Input/output error");
+    };
+    EXPECT_THROW(WithExit(fails, [this] { order += Abort ? "leave stopped" : "leave"; }), RuntimeFault);
+    EXPECT_EQ(order, "work leave stopped");
+}
+
+TEST_F(Procedures, LeaveNothingAtTheEndOfTheProgram)
+{
+    const auto quits = [this] {
+        order += "work ";
+        RequestShutdown();
+        PumpEvents(kForever);
+    };
+    EXPECT_THROW(WithExit(quits, [this] { order += "leave"; }), Shutdown);
+    RequestShutdown(false);
+    EXPECT_EQ(order, "work ");
+}
+
 TEST_F(Procedures, DelayMsPumpsOnceWithRealTimeDelaysOff)
 {
     RealTimeDelays = false;

@@ -1,4 +1,4 @@
-#include "procedures/page_grid.h"
+#include "platform/page_grid.h"
 
 #include "platform/fault.h"
 #include "platform/widgets.h"
@@ -14,6 +14,8 @@ namespace ombrix {
 namespace {
 
 constexpr int kShareRole = Qt::UserRole;
+constexpr char kMarkedRow[] = "markedRow";
+constexpr int kNoRow = -1;
 constexpr int kRowMargin = 8;
 constexpr double kTextSize = 1.2;  // numbers are read from an arm's length
 
@@ -72,6 +74,17 @@ private:
     QTableWidget *m_grid;
 };
 
+// Unmarked cells hold no colour of their own, so that they follow the palette.
+void PaintRow(QTableWidget *grid, int row, bool marked)
+{
+    for (int column = 1; column < grid->columnCount(); ++column) {
+        if (QTableWidgetItem *item = grid->item(row, column)) {
+            item->setData(Qt::BackgroundRole, marked ? QVariant(QBrush(Cyan())) : QVariant());
+            item->setData(Qt::ForegroundRole, marked ? QVariant(QBrush(Qt::black)) : QVariant());
+        }
+    }
+}
+
 QTableWidgetItem *CellItem(const std::string &text)
 {
     auto *item = new QTableWidgetItem(Caption(text));
@@ -123,6 +136,7 @@ void SetGridColumns(QTableWidget *grid, const std::vector<GridColumn> &columns)
 
 void ClearGrid(QTableWidget *grid)
 {
+    MarkGridRow(grid, kNoRow);
     grid->setRowCount(0);
 }
 
@@ -152,16 +166,17 @@ void SetGridCell(QTableWidget *grid, int row, int column, const std::string &tex
         item->setText(Caption(text));
 }
 
-void MarkGridRow(QTableWidget *grid, int row, bool marked)
+void MarkGridRow(QTableWidget *grid, int row)
 {
-    for (int column = 1; column < grid->columnCount(); ++column) {
-        QTableWidgetItem *item = grid->item(row, column);
-        if (!item)
-            return;
-        // Unmarked cells hold no colour of their own, so that they follow the palette.
-        item->setData(Qt::BackgroundRole, marked ? QVariant(QBrush(Cyan())) : QVariant());
-        item->setData(Qt::ForegroundRole, marked ? QVariant(QBrush(Qt::black)) : QVariant());
-    }
+    PaintRow(grid, MarkedGridRow(grid), false);
+    PaintRow(grid, row, true);
+    grid->setProperty(kMarkedRow, row >= 0 && row < grid->rowCount() ? row : kNoRow);
+}
+
+int MarkedGridRow(const QTableWidget *grid)
+{
+    const QVariant row = grid->property(kMarkedRow);
+    return row.isValid() ? row.toInt() : kNoRow;
 }
 
 }  // namespace ombrix

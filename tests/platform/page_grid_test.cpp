@@ -1,4 +1,4 @@
-#include "procedures/page_grid.h"
+#include "platform/page_grid.h"
 
 #include "platform/widgets.h"
 
@@ -52,21 +52,47 @@ TEST_F(PageGrid, HasNothingOutsideItsRowsAndColumns)
     EXPECT_EQ(GridCell(grid, 1, 1), "");
     EXPECT_EQ(GridCell(grid, 0, 3), "");
     SetGridCell(grid, 5, 5, "x");
-    MarkGridRow(grid, -1, true);
-    MarkGridRow(grid, 7, true);
     EXPECT_EQ(grid->rowCount(), 1);
 }
 
 TEST_F(PageGrid, MarksAllOfARowButItsNumber)
 {
     AddGridRow(grid, {"1", "a", "b"}, 1);
-    MarkGridRow(grid, 0, true);
+    EXPECT_EQ(MarkedGridRow(grid), -1);
+    MarkGridRow(grid, 0);
+    EXPECT_EQ(MarkedGridRow(grid), 0);
     EXPECT_EQ(Background(0, 1).color(), Cyan());
     EXPECT_EQ(Background(0, 2).color(), Cyan());
     EXPECT_NE(Background(0, 0).color(), Cyan());
-    MarkGridRow(grid, 0, false);
+}
+
+TEST_F(PageGrid, MarksOneRowAtMost)
+{
+    AddGridRow(grid, {"1", "a"}, 1);
+    AddGridRow(grid, {"2", "b"}, 1);
+    MarkGridRow(grid, 0);
+    MarkGridRow(grid, 1);
     EXPECT_EQ(Background(0, 1).style(), Qt::NoBrush);
     EXPECT_FALSE(grid->item(0, 1)->data(Qt::ForegroundRole).isValid()) << "the palette's text, in light and dark";
+    EXPECT_EQ(Background(1, 1).color(), Cyan());
+    MarkGridRow(grid, 1);
+    EXPECT_EQ(Background(1, 1).color(), Cyan()) << "once more is no change";
+    for (int outside : {-1, 7}) {
+        MarkGridRow(grid, 1);
+        MarkGridRow(grid, outside);
+        EXPECT_EQ(MarkedGridRow(grid), -1);
+        EXPECT_EQ(Background(1, 1).style(), Qt::NoBrush);
+    }
+}
+
+TEST_F(PageGrid, HasNoMarkOnceItsRowsAreGone)
+{
+    AddGridRow(grid, {"1", "a"}, 1);
+    MarkGridRow(grid, 0);
+    ClearGrid(grid);
+    AddGridRow(grid, {"1", "a"}, 1);
+    EXPECT_EQ(MarkedGridRow(grid), -1);
+    EXPECT_EQ(Background(0, 1).style(), Qt::NoBrush);
 }
 
 TEST_F(PageGrid, SharesItsWidthAmongItsColumns)

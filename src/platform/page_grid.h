@@ -32,7 +32,10 @@ int AddGridRow(QTableWidget *grid, const std::vector<std::string> &texts, int li
 std::string GridCell(const QTableWidget *grid, int row, int column);
 void SetGridCell(QTableWidget *grid, int row, int column, const std::string &text);
 
-/// Paints all but the first column of a row cyan, or back. Nothing outside the grid.
-void MarkGridRow(QTableWidget *grid, int row, bool marked);
+/// Paints all but the first column of a row cyan, and the row that was marked before back. A row outside the grid
+/// (-1) leaves none marked.
+void MarkGridRow(QTableWidget *grid, int row);
+/// -1 none.
+int MarkedGridRow(const QTableWidget *grid);
 
 }  // namespace ombrix

@@ -1,12 +1,13 @@
-// What the procedure pages do alike: buttons on and off, an instruction in its shape, waiting for the operator, and
-// one way out of a procedure whatever ended it.
+// What the pages show alike: a title, buttons on and off, an instruction in its shape.
 #pragma once
 
-#include <functional>
+#include <QString>
+
 #include <string>
 
 class QColor;
 class QFrame;
+class QLabel;
 class QWidget;
 
 namespace ombrix {
@@ -27,19 +28,14 @@ void EnableAndFocus(QWidget *button);
 /// would press that.
 void DropFocus(QWidget *page);
 
+/// A label for the name of what the page has in work.
+QLabel *Title(QWidget *parent, const QString &name);
+
 /// A button of a page's bottom row: large enough to be hit without looking twice.
 void MakeLarge(QWidget *button);
 
 /// shpInst(index) with lblInst(index) in its middle, as wide as its place and `lines` lines high.
 QFrame *Instruction(QWidget *parent, int index, int lines);
 void ShowInstruction(QFrame *instruction, const std::string &text, const QColor &colour);
-
-/// Sleeps until `done` holds or Abort is set. Flags change only in handlers, so it looks again after each event.
-void WaitForOperator(const std::function<bool()> &done);
-
-/// Runs `work`, then `leave`, whatever ended `work`: its own end, a stop, or a fault, which sets Abort first and goes
-/// on to the handler's edge after `leave`. Only the end of the program passes by `leave`: then the instruments have
-/// had their last words already.
-void WithExit(const std::function<void()> &work, const std::function<void()> &leave);
 
 }  // namespace ombrix

@@ -1,14 +1,10 @@
-#include "procedures/page_kit.h"
+#include "platform/page_kit.h"
 
-#include "platform/clock.h"
 #include "platform/widgets.h"
-#include "session/state.h"
 
 #include <QFrame>
 #include <QLabel>
 #include <QVBoxLayout>
-
-#include <exception>
 
 namespace ombrix {
 
@@ -21,6 +17,16 @@ void EnableAndFocus(QWidget *button)
 void DropFocus(QWidget *page)
 {
     page->setFocus();
+}
+
+QLabel *Title(QWidget *parent, const QString &name)
+{
+    QLabel *title = Label(parent, name);
+    QFont font = title->font();
+    font.setPointSizeF(font.pointSizeF() * 1.6);
+    font.setBold(true);
+    title->setFont(font);
+    return title;
 }
 
 void MakeLarge(QWidget *button)
@@ -50,24 +56,6 @@ void ShowInstruction(QFrame *instruction, const std::string &text, const QColor 
     instruction->findChild<QLabel *>()->setText(Caption(text));
     SetFill(instruction, colour);
     instruction->setVisible(!text.empty());
-}
-
-void WaitForOperator(const std::function<bool()> &done)
-{
-    while (!done() && !Abort)
-        PumpEvents(kForever);
-}
-
-void WithExit(const std::function<void()> &work, const std::function<void()> &leave)
-{
-    try {
-        work();
-    } catch (const std::exception &) {
-        Abort = true;
-        leave();
-        throw;
-    }
-    leave();
 }
 
 }  // namespace ombrix

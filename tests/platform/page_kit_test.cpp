@@ -1,0 +1,55 @@
+#include "platform/page_kit.h"
+
+#include "platform/widgets.h"
+
+#include <gtest/gtest.h>
+
+#include <QFrame>
+#include <QLabel>
+#include <QPushButton>
+
+namespace ombrix::test {
+namespace {
+
+class PageKit : public testing::Test
+{
+protected:
+    QFrame page;
+};
+
+TEST_F(PageKit, InstructionStandsInItsShapeAndGoesWithItsText)
+{
+    QFrame *instruction = Instruction(&page, 3, 2);
+    page.show();
+    ShowInstruction(instruction, "one\r\ntwo", Red());
+    const auto *label = page.findChild<QLabel *>("lblInst(3)");
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(instruction->objectName(), "shpInst(3)");
+    EXPECT_EQ(label->text(), "one\ntwo");
+    EXPECT_EQ(instruction->palette().color(QPalette::Window), Red());
+    EXPECT_TRUE(label->isVisible());
+    ShowInstruction(instruction, "", Red());
+    EXPECT_FALSE(label->isVisible());
+}
+
+TEST_F(PageKit, TitleIsLargerThanAnyOtherText)
+{
+    const QLabel *title = Title(&page, "lblTitle");
+    EXPECT_EQ(page.findChild<QLabel *>("lblTitle"), title);
+    EXPECT_GT(title->font().pointSizeF(), page.font().pointSizeF());
+    EXPECT_GT(title->font().pointSizeF(), Instruction(&page, 0, 1)->findChild<QLabel *>()->font().pointSizeF());
+    EXPECT_TRUE(title->font().bold());
+}
+
+TEST_F(PageKit, FocusIsOnNoButtonOnceDropped)
+{
+    QPushButton *button = Button(&page, "cmdOne", "One", nullptr);
+    page.show();
+    EnableAndFocus(button);
+    EXPECT_EQ(page.focusWidget(), button);
+    DropFocus(&page);
+    EXPECT_NE(page.focusWidget(), button);
+}
+
+}  // namespace
+}  // namespace ombrix::test
