@@ -1,6 +1,6 @@
 #include "testbench/bench.h"
 
-#include <cmath>
+#include <algorithm>
 #include <limits>
 
 #include "testbench/bench_parts.h"
@@ -76,8 +76,7 @@ bool Bench::Apply(const std::string &value, Micros now)
 void Bench::Remove(Micros now)
 {
     m_parts->Advance(now);
-    m_parts->byHand.reset();
-    m_parts->SignalChanged(now);
+    m_parts->RemoveByHand(now);
 }
 
 void Bench::SwapLeads(bool swapped, Micros now)
@@ -221,7 +220,11 @@ CalibratorState Bench::CalibratorNow() const
 
 std::vector<OutputEvent> Bench::OutputHistory() const
 {
-    return m_parts->calibrator.History();
+    auto history = m_parts->calibrator.History();
+    history.insert(history.end(), m_parts->handHistory.begin(), m_parts->handHistory.end());
+    std::stable_sort(history.begin(), history.end(),
+                     [](const OutputEvent &a, const OutputEvent &b) { return a.time < b.time; });
+    return history;
 }
 
 const std::vector<TranscriptLine> &Bench::Transcript() const

@@ -110,6 +110,7 @@ public:
     std::array<std::uint8_t, 256> Ram() const;
     char SwitchPosition() const;  ///< 'V' or 'A'
     CalibratorState CalibratorNow() const;
+    /// Of the calibrator and of the operator's hands, in the order of time.
     std::vector<OutputEvent> OutputHistory() const;
     const std::vector<TranscriptLine> &Transcript() const;
     /// The last lines of the transcript, for a failure's message.

@@ -10,6 +10,9 @@ namespace {
 
 constexpr int kTransmitter = 4;  // in the low byte of word 109
 constexpr unsigned kSwitchSeed = 4711;
+// A bench may stand for days.
+constexpr std::size_t kMostLines = 200'000;
+constexpr std::size_t kMostErrors = 10'000;
 
 int KindOf(const BenchSetup &setup)
 {
@@ -292,8 +295,16 @@ bool Bench::Parts::ApplyByHand(const std::string &value, Micros now)
     if (!parsed)
         return false;
     byHand = parsed;
+    handHistory.push_back({now, value, parsed->number, parsed->unit, parsed->hertz.value_or(0), true});
     SignalChanged(now);
     return true;
+}
+
+void Bench::Parts::RemoveByHand(Micros now)
+{
+    byHand.reset();
+    handHistory.push_back({now, "removed", 0, "V", 0, false});
+    SignalChanged(now);
 }
 
 void Bench::Parts::SignalChanged(Micros now)
@@ -323,6 +334,8 @@ char Bench::Parts::SwitchPosition() const
 void Bench::Parts::Note(Micros time, Line line, bool fromStation, std::string_view bytes, const std::string &note)
 {
     transcript.push_back({time, line, fromStation, Readable(bytes), note});
+    if (transcript.size() > kMostLines)
+        transcript.erase(transcript.begin(), transcript.begin() + kMostLines / 2);
 }
 
 void Bench::Parts::NoteLast(const std::string &note)
@@ -332,7 +345,8 @@ void Bench::Parts::NoteLast(const std::string &note)
 
 void Bench::Parts::StationError(Micros now, const std::string &what)
 {
-    protocolErrors.push_back(Format(static_cast<double>(now) / 1e6, 3) + " s: " + what);
+    if (protocolErrors.size() < kMostErrors)
+        protocolErrors.push_back(Format(static_cast<double>(now) / 1e6, 3) + " s: " + what);
     if (!transcript.empty())
         NoteLast(what);
 }

@@ -23,6 +23,7 @@ public:
 
     void SwitchFault(Fault fault, bool on);
     bool ApplyByHand(const std::string &value, Micros now);
+    void RemoveByHand(Micros now);
     /// Something that leads to the meter's terminals has changed.
     void SignalChanged(Micros now);
     Signal Terminals() const;
@@ -34,6 +35,7 @@ public:
     UutPort uutPort;
     Faults faults;
     std::optional<Value> byHand;
+    std::vector<OutputEvent> handHistory;
     bool leadsSwapped = false;
     int exchanges = 0;
     std::vector<std::string> protocolErrors;

@@ -1,7 +1,7 @@
 // What can be wrong on a bench, by name, and when it begins and ends.
 //
-//   silent-meter         the meter hears and says nothing
-//   silent-calibrator    the calibrator hears and says nothing; its output stays
+//   silent-meter         the meter carries out what it hears and says nothing
+//   silent-calibrator    the calibrator likewise
 //   garbage              noise before and in a reply
 //   lost-cr              a reply without its CR
 //   split                a reply byte by byte, 50 ms apart

@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "platform/text.h"
-#include "testbench/boards.h"
 
 namespace ombrix::bench {
 namespace {

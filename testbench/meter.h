@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "testbench/boards.h"
 #include "testbench/display.h"
 #include "testbench/first_cycle.h"
 #include "testbench/laws.h"
@@ -56,7 +57,7 @@ public:
     const Words &Active() const { return m_active; }
     const std::array<std::uint8_t, 256> &Ram() const { return m_ram; }
     const Hardware &Board() const { return m_hardware; }
-    bool IsCounter() const { return m_kind == 3; }
+    bool IsCounter() const { return m_kind == kind::kCtr; }
 
 private:
     std::string ReadWords(const MeterCommand &command) const;

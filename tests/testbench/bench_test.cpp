@@ -132,6 +132,11 @@ TEST_F(Benches, TakeSignalsByHandWithoutACalibrator)
     bench->Remove(now);
     Waits(2 * kSecond);
     EXPECT_LT(std::fabs(bench->DisplayCounts(now)), 100);
+    const auto history = bench->OutputHistory();
+    ASSERT_EQ(history.size(), 3u);
+    EXPECT_EQ(history[1].text, "200 mV");
+    EXPECT_TRUE(history[1].operate);
+    EXPECT_FALSE(history[2].operate);
 }
 
 TEST_F(Benches, TakeATemperatureByHandAsTheSensorThatTheMeterIsSetTo)
