@@ -2,7 +2,9 @@
 
 #include <array>
 #include <charconv>
+#include <filesystem>
 #include <span>
+#include <system_error>
 
 #include "model/analog_words.h"
 #include "model/ini_store.h"
@@ -139,6 +141,16 @@ std::string PortSetting(const std::string &key, const std::string &fallback)
     if (IniGet("Ports", key).empty())
         IniSet("Ports", key, fallback);
     return IniGet("Ports", key);
+}
+
+// What an entry of the current folder leads to, "" when there is none of that name.
+std::string DeviceInFolder(const std::filesystem::path &name)
+{
+    std::error_code failed;
+    const std::filesystem::file_status status = std::filesystem::symlink_status(name, failed);
+    if (std::filesystem::is_symlink(status))
+        return std::filesystem::read_symlink(name, failed).string();
+    return std::filesystem::is_character_file(status) ? name.string() : "";
 }
 
 void TakeSendFile(const std::string &boardName, const std::string &file)
@@ -290,7 +302,10 @@ void LoadPorts()
 
 std::string PortDevice(int port)
 {
-    return port == 1 || port == 2 ? portDevices[static_cast<std::size_t>(port - 1)] : "";
+    if (port != 1 && port != 2)
+        return "";
+    const std::string entry = DeviceInFolder("COM" + std::to_string(port));
+    return entry.empty() ? portDevices[static_cast<std::size_t>(port - 1)] : entry;
 }
 
 }  // namespace ombrix

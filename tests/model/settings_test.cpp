@@ -307,6 +307,19 @@ TEST_F(Settings, MapThePortsToDevices)
     EXPECT_EQ(Stored("Ports", "COM1"), "/dev/ttyS0");
 }
 
+TEST_F(Settings, PreferALinkInTheFolderToThePortThatTheyName)
+{
+    StartWith("[Ports]\nCOM1=/dev/ttyUSB7\n");
+    ASSERT_TRUE(QFile::link("/dev/pts/3", "COM2"));
+    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
+    EXPECT_EQ(PortDevice(2), "/dev/pts/3") << "whether there is anything behind it or not";
+    EXPECT_EQ(Stored("Ports", "COM2"), "/dev/ttyS1") << "the settings stay as they are";
+    QFile::remove("COM2");
+    EXPECT_EQ(PortDevice(2), "/dev/ttyS1");
+    Write("COM1", "no device");
+    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
+}
+
 TEST_F(Settings, AreWrittenOnceAtTheEndOfAStart)
 {
     // What the loaders before the last one change is on disk when the start is over.
