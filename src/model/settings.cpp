@@ -2,9 +2,7 @@
 
 #include <array>
 #include <charconv>
-#include <filesystem>
 #include <span>
-#include <system_error>
 
 #include "model/analog_words.h"
 #include "model/ini_store.h"
@@ -37,16 +35,6 @@ constexpr const char *kStrainTexts[] = {"0", "50", "100", "250", "500"};
 
 constexpr const char *kBuiltInSendFiles[] = {"zsc1.dpm",    "zsc2_1.dpm",  "zsc3.dpm", "zscTC.dpm", "",
                                              "zsc2_2V.dpm", "zsc2_3W.dpm", "zsc4.dpm", "zscRTD.dpm"};
-
-#ifdef _WIN32
-constexpr const char *kFirstPort = "COM1";
-constexpr const char *kSecondPort = "COM2";
-#else
-constexpr const char *kFirstPort = "/dev/ttyS0";
-constexpr const char *kSecondPort = "/dev/ttyS1";
-#endif
-
-std::array<std::string, 2> portDevices;
 
 void SetOrRemove(const std::string &section, const std::string &key, const std::string &value)
 {
@@ -134,23 +122,6 @@ std::string FilterSetting(const std::string &board, const FilterDefault &filter)
         code = filter.code;
     IniSet("Filter", key, code);
     return code;
-}
-
-std::string PortSetting(const std::string &key, const std::string &fallback)
-{
-    if (IniGet("Ports", key).empty())
-        IniSet("Ports", key, fallback);
-    return IniGet("Ports", key);
-}
-
-// What an entry of the current folder leads to, "" when there is none of that name.
-std::string DeviceInFolder(const std::filesystem::path &name)
-{
-    std::error_code failed;
-    const std::filesystem::file_status status = std::filesystem::symlink_status(name, failed);
-    if (std::filesystem::is_symlink(status))
-        return std::filesystem::read_symlink(name, failed).string();
-    return std::filesystem::is_character_file(status) ? name.string() : "";
 }
 
 void TakeSendFile(const std::string &boardName, const std::string &file)
@@ -293,19 +264,6 @@ void SaveSendFileNames()
             pairs.push_back({BoardName(static_cast<int>(board)), SendFileDefaults[board]});
     IniRefill("SFNames", pairs);
     SaveIni();
-}
-
-void LoadPorts()
-{
-    portDevices = {PortSetting("COM1", kFirstPort), PortSetting("COM2", kSecondPort)};
-}
-
-std::string PortDevice(int port)
-{
-    if (port != 1 && port != 2)
-        return "";
-    const std::string entry = DeviceInFolder("COM" + std::to_string(port));
-    return entry.empty() ? portDevices[static_cast<std::size_t>(port - 1)] : entry;
 }
 
 }  // namespace ombrix

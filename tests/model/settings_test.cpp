@@ -295,30 +295,7 @@ TEST_F(Settings, BringAChangedSendFileNameBack)
                                       "f.dpm");
 }
 
-// ---- Ports ----
-
-TEST_F(Settings, MapThePortsToDevices)
-{
-    StartWith("[Ports]\nCOM2=/dev/serial/by-id/usb-Calibrator=1\n");
-    EXPECT_EQ(PortDevice(1), "/dev/ttyS0");
-    EXPECT_EQ(PortDevice(2), "/dev/serial/by-id/usb-Calibrator=1");
-    EXPECT_EQ(PortDevice(0), "");
-    EXPECT_EQ(PortDevice(3), "");
-    EXPECT_EQ(Stored("Ports", "COM1"), "/dev/ttyS0");
-}
-
-TEST_F(Settings, PreferALinkInTheFolderToThePortThatTheyName)
-{
-    StartWith("[Ports]\nCOM1=/dev/ttyUSB7\n");
-    ASSERT_TRUE(QFile::link("/dev/pts/3", "COM2"));
-    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
-    EXPECT_EQ(PortDevice(2), "/dev/pts/3") << "whether there is anything behind it or not";
-    EXPECT_EQ(Stored("Ports", "COM2"), "/dev/ttyS1") << "the settings stay as they are";
-    QFile::remove("COM2");
-    EXPECT_EQ(PortDevice(2), "/dev/ttyS1");
-    Write("COM1", "no device");
-    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
-}
+// ---- the start as a whole ----
 
 TEST_F(Settings, AreWrittenOnceAtTheEndOfAStart)
 {
