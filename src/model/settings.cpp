@@ -36,16 +36,6 @@ constexpr const char *kStrainTexts[] = {"0", "50", "100", "250", "500"};
 constexpr const char *kBuiltInSendFiles[] = {"zsc1.dpm",    "zsc2_1.dpm",  "zsc3.dpm", "zscTC.dpm", "",
                                              "zsc2_2V.dpm", "zsc2_3W.dpm", "zsc4.dpm", "zscRTD.dpm"};
 
-#ifdef _WIN32
-constexpr const char *kFirstPort = "COM1";
-constexpr const char *kSecondPort = "COM2";
-#else
-constexpr const char *kFirstPort = "/dev/ttyS0";
-constexpr const char *kSecondPort = "/dev/ttyS1";
-#endif
-
-std::array<std::string, 2> portDevices;
-
 void SetOrRemove(const std::string &section, const std::string &key, const std::string &value)
 {
     if (Trim(value).empty())
@@ -132,13 +122,6 @@ std::string FilterSetting(const std::string &board, const FilterDefault &filter)
         code = filter.code;
     IniSet("Filter", key, code);
     return code;
-}
-
-std::string PortSetting(const std::string &key, const std::string &fallback)
-{
-    if (IniGet("Ports", key).empty())
-        IniSet("Ports", key, fallback);
-    return IniGet("Ports", key);
 }
 
 void TakeSendFile(const std::string &boardName, const std::string &file)
@@ -281,16 +264,6 @@ void SaveSendFileNames()
             pairs.push_back({BoardName(static_cast<int>(board)), SendFileDefaults[board]});
     IniRefill("SFNames", pairs);
     SaveIni();
-}
-
-void LoadPorts()
-{
-    portDevices = {PortSetting("COM1", kFirstPort), PortSetting("COM2", kSecondPort)};
-}
-
-std::string PortDevice(int port)
-{
-    return port == 1 || port == 2 ? portDevices[static_cast<std::size_t>(port - 1)] : "";
 }
 
 }  // namespace ombrix

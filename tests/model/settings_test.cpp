@@ -295,17 +295,7 @@ TEST_F(Settings, BringAChangedSendFileNameBack)
                                       "f.dpm");
 }
 
-// ---- Ports ----
-
-TEST_F(Settings, MapThePortsToDevices)
-{
-    StartWith("[Ports]\nCOM2=/dev/serial/by-id/usb-Calibrator=1\n");
-    EXPECT_EQ(PortDevice(1), "/dev/ttyS0");
-    EXPECT_EQ(PortDevice(2), "/dev/serial/by-id/usb-Calibrator=1");
-    EXPECT_EQ(PortDevice(0), "");
-    EXPECT_EQ(PortDevice(3), "");
-    EXPECT_EQ(Stored("Ports", "COM1"), "/dev/ttyS0");
-}
+// ---- the start as a whole ----
 
 TEST_F(Settings, AreWrittenOnceAtTheEndOfAStart)
 {
