@@ -1,8 +1,12 @@
 #include "session/page_frame.h"
 
+#include "session/delays.h"
+#include "session/procedure.h"
 #include "shell/main_window.h"
 #include "shell/shell_fixture.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMainWindow>
 
@@ -106,4 +110,22 @@ TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(stopped);
     EXPECT_FALSE(Abort) << "what Esc ended is over";
+}
+
+TEST_F(PageFrames, AHeldEscStopsOnce)
+{
+    EstablishSimulated();
+    bool stoppedAgain = false;
+    RegisterProbe(5, [&] {
+        WaitForOperator([] { return false; });
+        Abort = false;
+        DelayAlways(1000);  // the way out
+        stoppedAgain = Abort;
+    });
+    person.Clicks(StepButton(4)).Waits(100).Presses(Qt::Key_Escape).Waits(500).Does([] {
+        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, "", true);
+        QApplication::sendEvent(frmOmbrix, &repeated);
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_FALSE(stoppedAgain);
 }
