@@ -8,6 +8,7 @@
 #include <QEvent>
 #include <QFrame>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
@@ -59,6 +60,21 @@ private:
     Handler m_handler;
 };
 
+// A held Enter repeats, and the button that got the focus meanwhile is another one.
+class HeldEnterFilter : public QObject
+{
+public:
+    using QObject::QObject;
+
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() != QEvent::KeyPress)
+            return false;
+        const auto *key = static_cast<QKeyEvent *>(event);
+        return key->isAutoRepeat() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter);
+    }
+};
+
 }  // namespace
 
 QString Caption(const std::string &text)
@@ -75,6 +91,7 @@ QPushButton *Button(QWidget *parent, const QString &name, const std::string &cap
 {
     auto *button = Clickable(new QPushButton(Caption(caption), parent), name, std::move(click));
     button->setAutoDefault(true);  // Enter works the focused button, as Space does
+    button->installEventFilter(new HeldEnterFilter(button));
     return button;
 }
 

@@ -190,7 +190,8 @@ void StartCalibration()
 
 void RunRounds()
 {
-    for (bool first = true; page.RepeatClicked && !Abort; first = false) {
+    // A Reset stands, whatever is clicked inside its second.
+    for (bool first = true; page.RepeatClicked && !page.ResetClicked && !Abort; first = false) {
         page.RepeatClicked = false;
         RunRound(first);
     }
@@ -214,8 +215,9 @@ void RestoreWord(const std::string &word)
 void FinishRangeAccept()
 {
     RemoveInput();
-    RestoreWord(RangeCell(SelectedGridRow(), RangeColumn::NewCalib));
-    UpdateNominalSlope(RangeCell(SelectedGridRow(), RangeColumn::NewReading));
+    const int row = SelectedGridRow();  // word and reading of one round: a click while the word is written is too late
+    RestoreWord(RangeCell(row, RangeColumn::NewCalib));
+    UpdateNominalSlope(RangeCell(row, RangeColumn::NewReading));
     UpdateNominalWord();
     EnableSteps(true);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.

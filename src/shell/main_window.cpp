@@ -54,11 +54,12 @@ protected:
         RunHandler([] { Quit(QuitBy::Operator); });
     }
 
-    // The way out of a wait that has no Stop button.
+    // The way out of a wait that has no Stop button. A held key counts once: what it repeats would break off the
+    // removal of the input too.
     void keyPressEvent(QKeyEvent *event) override
     {
         if (event->key() == Qt::Key_Escape && ProcedureRunning() && !Quitting)
-            Abort = true;
+            Abort = Abort || !event->isAutoRepeat();
         else
             QMainWindow::keyPressEvent(event);
     }

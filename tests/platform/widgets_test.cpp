@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QFrame>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
@@ -64,6 +65,21 @@ TEST(Widgets, OnlyTheOperatorsClickCallsTheHandler)
     EXPECT_EQ(clicks, 0);
     option->click();
     EXPECT_EQ(clicks, 1);
+}
+
+TEST(Widgets, AHeldEnterPressesAButtonOnce)
+{
+    int clicks = 0;
+    QWidget page;
+    QPushButton *button = Button(&page, "cmdReady", "Ready", [&] { ++clicks; });
+    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
+        clicks = 0;
+        for (const bool repeated : {false, true, true}) {
+            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, "\r", repeated);
+            QApplication::sendEvent(button, &event);
+        }
+        EXPECT_EQ(clicks, 1);
+    }
 }
 
 TEST(Widgets, AFaultInAHandlerDoesNotReachTheToolkit)

@@ -8,6 +8,7 @@ namespace {
 
 using testing::Contains;
 using testing::ElementsAreArray;
+using testing::IsSupersetOf;
 using testing::Not;
 
 std::vector<std::string> Output(const std::string &value)
@@ -27,6 +28,43 @@ std::vector<std::string> Joined(const std::vector<std::vector<std::string>> &pie
     for (const auto &piece : pieces)
         all.insert(all.end(), piece.begin(), piece.end());
     return all;
+}
+
+TEST_F(WiredRange, EntryTurnsTheSwitchThenPutsTheMeterOnItsRangeAndReadsItsWord)
+{
+    UseSwitch = true;
+    bench->words[37] = 0x8123;
+    person->Clicks(StepButton(8)).WaitsUntil("the switch turns", [this] { return !bench->log.empty(); }).Does([this] {
+        EXPECT_EQ(CurrentStepButton, 8);
+        EXPECT_FALSE(Sees("fraCalib(4)")) << "the page comes after the switch";
+        EXPECT_FALSE(IsEnabled("cmdSetup"));
+    });
+    person->WaitsUntil("the meter is asked", [this] { return bench->log.size() > 1; }).Does([] {
+        EXPECT_TRUE(Sees("fraCalib(4)"));
+        EXPECT_TRUE(Sees("fraJumperBlock(0)"));
+        EXPECT_EQ(Text("lblRangeStep"), "2 mA");
+        EXPECT_FALSE(IsEnabled("cmdReady"));
+        EXPECT_FALSE(IsEnabled("cmdSetup"));
+    });
+    person->WaitsFor("cmdReady");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(bench->log, ElementsAreArray({"meter 2W305002B67100000", "meter 1G130", "meter 1W21166280070Z",
+                                              "meter 1W305000000100004", "meter 1X125"}));
+    EXPECT_EQ(GetStepWordHex(), "8123");
+    EXPECT_TRUE(HasFocus("cmdReady"));
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
+}
+
+TEST_F(WiredRange, ResistanceIsAppliedWithFourWires)
+{
+    bench->words[21] = 0x0041;
+    bench->words[16] = 0x0050;
+    person->ClicksTab(kTabTc).WaitsUntil("it is an RTD meter", [] { return SCType == kRtd; });
+    person->WaitsFor(StepButton(5)).Clicks(StepButton(5)).WaitsFor("cmdReady").Clicks("cmdReady");
+    person->WaitsFor("cmdRepeat");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(bench->log, IsSupersetOf({"cal OUT 200 OHM ; OPER ; *WAI", "cal ZCOMP WIRE4"}));
+    EXPECT_EQ(Text("lblRangeInput"), "Input 200 OHM");
 }
 
 TEST_F(WiredRange, FirstRoundTurnsTheInputOverTwice)

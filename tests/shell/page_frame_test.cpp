@@ -1,8 +1,12 @@
 #include "session/page_frame.h"
 
+#include "session/delays.h"
+#include "session/procedure.h"
 #include "shell/main_window.h"
 #include "shell/shell_fixture.h"
 
+#include <QApplication>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMainWindow>
 
@@ -108,4 +112,22 @@ TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
     RegisterProbe(6, [] { EXPECT_FALSE(Abort) << "what Esc ended is over"; });
     Click(StepButton(5));
     EXPECT_EQ(CurrentStepButton, 5);
+}
+
+TEST_F(PageFrames, AHeldEscStopsOnce)
+{
+    EstablishSimulated();
+    bool stoppedAgain = false;
+    RegisterProbe(5, [&] {
+        WaitForOperator([] { return false; });
+        Abort = false;
+        DelayAlways(1000);  // the way out
+        stoppedAgain = Abort;
+    });
+    person.Clicks(StepButton(4)).Waits(100).Presses(Qt::Key_Escape).Waits(500).Does([] {
+        QKeyEvent repeated(QEvent::KeyPress, Qt::Key_Escape, Qt::NoModifier, "", true);
+        QApplication::sendEvent(frmOmbrix, &repeated);
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_FALSE(stoppedAgain);
 }
