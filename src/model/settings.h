@@ -31,8 +31,7 @@ void SaveVFLimits();
 void SaveSendFileNames();
 void SaveAnaCal();
 
-/// The device behind COM1 or COM2, by number 1 or 2: what an entry of that name in the current folder leads to, else
-/// what section Ports names.
+/// The device behind COM1 or COM2 (section Ports), by number 1 or 2.
 std::string PortDevice(int port);
 
 }  // namespace ombrix

@@ -25,20 +25,6 @@ TEST_F(PortSettings, NameTheDevices)
     EXPECT_EQ(IniGet("Ports", "COM1"), "/dev/ttyS0");
 }
 
-TEST_F(PortSettings, GoBehindALinkInTheFolder)
-{
-    Write("Ombrix.ini", "[Ports]\nCOM1=/dev/ttyUSB7\n");
-    Start();
-    ASSERT_TRUE(QFile::link("/dev/pts/3", "COM2"));
-    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
-    EXPECT_EQ(PortDevice(2), "/dev/pts/3") << "whether there is anything behind it or not";
-    EXPECT_EQ(IniGet("Ports", "COM2"), "/dev/ttyS1") << "the settings stay as they are";
-    QFile::remove("COM2");
-    EXPECT_EQ(PortDevice(2), "/dev/ttyS1");
-    Write("COM1", "no device");
-    EXPECT_EQ(PortDevice(1), "/dev/ttyUSB7");
-}
-
 TEST_F(PortSettings, AreTheUsualOnesWhereTheFileHasNoRoomForThem)
 {
     std::string text;

@@ -3,7 +3,10 @@
 #include "platform/clock.h"
 #include "platform/safe_file.h"
 #include "session/state.h"
+#include "shell/main_window.h"
 #include "shell/station.h"
+
+#include <QMainWindow>
 
 #include <string>
 
@@ -50,6 +53,7 @@ BenchStation::BenchStation(const Wiring &wiring)
     if (wiring.manual)
         person.onBox = [this](const std::string &title, const std::string &text) { ObeyBox(bench, title, text); };
     OpenWholeStation();
+    frmOmbrix->setUpdatesEnabled(wiring.painted);
 }
 
 BenchStation::~BenchStation()
