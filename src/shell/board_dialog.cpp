@@ -57,7 +57,6 @@ struct Asking {
     Dialog *window = nullptr;
     std::vector<QRadioButton *> optSC;
     QCheckBox *chkXmtr = nullptr;
-    QPushButton *OKButton = nullptr;
 };
 Asking *asking = nullptr;  // the one that is up
 
@@ -92,7 +91,7 @@ void optMeter_Click(int index)
 
 void OKButton_Click()
 {
-    asking->OKButton->setEnabled(false);  // the writes behind it take their time
+    asking->window->setEnabled(false);  // the writes behind it take their time, and the answer stands
     asking->answered = true;
 }
 
@@ -154,9 +153,9 @@ void BuildDialog(bool asksMeter)
     fraMeter->setVisible(asksMeter);
     column->addWidget(fraMeter);
     column->addWidget(BuildBoardGroup());
-    asking->OKButton = Button(window, "OKButton", "OK", OKButton_Click);
-    asking->OKButton->setMinimumSize(100, 34);
-    column->addWidget(asking->OKButton, 0, Qt::AlignHCenter);
+    QPushButton *OKButton = Button(window, "OKButton", "OK", OKButton_Click);
+    OKButton->setMinimumSize(100, 34);
+    column->addWidget(OKButton, 0, Qt::AlignHCenter);
 }
 
 // What the meter says of itself, as far as it is to be kept.

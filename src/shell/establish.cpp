@@ -115,7 +115,7 @@ void cmdEstablish_Click()
 void IdentifyMeter()
 {
     ReadIdentity();
-    if (MeterKind < 0 || MeterSCType < 0) {
+    if ((MeterKind < 0 || MeterSCType < 0) && !Abort) {  // Esc ends an Establish, it asks for no answer
         ShowSCDialogFull = 1;
         AskBoard();
         MeterTab = TabOfBoard(MeterSCType);

@@ -20,10 +20,11 @@ namespace {
 QFrame *shpSim = nullptr;
 QLabel *lblSim = nullptr;
 
-// The operator picks the simulated meter; the session follows at the next Establish or tab.
+// The operator picks the simulated meter; the session follows at the next Establish or tab. Where a page has locked
+// navigation, its meter is not changed beneath it.
 void lblSim_DoubleClick()
 {
-    if (HardwareMode || !TabChangeAllowed)
+    if (HardwareMode || (Established && !TabChangeAllowed))
         return;
     RunProcedure([] {
         const NavigationLock lock;

@@ -4,6 +4,8 @@
 #include "session/procedure.h"
 #include "shell/shell_fixture.h"
 
+#include <QAbstractButton>
+
 using namespace ombrix;
 using namespace ombrix::test;
 
@@ -203,16 +205,22 @@ TEST_F(BoardDialog, NeitherEscNorTheCloseBoxEndsIt)
     EXPECT_FALSE(Abort);
 }
 
-TEST_F(BoardDialog, OkGoesOffAtItsClickWhileTheMeterIsWritten)
+TEST_F(BoardDialog, OkGoesOffAtItsClickWhileTheMeterIsWrittenAndTheAnswerStands)
 {
     HardwareMode = RealTimeDelays = true;
     EstablishOnLines();
-    Asks().Clicks("OKButton").Waits(300).Does([] {
+    Asks().Clicks("optSC(2)").Clicks("OKButton").Waits(300).Does([] {
         EXPECT_TRUE(Sees("dlgSCType"));
         EXPECT_FALSE(IsEnabled("OKButton"));
+        QWidget *other = ScriptedOperator::Find("optSC(7)");
+        EXPECT_FALSE(other->isEnabled());
+        qobject_cast<QAbstractButton *>(other)->click();
     });
     ASSERT_TRUE(person.Runs());
     EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+    EXPECT_EQ(MeterSCType, kLc);
+    EXPECT_EQ(BoardCode, "03");
+    EXPECT_EQ(meter.words[21] & 0xFF, 0x03);
 }
 
 TEST_F(BoardDialog, TheKeyboardAloneAnswersIt)

@@ -270,3 +270,13 @@ TEST_F(Establish, EscEndsIt)
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM2 and DPM on COM1");
 }
+
+TEST_F(Establish, EscWhileTheIdentityIsReadEndsItWithoutAQuestion)
+{
+    person.Clicks("cmdEstablish").WaitsUntil("the meter's type is read", [this] {
+        return testing::Matches(testing::Contains("*1X16D\r"))(meterLine.Writes());
+    });
+    person.Presses(Qt::Key_Escape).WaitsForText("lblStatus", "Error on COM1: Meter not found");
+    ASSERT_TRUE(person.Runs());
+    ExpectFailure("Error on COM1: Meter not found");
+}

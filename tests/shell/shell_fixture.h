@@ -67,11 +67,17 @@ protected:
     /// A double click that reaches the widget whether it can be seen or not.
     void DoubleClick(const std::string &name)
     {
-        person.Does([name] {
+        DoublyClicks(name);
+        EXPECT_TRUE(person.Runs());
+    }
+
+    /// The same as a step of the script.
+    ScriptedOperator &DoublyClicks(const std::string &name)
+    {
+        return person.Does([name] {
             QMouseEvent event(QEvent::MouseButtonDblClick, {1, 1}, {1, 1}, Qt::LeftButton, Qt::LeftButton, {});
             QCoreApplication::sendEvent(ScriptedOperator::Find(name), &event);
         });
-        EXPECT_TRUE(person.Runs());
     }
 
     static QTabBar *Strip() { return qobject_cast<QTabBar *>(ScriptedOperator::Find("tabCalib")); }

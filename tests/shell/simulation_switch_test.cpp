@@ -10,6 +10,12 @@ namespace {
 
 class SimulationSwitch : public ShellTest
 {
+protected:
+    void ExpectTheMarkIsDeaf()
+    {
+        DoublyClicks("lblSim").Does([] { EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr); });
+        EXPECT_TRUE(person.Runs());
+    }
 };
 
 }  // namespace
@@ -55,8 +61,7 @@ TEST_F(SimulationSwitch, GoingBackHidesTheSimulatedSwitchAndTheStatus)
 TEST_F(SimulationSwitch, ADoubleClickOnTheMarkInHardwareModeDoesNothing)
 {
     EstablishOnLines();
-    DoubleClick("lblSim");
-    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+    ExpectTheMarkIsDeaf();
 }
 
 TEST_F(SimulationSwitch, ADoubleClickOnTheMarkAsksForTheSimulatedMeter)
@@ -72,11 +77,23 @@ TEST_F(SimulationSwitch, ADoubleClickOnTheMarkAsksForTheSimulatedMeter)
     EXPECT_FALSE(TabMismatch);
 }
 
-TEST_F(SimulationSwitch, TheMarkIsDeafUnlessTabsAreTaken)
+TEST_F(SimulationSwitch, TheSimulatedMeterIsPickedBeforeTheFirstEstablishAsWell)
 {
     DoubleClick("lblCalOut");
-    DoubleClick("lblSim");
-    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+    person.DoubleClicks("lblSim").WaitsFor("dlgSCType").Clicks("optSC(2)").Clicks("OKButton");
+    person.Clicks("cmdEstablish");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(Established);
+    EXPECT_EQ(SCType, kLc);
+    EXPECT_EQ(CalibTab, kTabLc);
+}
+
+TEST_F(SimulationSwitch, TheMarkIsDeafWhileAPageHasLockedNavigation)
+{
+    EstablishSimulated();
+    EnableSteps(false);
+    ExpectTheMarkIsDeaf();
+    EXPECT_FALSE(IsEnabled(StepButton(0))) << "the page's lock stands";
 }
 
 TEST_F(SimulationSwitch, BothDoubleClicksAreDeafWhileAProcedureRuns)
