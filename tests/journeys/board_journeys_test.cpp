@@ -24,15 +24,6 @@ const char *NameOf(Route route)
     return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
 }
 
-std::vector<int> RangePositions()
-{
-    std::vector<int> positions;
-    for (int position = 0; position < kPositions; ++position)
-        if (NvmWordAtPosition(position) > 0)
-            positions.push_back(position);
-    return positions;
-}
-
 using Journey = std::tuple<int, Route, unsigned>;
 
 class BoardJourney : public testing::TestWithParam<Journey>

@@ -1,5 +1,6 @@
 #include "support/station.h"
 
+#include "model/range_tables.h"
 #include "session/state.h"
 #include "shell/station.h"
 
@@ -38,6 +39,15 @@ bool Station::EstablishesInSimulation()
 {
     person.DoubleClicks("lblCalOut").Clicks("cmdEstablish").WaitsUntil("it is established", [] { return Established; });
     return person.Runs();
+}
+
+std::vector<int> RangePositions()
+{
+    std::vector<int> positions;
+    for (int position = 0; position < kPositions; ++position)
+        if (NvmWordAtPosition(position) > 0)
+            positions.push_back(position);
+    return positions;
 }
 
 std::string StepButton(int position)

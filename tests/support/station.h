@@ -8,6 +8,7 @@
 #include <QTemporaryDir>
 
 #include <string>
+#include <vector>
 
 namespace ombrix::test {
 
@@ -42,6 +43,9 @@ public:
 
 /// What main does: fills the outlets, registers the pages, opens the window.
 void OpenWholeStation();
+
+/// Positions of the present board that trim a word.
+std::vector<int> RangePositions();
 
 /// Name of a step button.
 std::string StepButton(int position);

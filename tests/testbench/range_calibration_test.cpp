@@ -1,19 +1,13 @@
 #include "bench_fixture.h"
+#include "support/station.h"
 
 namespace ombrix::bench {
 namespace {
 
+using test::RangePositions;
+
 constexpr int kBoards[] = {board::kDc,  board::kAc,  board::kLc,   board::kTc,
                            board::kAc2, board::kAc3, board::kTemp, board::kRtd};
-
-std::vector<int> RangePositions()
-{
-    std::vector<int> positions;
-    for (int position = 0; position < kPositions; ++position)
-        if (NvmWordAtPosition(position) > 0)
-            positions.push_back(position);
-    return positions;
-}
 
 class RangeCalibration : public StationOnBench, public testing::WithParamInterface<int>
 {

@@ -20,6 +20,7 @@
 namespace ombrix::tour {
 namespace {
 
+using test::RangePositions;
 using test::ScriptedOperator;
 
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
@@ -45,15 +46,6 @@ void PrintRow(int row, int columns)
     for (int column = 0; column < columns; ++column)
         line += " " + OneLine(ScriptedOperator::Cell("msgCalibGrid", row, column));
     std::printf("%s\n", line.c_str());
-}
-
-std::vector<int> RangePositions()
-{
-    std::vector<int> positions;
-    for (int position = 0; position < kPositions; ++position)
-        if (NvmWordAtPosition(position) > 0)
-            positions.push_back(position);
-    return positions;
 }
 
 std::string ButtonOf(int position)
