@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <limits>
 
-#include "testbench/bench_parts.h"
+#include "testbench/bench_wiring.h"
 
 namespace ombrix::bench {
 

@@ -130,10 +130,10 @@ public:
     {
         while (ended == 0 && !m_quit) {
             Sleep(asleep);
+            ReadConsole();
             Carry(Line::Meter, m_meter);
             if (m_options.setup.calibrator)
                 Carry(Line::Calibrator, m_calibrator);
-            ReadConsole();
             ShowStatus();
         }
         Say("ended");

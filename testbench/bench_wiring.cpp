@@ -1,4 +1,4 @@
-#include "testbench/bench_parts.h"
+#include "testbench/bench_wiring.h"
 
 #include <algorithm>
 

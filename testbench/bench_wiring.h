@@ -1,4 +1,4 @@
-// What stands on a bench and how it is joined. Only bench.cpp looks in here.
+// What stands on a bench and how it is joined. Only the bench's own sources look in here.
 #pragma once
 
 #include <functional>

@@ -8,7 +8,7 @@
 namespace ombrix::bench {
 namespace {
 
-using Special = StationOnBench;
+using Procedures = StationOnBench;
 
 std::int32_t WordAt(int word)
 {
@@ -59,7 +59,7 @@ void TrimRatio(int boardByte)
     }
 }
 
-TEST_F(Special, RatioGainAndOffsetConverge)
+TEST_F(Procedures, RatioGainAndOffsetConverge)
 {
     for (const auto &[board, code] : {std::pair{board::kDc, 0xA0}, {board::kLc, 0xC2}}) {
         for (const unsigned seed : {1u, 2u, 3u}) {
@@ -75,7 +75,7 @@ TEST_F(Special, RatioGainAndOffsetConverge)
     }
 }
 
-TEST_F(Special, RatioReadsWhatTheBridgeIsSetTo)
+TEST_F(Procedures, RatioReadsWhatTheBridgeIsSetTo)
 {
     Stands({.board = board::kDc});
     Establishes();
@@ -87,7 +87,7 @@ TEST_F(Special, RatioReadsWhatTheBridgeIsSetTo)
 
 // ---- RTD current ----
 
-TEST_F(Special, RtdCurrentConverges)
+TEST_F(Procedures, RtdCurrentConverges)
 {
     for (const unsigned seed : {1u, 2u, 3u}) {
         Stands({.board = board::kTemp, .seed = seed});
@@ -148,7 +148,7 @@ struct DiodeRow {
     const char *title;
 };
 
-class Diodes : public Special, public testing::WithParamInterface<DiodeRow>
+class Diodes : public Procedures, public testing::WithParamInterface<DiodeRow>
 {
 };
 
@@ -215,7 +215,7 @@ void FitVf(const VfRow &row)
     }
 }
 
-TEST_F(Special, VfTwoPointFitConverges)
+TEST_F(Procedures, VfTwoPointFitConverges)
 {
     constexpr VfRow kRows[] = {{"81", 195, "4 mA", "20 mA", 4, 20, 4, 6250, "VF 4-20 mA"},
                                {"91", 198, "0 mA", "1 mA", 0, 1, 0, 100000, "VF 0-1 mA"},
@@ -331,7 +331,7 @@ struct CycleRow {
     std::vector<std::string> points;
 };
 
-class FirstCycles : public Special, public testing::WithParamInterface<CycleRow>
+class FirstCycles : public Procedures, public testing::WithParamInterface<CycleRow>
 {
 };
 
@@ -384,7 +384,7 @@ double TrimReading(const std::string &value)
     return Val(ReadSettledReading());
 }
 
-TEST_F(Special, TrimsOfAcBoardsConverge)
+TEST_F(Procedures, TrimsOfAcBoardsConverge)
 {
     Stands({.board = board::kAc3});
     Establishes();
@@ -408,7 +408,7 @@ TEST_F(Special, TrimsOfAcBoardsConverge)
     EXPECT_FALSE(bench->Trim("R99", 1, NowMicros()));
 }
 
-TEST_F(Special, AnR13R14UnitReadsItsNegativeInputMore)
+TEST_F(Procedures, AnR13R14UnitReadsItsNegativeInputMore)
 {
     Stands({.board = board::kAc2});
     Establishes();
