@@ -125,6 +125,27 @@ TEST_F(TwoRounds, RepeatInsideTheSecondOfAClickStartsARound)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(TwoRounds, ClickInTheFirstIsForgottenInTheNext)
+{
+    std::string last;
+    Calibrates()
+        .ClicksCell("msgCalibGrid", 0, 1)
+        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
+        .Does([this] { bench->goodWord = 0x8000; })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 3 is watched", Watches(3))
+        .Does([&last] {
+            last = Cell(2, 4);
+            ASSERT_NE(last, Cell(0, 4));
+        })
+        .Clicks("cmdAccept")
+        .WaitsUntil("the next step is open", StandsAt(5));
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(HexText(bench->words[32], 4), last);
+}
+
 TEST_F(TwoRounds, ClickWhileARoundRunsChoosesAtOnceAndDoesNotDisturbIt)
 {
     WatchesTwo()
@@ -141,6 +162,60 @@ TEST_F(TwoRounds, ClickWhileARoundRunsChoosesAtOnceAndDoesNotDisturbIt)
             EXPECT_EQ(Cell(2, 4), HexText(bench->words[32], 4));
             EXPECT_EQ(Cell(0, 4), "8A01");
         });
+    EXPECT_TRUE(person->Runs());
+}
+
+// ---- what a calibration leaves to the next ----
+
+TEST_F(WiredRange, ReadyStartsAtThePlusSideWhereverTheLastRoundEnded)
+{
+    Calibrates()
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Does([this] { EXPECT_EQ(bench->output, "-2 V"); })
+        .Clicks("cmdStopReset")
+        .WaitsFor("cmdReady")
+        .Does([this] { bench->log.clear(); })
+        .Clicks("cmdReady")
+        .WaitsFor("cmdRepeat")
+        .Does([this] {
+            EXPECT_EQ(bench->log[1], "cal OUT 2 V ; OPER ; *WAI");
+            EXPECT_EQ(Cell(0, 2), "+80000\n-80000");
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, AnAcceptedCalibrationDoesNotAcceptTheNext)
+{
+    person
+        ->Clicks(StepButton(14))  // 200 mV, which stays open
+        .WaitsFor("cmdReady")
+        .Clicks("cmdReady")
+        .WaitsFor("cmdRepeat")
+        .Clicks("cmdAccept")
+        .WaitsFor("cmdReady")
+        .Clicks("cmdReady")
+        .WaitsFor("cmdRepeat")
+        .ClicksCell("msgCalibGrid", 0, 1)
+        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
+        .Waits(10'000)
+        .Does([] {
+            EXPECT_EQ(Rows(), 1);
+            EXPECT_TRUE(IsEnabled("cmdAccept"));
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, ReadyOfTheStepBeforeIsOffWhileTheNextOneIsOpened)
+{
+    UseSwitch = true;
+    Opens()
+        .Does([this] { bench->log.clear(); })
+        .Clicks(StepButton(8))  // 2 mA
+        .WaitsUntil("the switch turns", [this] { return !bench->log.empty(); })
+        .Does([] { EXPECT_FALSE(IsEnabled("cmdReady")); })
+        .WaitsForText("lblRangeStep", "2 mA")
+        .WaitsFor("cmdReady");
     EXPECT_TRUE(person->Runs());
 }
 

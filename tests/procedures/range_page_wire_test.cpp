@@ -270,7 +270,10 @@ TEST_F(WiredRange, StopCannotBeClickedAgainWhileTheInputIsRemoved)
         .WaitsUntil("the input stands", [this] { return bench->operating; })
         .Clicks("cmdStopReset")
         .WaitsUntil("the input goes", [this] { return !bench->operating; })
-        .Does([] { EXPECT_FALSE(IsEnabled("cmdStopReset")); })
+        .Does([] {
+            EXPECT_FALSE(IsEnabled("cmdStopReset"));
+            EXPECT_TRUE(HasFocus("fraCalib(4)")) << "an impatient Enter presses nothing";
+        })
         .WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(bench->output, "0 V");
@@ -334,6 +337,14 @@ TEST_F(WiredRange, SilenceInTheLiveReadingLeavesTheButtons)
         })
         .Clicks("cmdAccept")
         .WaitsUntil("the next step is open", StandsAt(5));
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, AClickThatEndsTheLiveReadingIsNoSilence)
+{
+    Calibrates().Clicks("cmdRepeat").WaitsUntil("round 2 is watched", Watches(2)).Does([] {
+        EXPECT_THAT(Text("lblRemark"), Not(testing::HasSubstr("silent")));
+    });
     EXPECT_TRUE(person->Runs());
 }
 
