@@ -23,11 +23,13 @@ namespace {
 
 constexpr int kGnd = 2;  // positions on the DC board
 constexpr int kRef = 3;
+constexpr int kNoStep = -1;
 
 // Seconds that the station's own waits may add up to. A reply that is never whole is asked for 20 times; a calibrator
 // that never answers is given five attempts for an output, each 1 s for its errors and five polls of 10.5 s.
 constexpr int kStepEntry = 20;
 constexpr int kRemoval = 275;
+constexpr int kEstablish = 30;
 constexpr int kPatience = 300;  // what the operator waits for a round before he clicks Stop
 
 bool NavigationIsFree()
@@ -54,7 +56,7 @@ void PrintTo(const Case &each, std::ostream *out)
 
 std::string NameOfCase(const testing::TestParamInfo<Case> &info)
 {
-    std::string name = info.param.position == kGnd ? "Gnd" : "Ref";
+    std::string name = info.param.position == kGnd ? "Gnd" : info.param.position == kRef ? "Ref" : "";
     bool capital = true;
     for (const char c : info.param.fault) {
         if (c != '-')
@@ -184,6 +186,62 @@ TEST_P(FaultLoop, LeavesNoHangAndNoOutputAndTheRangeCanBeCalibratedAfterwards)
 
 INSTANTIATE_TEST_SUITE_P(EveryExchange, FaultLoop, testing::ValuesIn(Cases(kGnd, 1)), NameOfCase);
 INSTANTIATE_TEST_SUITE_P(EveryThird, FaultLoop, testing::ValuesIn(Cases(kRef, 3)), NameOfCase);
+
+// The same while the session is established.
+class EstablishFaultLoop : public FaultLoop
+{
+protected:
+    // A meter whose board can't be read is told what it is.
+    void EstablishesWithTheFault()
+    {
+        const std::int64_t start = station.clock.Elapsed();
+        const auto ended = [] { return ScriptedOperator::Sees("lblStatus") && (!Established || NavigationIsFree()); };
+        station.person.Clicks("cmdEstablish").WaitsUntil("Establish ends or asks for the board", [ended] {
+            return ended() || ScriptedOperator::IsEnabled("OKButton");
+        });
+        station.person.Does([this, ended] {
+            if (!ended())
+                station.person.Clicks("OKButton").WaitsUntil("Establish ends", ended);
+        });
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(station.clock.Elapsed() - start, kEstablish * 1000);
+    }
+
+    void DropsTheSession()
+    {
+        if (!Established)
+            return;
+        station.person.Clicks("cmdSetup").WaitsFor("optManual").Clicks("optManual").Clicks("optAutomatic");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        ASSERT_FALSE(Established);
+    }
+};
+
+TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
+{
+    ASSERT_TRUE(station.Establishes());
+    const int exchanges = station.bench.Exchanges();
+    ASSERT_GT(exchanges, 10);
+    const auto memory = station.bench.Nvm();
+    for (int n = 0; n < exchanges && !HasFailure(); n += GetParam().every) {
+        SCOPED_TRACE("exchange " + std::to_string(n) + " of " + std::to_string(exchanges));
+        DropsTheSession();
+        const int exchange = station.bench.Exchanges() + n;
+        ASSERT_TRUE(station.bench.FaultAtExchange(GetParam().fault, exchange, GetParam().lasting));
+        EstablishesWithTheFault();
+        EXPECT_FALSE(station.bench.CalibratorNow().operating);
+        EXPECT_GT(station.bench.Exchanges(), exchange);
+        station.bench.SwitchFault(GetParam().fault, false);
+        DropsTheSession();
+        ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+        EXPECT_EQ(SCType, kDc);
+        EXPECT_EQ(station.bench.Nvm(), memory) << "nothing misread was written";
+        EXPECT_THAT(failures, testing::IsEmpty());
+    }
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(EveryExchange, EstablishFaultLoop, testing::ValuesIn(Cases(kNoStep, 1)), NameOfCase);
 
 TEST(DeadCalibrator, IsGivenUpAtOnceByEscWhileTheInputIsRemoved)
 {

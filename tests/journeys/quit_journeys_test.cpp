@@ -48,5 +48,6 @@ TEST_P(QuitAt, PutsTheCalibratorInStandbyWithin1200MillisecondsAndEndsWithin4Sec
 }
 
 INSTANTIATE_TEST_SUITE_P(InARound, QuitAt,
-                         testing::Values(0, 1, 100, 450, 600, 1100, 1600, 2100, 2600, 3000, 3700, 4300, 5000, 6100, 7000,
-                                         8000, 9000, 10000, 12000, 14000, 16000, 18000, 20000, 25000, 30000, 40000));
+                         testing::Values(0, 1, 100, 450, 600, 1100, 1600, 2100, 2600, 3000, 3700, 4300, 5000, 6100,
+                                         7000, 8000, 9000, 10000, 12000, 14000, 16000, 18000, 20000, 25000, 30000,
+                                         40000));
