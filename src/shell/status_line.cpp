@@ -72,7 +72,8 @@ void BuildStatusLine(QStatusBar *line)
     lblRemark->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long remark never widens the window
     lblRemark->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     lblKeptRemark = Label(line, "lblKeptRemark");
-    lblKeptRemark->setMinimumWidth(1);
+    lblKeptRemark->setMinimumWidth(1);  // nor does this one
+    lblKeptRemark->setContentsMargins(16, 0, 0, 0);
     line->addWidget(shpBusy);
     line->addWidget(lblWait);
     line->addWidget(lblRemark, 1);
