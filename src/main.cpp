@@ -1,5 +1,6 @@
 // Starts the station in the program's own folder and runs it until Quit.
 
+#include "session/state.h"
 #include "shell/quit.h"
 #include "shell/station.h"
 
@@ -16,7 +17,7 @@ int main(int argc, char **argv)
     ombrix::RegisterPages();
     ombrix::OpenStation();
     ombrix::WatchSignals();
-    const int result = QApplication::exec();
+    const int result = ombrix::Quitting ? 0 : QApplication::exec();  // nothing would end it after the last words
     ombrix::StopWatchingSignals();
     ombrix::CloseStation();
     return result;

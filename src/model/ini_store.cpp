@@ -186,7 +186,7 @@ void LoadIni(const std::string &path)
         obstacle = " is in use by another station.";
     fileUsable = obstacle.empty();
     if (!fileUsable)
-        outlets.showRemark(path + obstacle + " Settings of this session won't be kept.");
+        outlets.keepRemark(path + obstacle + " Settings of this session won't be kept.");
     IniDirty = false;
 }
 
@@ -195,10 +195,8 @@ void SaveIni()
     if (!IniDirty || !IniReady || !fileUsable)
         return;
     const std::string error = WriteFile(iniPath, FileText());
-    if (error.empty())
-        IniDirty = false;
-    else
-        outlets.showRemark(iniPath + " can't be written: " + error + ". The settings aren't saved.");
+    IniDirty = !error.empty();
+    outlets.keepRemark(IniDirty ? iniPath + " can't be written: " + error + ". The settings aren't saved." : "");
 }
 
 std::string IniGet(const std::string &section, const std::string &key)

@@ -28,6 +28,8 @@ struct Outlets {
     std::function<void(const std::string &text)> showWait = [](const std::string &) {};
     /// A remark that stays on the status line until the next one.
     std::function<void(const std::string &text)> showRemark = [](const std::string &) {};
+    /// A remark that no later one takes the place of; "" when it holds no more.
+    std::function<void(const std::string &text)> keepRemark = [](const std::string &) {};
 };
 
 extern Outlets outlets;

@@ -100,7 +100,7 @@ void InstallHandler(void (*handler)(int))
     action.sa_handler = handler;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_RESTART;
-    for (const int number : {SIGTERM, SIGINT})
+    for (const int number : {SIGTERM, SIGINT, SIGHUP})  // the last when the terminal or the desktop session goes
         sigaction(number, &action, nullptr);
 }
 

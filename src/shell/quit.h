@@ -9,7 +9,7 @@ enum class QuitBy { Operator, Signal };
 /// By a signal nobody is asked anything.
 void Quit(QuitBy by);
 
-/// SIGTERM and SIGINT take the same road.
+/// SIGTERM, SIGINT and SIGHUP take the same road.
 void WatchSignals();
 void StopWatchingSignals();
 

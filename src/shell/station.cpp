@@ -38,6 +38,7 @@ void FillOutlets()
     outlets.showSwitch = ShowSwitch;
     outlets.showWait = ShowWait;
     outlets.showRemark = ShowRemark;
+    outlets.keepRemark = KeepRemark;
     FaultOutlet = ShowRemark;
 }
 

@@ -15,6 +15,7 @@ constexpr int kLookMs = 1000;
 QFrame *shpBusy = nullptr;  // the busy mark
 QLabel *lblWait = nullptr;
 QLabel *lblRemark = nullptr;
+QLabel *lblKeptRemark = nullptr;
 
 std::string waitText;
 std::int64_t waitStart = 0;
@@ -31,6 +32,14 @@ void ShowWaitText()
         return;
     lblWait->setText(text);
     shpBusy->setVisible(!text.isEmpty());
+}
+
+void Say(QLabel *label, const std::string &text)
+{
+    if (!label)
+        return;
+    label->setText(Caption(text));
+    label->setToolTip(Caption(text));
 }
 
 void PlanLook()
@@ -62,9 +71,13 @@ void BuildStatusLine(QStatusBar *line)
     lblRemark = Label(line, "lblRemark");
     lblRemark->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long remark never widens the window
     lblRemark->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    lblKeptRemark = Label(line, "lblKeptRemark");
+    lblKeptRemark->setMinimumWidth(1);  // nor does this one
+    lblKeptRemark->setContentsMargins(16, 0, 0, 0);
     line->addWidget(shpBusy);
     line->addWidget(lblWait);
     line->addWidget(lblRemark, 1);
+    line->addWidget(lblKeptRemark);
     waitText.clear();
     lookPlanned = false;
     ++lineNumber;
@@ -72,7 +85,7 @@ void BuildStatusLine(QStatusBar *line)
 
 void DropStatusLine()
 {
-    lblWait = lblRemark = nullptr;
+    lblWait = lblRemark = lblKeptRemark = nullptr;
     shpBusy = nullptr;
 }
 
@@ -90,10 +103,12 @@ void ShowWait(const std::string &text)
 
 void ShowRemark(const std::string &text)
 {
-    if (!lblRemark)
-        return;
-    lblRemark->setText(Caption(text));
-    lblRemark->setToolTip(Caption(text));
+    Say(lblRemark, text);
+}
+
+void KeepRemark(const std::string &text)
+{
+    Say(lblKeptRemark, text);
 }
 
 }  // namespace ombrix

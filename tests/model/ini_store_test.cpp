@@ -351,11 +351,13 @@ TEST_F(IniStore, StaysDirtyAndSaysSoWhenItCannotWrite)
     EXPECT_TRUE(IniDirty);
     ASSERT_EQ(remarks.size(), 1u);
     EXPECT_NE(remarks[0].find("can't be written"), std::string::npos);
+    EXPECT_EQ(kept, remarks[0]);
 
     QDir().mkdir("gone");
     SaveIni();
     EXPECT_FALSE(IniDirty);
     EXPECT_EQ(Read("gone/Ombrix.ini"), "[A]\nOne=1\n");
+    EXPECT_EQ(kept, "") << "what is saved by now needs no remark";
 }
 
 TEST_F(IniStore, LosesAKeyUnderA17thSectionWithAMessage)

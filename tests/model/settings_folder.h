@@ -34,7 +34,11 @@ protected:
         outlets.warnOperator = [this](const std::string &text, const std::string &title) {
             warnings.push_back(title + ": " + text);
         };
-        outlets.showRemark = [this](const std::string &text) { remarks.push_back(text); };
+        outlets.keepRemark = [this](const std::string &text) {
+            kept = text;
+            if (!text.empty())
+                remarks.push_back(text);
+        };
     }
 
     void TearDown() override
@@ -61,6 +65,7 @@ protected:
 
     std::vector<std::string> warnings;
     std::vector<std::string> remarks;
+    std::string kept;  ///< the remark that stands
 
 private:
     static void Empty()

@@ -45,4 +45,5 @@ TEST(Outlets, DoNothingByDefault)
     none.showSwitch(true);
     none.showWait("text");
     none.showRemark("text");
+    none.keepRemark("text");
 }

@@ -11,6 +11,10 @@ class QuitUnasked : public QuitProcedure
 {
 };
 
+class QuitBySystem : public QuitProcedure, public testing::WithParamInterface<int>
+{
+};
+
 }  // namespace
 
 TEST_F(QuitUnasked, InManualModeTheOperatorIsToldToRemoveTheInput)
@@ -91,13 +95,15 @@ TEST_F(QuitUnasked, TheCloseBoxIsTheSame)
     EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
 }
 
-TEST_F(QuitUnasked, ASignalOfTheSystemTakesTheSameRoad)
+TEST_P(QuitBySystem, ASignalTakesTheSameRoad)
 {
     WatchSignals();
-    std::raise(SIGTERM);
+    std::raise(GetParam());
     person.WaitsUntil("the station quits", [] { return Quitting; });
     EXPECT_TRUE(person.Runs());
     StopWatchingSignals();
     EXPECT_TRUE(Quitting);
     EXPECT_FALSE(frmOmbrix->isVisible());
 }
+
+INSTANTIATE_TEST_SUITE_P(Signals, QuitBySystem, testing::Values(SIGTERM, SIGINT, SIGHUP));

@@ -2,6 +2,9 @@
 
 #include "shell/shell_fixture.h"
 
+#include <QDir>
+#include <QFile>
+
 using namespace ombrix;
 using namespace ombrix::test;
 
@@ -75,19 +78,45 @@ TEST_F(StatusLine, LooksOnceASecondAtMostAndNotAtAllWhenNothingIsWaitedFor)
 
 TEST_F(StatusLine, ARemarkStaysUntilTheNext)
 {
-    outlets.showRemark("Settings of this session won't be kept.");
+    outlets.showRemark("GND: the meter fell silent");
     outlets.showWait("Meter restarts");
     outlets.showWait("");
     Passes(5000);
-    EXPECT_EQ(Text("lblRemark"), "Settings of this session won't be kept.");
+    EXPECT_EQ(Text("lblRemark"), "GND: the meter fell silent");
     outlets.showRemark("");
     EXPECT_EQ(Text("lblRemark"), "");
+}
+
+TEST_F(StatusLine, AKeptRemarkStandsBesideLaterOnesInFull)
+{
+    const std::string kept = "Ombrix.ini is in use by another station. Settings of this session won't be kept.";
+    outlets.keepRemark(kept);
+    outlets.showWait("Calibrator: waiting for OPER");
+    outlets.showRemark("REF (200 mV): the meter fell silent, its last reading stands");
+    Passes(10);
+    EXPECT_EQ(Text("lblKeptRemark"), kept);
+    EXPECT_EQ(Text("lblRemark"), "REF (200 mV): the meter fell silent, its last reading stands");
+    const QWidget *label = ScriptedOperator::Find("lblKeptRemark");
+    EXPECT_GE(label->width(), label->sizeHint().width());
+    outlets.keepRemark("");
+    EXPECT_EQ(Text("lblKeptRemark"), "");
+    EXPECT_EQ(Text("lblRemark"), "REF (200 mV): the meter fell silent, its last reading stands");
+}
+
+TEST_F(StatusLine, SettingsThatCannotBeReadAreTold)
+{
+    CloseStation();
+    QFile::remove("Ombrix.ini");
+    QDir().mkdir("Ombrix.ini");
+    OpenWholeStation();
+    EXPECT_EQ(Text("lblKeptRemark"), "Ombrix.ini can't be read. Settings of this session won't be kept.");
 }
 
 TEST_F(StatusLine, ALongRemarkDoesNotWidenTheWindow)
 {
     const int before = ScriptedOperator::Find("frmOmbrix")->width();
     outlets.showRemark(std::string(2000, 'w'));
+    outlets.keepRemark(std::string(2000, 'w'));
     Passes(10);
     EXPECT_EQ(ScriptedOperator::Find("frmOmbrix")->width(), before);
 }
