@@ -31,6 +31,7 @@ constexpr int kStepEntry = 20;
 constexpr int kRemoval = 275;
 constexpr int kEstablish = 30;
 constexpr int kPatience = 300;  // what the operator waits for a round before he clicks Stop
+constexpr int kLook = 1000;     // milliseconds for which he watches its end
 
 bool NavigationIsFree()
 {
@@ -92,10 +93,12 @@ protected:
             return RoundHasEnded() || NavigationIsFree() || station.clock.Elapsed() > start + kPatience * 1000;
         });
         station.person.Does([this] {
-            if (RoundHasEnded())
+            if (RoundHasEnded()) {
+                station.person.Waits(kLook);
                 Leaves("cmdAccept", 2 + kRemoval + kStepEntry);
-            else if (!NavigationIsFree())
+            } else if (!NavigationIsFree()) {
                 Leaves("cmdStopReset", 2 + kRemoval);
+            }
         });
     }
 
@@ -121,13 +124,20 @@ protected:
 
     bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
 
-    // What the operator does about a device that was pulled: another wiring ends the session, and the old one begins
-    // a new one.
-    void EstablishesAgain()
+    // Another wiring ends the session.
+    void DropsTheSession()
     {
+        if (!Established)
+            return;
         station.person.Clicks("cmdSetup").WaitsFor("optManual").Clicks("optManual").Clicks("optAutomatic");
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
         ASSERT_FALSE(Established);
+    }
+
+    // What the operator does about a device that was pulled.
+    void EstablishesAgain()
+    {
+        ASSERT_NO_FATAL_FAILURE(DropsTheSession());
         ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
     }
 
@@ -206,15 +216,6 @@ protected:
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
         EXPECT_LE(station.clock.Elapsed() - start, kEstablish * 1000);
     }
-
-    void DropsTheSession()
-    {
-        if (!Established)
-            return;
-        station.person.Clicks("cmdSetup").WaitsFor("optManual").Clicks("optManual").Clicks("optAutomatic");
-        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
-        ASSERT_FALSE(Established);
-    }
 };
 
 TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
@@ -232,8 +233,7 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
         EXPECT_FALSE(station.bench.CalibratorNow().operating);
         EXPECT_GT(station.bench.Exchanges(), exchange);
         station.bench.SwitchFault(GetParam().fault, false);
-        DropsTheSession();
-        ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+        ASSERT_NO_FATAL_FAILURE(EstablishesAgain());
         EXPECT_EQ(SCType, kDc);
         EXPECT_EQ(station.bench.Nvm(), memory) << "nothing misread was written";
         EXPECT_THAT(failures, testing::IsEmpty());
