@@ -30,6 +30,19 @@ TEST_F(QuitUnasked, InManualModeTheOperatorIsToldToRemoveTheInput)
     EXPECT_THAT(calibratorLine.log, IsEmpty());
 }
 
+TEST_F(QuitUnasked, BeforeEstablishInManualModeThereIsNoInputToRemove)
+{
+    Click("optManual");
+    CalStandbyFlag = false;  // as in a fresh program
+    std::vector<std::string> boxes;
+    person.onBox = [&](const std::string &title, const std::string &) { boxes.push_back(title); };
+    ClicksQuit();
+    ASSERT_TRUE(person.Runs());
+    EXPECT_THAT(boxes, IsEmpty());
+    EXPECT_EQ(clock.Elapsed(), 0);
+    EXPECT_FALSE(frmOmbrix->isVisible());
+}
+
 TEST_F(QuitUnasked, ASignalAsksNobody)
 {
     Click("optManual");
