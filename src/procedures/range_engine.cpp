@@ -4,6 +4,7 @@
 #include "links/meter_simulator.h"
 #include "model/nominals.h"
 #include "model/range_tables.h"
+#include "model/step_ids.h"
 #include "platform/text.h"
 #include "procedures/range_correction.h"
 #include "session/state.h"
@@ -16,7 +17,6 @@ StepContext step;
 
 namespace {
 
-constexpr int kPt100 = 55;  // step id
 constexpr float kPt100Fraction = 0.6444f;
 constexpr float kFirstNoise = 20.0f;
 constexpr float kNoiseDecay = 0.8f;
@@ -41,7 +41,7 @@ void LoadGainRule(int stepId)
     step.ProportionalStep = SCType != kTemp;
     if (!step.ProportionalStep)
         return;
-    step.SpanFraction = stepId == kPt100 ? kPt100Fraction : 1.0f;
+    step.SpanFraction = stepId == Step::Pt100 ? kPt100Fraction : 1.0f;
     step.SpanRemainder = 1.0f - step.SpanFraction;
 }
 

@@ -3,6 +3,7 @@
 #include "links/calibrator.h"
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
+#include "model/step_ids.h"
 #include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
@@ -18,9 +19,6 @@
 namespace ombrix {
 namespace {
 
-constexpr int kFirstCycle = 14;
-constexpr int kGainOffset = 30;
-constexpr int kOffsetOnly = 31;
 constexpr int kLastPosition = kPositions - 1;
 
 std::array<QPushButton *, kPositions> cmdCalib{};
@@ -37,7 +35,7 @@ bool MayBeOn(int position)
 {
     if (cmdCalib[position]->text().isEmpty() || !StepAllowed(position))
         return false;
-    if (StepIds[position] == kFirstCycle && MeterPort == 0)
+    if (StepIds[position] == Step::FirstCycle && MeterPort == 0)
         return false;  // the stream can't pass the calibrator
     const bool restores = position == kLastPosition && cmdCalib[position]->text() == "Rest Config";
     return !(restores && RestConfigImage.empty());
@@ -118,7 +116,7 @@ void SelectStep(int index)
     ShowBoardChooser(false);
     HighlightStep(index);
     CurrentStepId = IsPosition(index) ? StepIds[index] : -1;
-    if (CalibTab == kTabTc && CurrentStepId != kGainOffset && CurrentStepId != kOffsetOnly)
+    if (CalibTab == kTabTc && CurrentStepId != Step::GainOffset && CurrentStepId != Step::OffsetOnly)
         CalibratorStandby();
     if (const StepEntry enter = EntryOfStep(CurrentStepId))
         enter();
