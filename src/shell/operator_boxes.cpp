@@ -2,10 +2,13 @@
 
 #include "platform/clock.h"
 #include "platform/widgets.h"
+#include "session/procedure.h"
+#include "session/state.h"
 #include "shell/main_window.h"
 
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QShortcut>
 
 #include <vector>
 
@@ -32,6 +35,12 @@ void AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string
     QMessageBox box(icon, Caption(title), Caption(text), QMessageBox::Ok, frmOmbrix);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::ApplicationModal);
+    // Esc says no: it takes the box away, but what was asked for counts as not done.
+    QShortcut esc(Qt::Key_Escape, &box);
+    QObject::connect(&esc, &QShortcut::activated, &box, [&box] {
+        Abort = Abort || ProcedureRunning();
+        box.hide();
+    });
     const OpenBox scope(&box);
     box.show();
     while (box.isVisible())

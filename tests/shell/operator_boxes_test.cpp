@@ -43,6 +43,21 @@ TEST_F(OperatorBoxes, APromptCarriesAnExclamationMarkAndWaitsForOk)
     EXPECT_TRUE(returned);
 }
 
+TEST_F(OperatorBoxes, EscAtAPromptStopsTheProcedureInsteadOfConfirming)
+{
+    bool stopped = false;
+    person.Does([&] {
+        RunProcedure([&] {
+            outlets.promptOperator("Apply an accurate input signal of 660 V to the Meter", "Apply Input Signal");
+            stopped = Abort;
+        });
+    });
+    person.WaitsUntil("the box is up", [] { return Box() != nullptr; }).Presses(Qt::Key_Escape);
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(stopped);
+    EXPECT_EQ(Box(), nullptr);
+}
+
 TEST_F(OperatorBoxes, AWarningCarriesAStopSign)
 {
     person.Does([] { RunProcedure([] { outlets.warnOperator("Too many INI Keys", "Ombrix.ini Problem"); }); });
