@@ -40,12 +40,19 @@ std::string OneLine(std::string text)
     return text;
 }
 
+// Columns of the grid; the last one is the error.
+int Columns(int position)
+{
+    return CalValueAtPosition(position) == "0 V" ? 7 : 8;
+}
+
 void PrintRow(int row, int columns)
 {
     std::string line = "   ";
     for (int column = 0; column < columns; ++column)
         line += " " + OneLine(ScriptedOperator::Cell("msgCalibGrid", row, column));
     std::printf("%s\n", line.c_str());
+    std::fflush(stdout);
 }
 
 std::string ButtonOf(int position)
@@ -59,11 +66,8 @@ RangeResult Judge(int position)
     RangeResult result;
     result.title = StepName(StepIdAtPosition(position));
     result.rows = ScriptedOperator::Rows("msgCalibGrid");
-    const int columns = CalValueAtPosition(position) == "0 V" ? 7 : 8;
-    result.error = std::fabs(Val(ScriptedOperator::Cell("msgCalibGrid", result.rows - 1, columns - 1)));
+    result.error = std::fabs(Val(ScriptedOperator::Cell("msgCalibGrid", result.rows - 1, Columns(position) - 1)));
     result.noise = static_cast<double>(SimNoise) + 1;
-    for (int row = 0; row < result.rows; ++row)
-        PrintRow(row, columns);
     return result;
 }
 
@@ -87,19 +91,23 @@ private:
     QString m_folder;
 };
 
-void ScriptRange(ScriptedOperator &person, int position, const Pictures &pictures, std::vector<RangeResult> &results)
+void ScriptRange(ScriptedOperator &person, int position, const std::string &progress, const Pictures &pictures,
+                 std::vector<RangeResult> &results)
 {
     const QString name = QString("range-%1").arg(position, 2, 10, QChar('0'));
     person.Clicks(ButtonOf(position)).WaitsFor("cmdReady").Waits(pictures.QuietMs()).Does([=, &pictures] {
-        std::printf("%s\n", StepName(StepIdAtPosition(position)).c_str());
+        std::printf("%s: %s\n", progress.c_str(), StepName(StepIdAtPosition(position)).c_str());
         std::fflush(stdout);
         pictures.Take(name + "-jumpers");
     });
-    person.Clicks("cmdReady").WaitsFor("cmdRepeat");
-    for (int round = 1; round < kRounds; ++round)
-        person.Clicks("cmdRepeat").WaitsUntil("the next round has ended", [round] {
-            return ScriptedOperator::Rows("msgCalibGrid") > round && ScriptedOperator::IsEnabled("cmdRepeat");
-        });
+    for (int round = 0; round < kRounds; ++round)
+        person.Clicks(round == 0 ? "cmdReady" : "cmdRepeat")
+            .WaitsUntil("the round has ended",
+                        [round] {
+                            return ScriptedOperator::Rows("msgCalibGrid") > round &&
+                                   ScriptedOperator::IsEnabled("cmdRepeat");
+                        })
+            .Does([=] { PrintRow(round, Columns(position)); });
     person.Waits(pictures.QuietMs()).Does([=, &pictures, &results] {
         results.push_back(Judge(position));
         pictures.Take(name);
@@ -144,8 +152,8 @@ bool RunSimulation(const Options &options)
     bool good = person.Runs();
     const std::vector<int> positions = RangePositions();
     expected = positions.size();
-    for (int position : positions)
-        ScriptRange(person, position, pictures, results);
+    for (std::size_t i = 0; i < expected; ++i)
+        ScriptRange(person, positions[i], std::to_string(i + 1) + " of " + std::to_string(expected), pictures, results);
     good = good && person.Runs();
     if (!good)
         std::printf("%s\n", person.Trouble().c_str());
