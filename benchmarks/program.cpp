@@ -5,6 +5,7 @@
 #include <signal.h>
 #include <stdexcept>
 #include <stdlib.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
@@ -60,6 +61,7 @@ Program::Program(const std::vector<std::string> &command, const std::string &fol
         return;
     for (const std::string &variable : variables)
         putenv(const_cast<char *>(variable.c_str()));
+    prctl(PR_SET_PDEATHSIG, SIGTERM);  // ends with the benchmark, also with one that is killed
     if (chdir(folder.c_str()) == 0)
         execv(words.front(), words.data());
     _exit(127);

@@ -7,6 +7,7 @@
 #include <poll.h>
 #include <signal.h>
 #include <stdexcept>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/un.h>
 #include <sys/wait.h>
@@ -77,6 +78,7 @@ Screen::Screen()
     m_server = fork();
     if (m_server == 0) {
         close(numbers[0]);
+        prctl(PR_SET_PDEATHSIG, SIGTERM);  // ends with the benchmark, also with one that is killed
         const int silence = open("/dev/null", O_WRONLY);
         dup2(silence, STDERR_FILENO);
         const std::string fd = std::to_string(numbers[1]);
