@@ -1,30 +1,46 @@
 #include "platform/port_check.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 
+#include <filesystem>
+#include <string>
 #include <sys/stat.h>
+#include <system_error>
 
 namespace ombrix {
 namespace {
 
+namespace fs = std::filesystem;
+
+bool HasOpen(const fs::path &process, const fs::path &device)
+{
+    std::error_code failed;
+    // A process may end while it is looked at.
+    for (fs::directory_iterator at(process / "fd", failed), end; !failed && at != end; at.increment(failed)) {
+        std::error_code closed;
+        if (fs::read_symlink(at->path(), closed) == device)
+            return true;
+    }
+    return false;
+}
+
 // Name of another process that has the device open, "" when none is seen. Without rights other users' processes hide.
 QString HolderOf(const QString &device)
 {
-    const QString own = QString::number(QCoreApplication::applicationPid());
-    const QDir processes("/proc");
-    for (const QString &process : processes.entryList({"[1-9]*"}, QDir::Dirs)) {
-        if (process == own)
+    const std::string own = std::to_string(QCoreApplication::applicationPid());
+    const fs::path wanted = device.toStdString();
+    std::error_code failed;
+    for (fs::directory_iterator at("/proc", failed), end; !failed && at != end; at.increment(failed)) {
+        const fs::path &process = at->path();
+        const std::string number = process.filename().string();
+        const bool isProcess = number.find_first_not_of("0123456789") == std::string::npos;
+        if (!isProcess || number == own || !HasOpen(process, wanted))
             continue;
-        const QDir open("/proc/" + process + "/fd");
-        for (const QString &entry : open.entryList(QDir::System | QDir::Files | QDir::NoDotAndDotDot)) {
-            if (QFile::symLinkTarget(open.filePath(entry)) != device)
-                continue;
-            QFile name("/proc/" + process + "/comm");
-            return name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed() : process;
-        }
+        QFile name(QString::fromStdString(process / "comm"));
+        return name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed()
+                                              : QString::fromStdString(number);
     }
     return "";
 }
