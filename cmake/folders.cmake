@@ -1,10 +1,6 @@
 # One static library for each folder of src/, named ombrix_<folder>. Headers are included as "folder/file.h".
 function(ombrix_folder folder)
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_SOURCE_DIR}/src/${folder}/*.cpp)
-  if(NOT sources)
-    file(WRITE ${CMAKE_BINARY_DIR}/empty.cpp "")
-    set(sources ${CMAKE_BINARY_DIR}/empty.cpp)
-  endif()
   add_library(ombrix_${folder} STATIC ${sources})
   target_include_directories(ombrix_${folder} PUBLIC ${CMAKE_SOURCE_DIR}/src)
   target_link_libraries(ombrix_${folder} PUBLIC ${ARGN})

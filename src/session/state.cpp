@@ -2,37 +2,37 @@
 
 namespace ombrix {
 
-bool HardwareMode = true;
-bool RealTimeDelays = true;
-bool Automatic = true;
-int CalPort = 2;
-int MeterPort = 1;
-bool UseSwitch = true;
-bool Abort = false;
-bool Quitting = false;
+bool HardwareMode;
+bool RealTimeDelays;
+bool Automatic;
+int CalPort;
+int MeterPort;
+bool UseSwitch;
+bool Abort;
+bool Quitting;
 
-int CalibTab = kTabDc;
-int SCType = -1;
-int SessionMeterKind = -1;
-bool SessionXmtrFlag = false;
+int CalibTab;
+int SCType;
+int SessionMeterKind;
+bool SessionXmtrFlag;
 std::string SessionMeterName;
-int ShowSCDialogFull = 0;
+int ShowSCDialogFull;
 
-bool Established = false;
-bool SimToggleAllowed = true;
-bool OptionEventsMuted = false;
-bool TabEventsMuted = true;
-bool TabChangeAllowed = false;
-bool ReadIdentityOnTabChange = true;
-bool TabMismatch = false;
-bool TabSelectShown = false;
-int LastAcBoard = kAc3;
-int LastTempBoard = kTc;
-int MeterTab = kTabDc;
+bool Established;
+bool SimToggleAllowed;
+bool OptionEventsMuted;
+bool TabEventsMuted;
+bool TabChangeAllowed;
+bool ReadIdentityOnTabChange;
+bool TabMismatch;
+bool TabSelectShown;
+int LastAcBoard;
+int LastTempBoard;
+int MeterTab;
 
-int CurrentStepButton = -1;
-int CurrentStepId = -1;
-std::array<int, kPositions> StepIds{};
+int CurrentStepButton;
+int CurrentStepId;
+std::array<int, kPositions> StepIds;
 std::string RestConfigImage;
 
 void InitSessionState()
@@ -66,5 +66,12 @@ void InitSessionState()
     StepIds.fill(-1);
     RestConfigImage.clear();
 }
+
+namespace {
+
+// The start values stand once, above; they are there before main too.
+[[maybe_unused]] const bool startValuesSet = (InitSessionState(), true);
+
+}  // namespace
 
 }  // namespace ombrix

@@ -343,6 +343,12 @@ int ScriptedOperator::Rows(const std::string &grid)
     return table ? table->rowCount() : 0;
 }
 
+int ScriptedOperator::Columns(const std::string &grid)
+{
+    const auto *table = qobject_cast<QTableWidget *>(Find(grid));
+    return table ? table->columnCount() : 0;
+}
+
 std::string ScriptedOperator::Fill(const std::string &name)
 {
     const QWidget *widget = Find(name);

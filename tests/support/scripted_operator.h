@@ -68,6 +68,7 @@ public:
     static std::string Text(const std::string &name);
     static std::string Cell(const std::string &grid, int row, int column);
     static int Rows(const std::string &grid);
+    static int Columns(const std::string &grid);
     /// The colour a shape or button is filled with, "#rrggbb".
     static std::string Fill(const std::string &name);
     /// Text of the open message box, "" when none is open.

@@ -65,7 +65,7 @@ RangeRun CalibrateOneRange(ScriptedOperator &person)
         .Does([&] {
             run.before = LastCell(2);
             run.after = LastCell(5);
-            run.error = LastCell(CalValueAtPosition(position) == "0 V" || CalibTab == kTabAc || SCType == kRtd ? 6 : 7);
+            run.error = LastCell(ScriptedOperator::Columns("msgCalibGrid") - 1);
         })
         .Clicks("cmdAccept")
         .WaitsUntil("the range is left", [] { return ScriptedOperator::IsEnabled("cmdSetup"); })

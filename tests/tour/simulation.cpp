@@ -40,16 +40,10 @@ std::string OneLine(std::string text)
     return text;
 }
 
-// Columns of the grid; the last one is the error.
-int Columns(int position)
-{
-    return CalValueAtPosition(position) == "0 V" ? 7 : 8;
-}
-
-void PrintRow(int row, int columns)
+void PrintRow(int row)
 {
     std::string line = "   ";
-    for (int column = 0; column < columns; ++column)
+    for (int column = 0; column < ScriptedOperator::Columns("msgCalibGrid"); ++column)
         line += " " + OneLine(ScriptedOperator::Cell("msgCalibGrid", row, column));
     std::printf("%s\n", line.c_str());
     std::fflush(stdout);
@@ -66,7 +60,8 @@ RangeResult Judge(int position)
     RangeResult result;
     result.title = StepName(StepIdAtPosition(position));
     result.rows = ScriptedOperator::Rows("msgCalibGrid");
-    result.error = std::fabs(Val(ScriptedOperator::Cell("msgCalibGrid", result.rows - 1, Columns(position) - 1)));
+    result.error = std::fabs(
+        Val(ScriptedOperator::Cell("msgCalibGrid", result.rows - 1, ScriptedOperator::Columns("msgCalibGrid") - 1)));
     result.noise = static_cast<double>(SimNoise) + 1;
     return result;
 }
@@ -107,7 +102,7 @@ void ScriptRange(ScriptedOperator &person, int position, const std::string &prog
                             return ScriptedOperator::Rows("msgCalibGrid") > round &&
                                    ScriptedOperator::IsEnabled("cmdRepeat");
                         })
-            .Does([=] { PrintRow(round, Columns(position)); });
+            .Does([round] { PrintRow(round); });
     person.Waits(pictures.QuietMs()).Does([=, &pictures, &results] {
         results.push_back(Judge(position));
         pictures.Take(name);
