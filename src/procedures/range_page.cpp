@@ -1,18 +1,18 @@
 #include "procedures/range_page.h"
 
+#include "calibration/range_engine.h"
 #include "links/calibrator.h"
 #include "links/meter_operations.h"
 #include "links/output_switch.h"
 #include "model/range_tables.h"
-#include "platform/page_kit.h"
 #include "platform/text.h"
-#include "procedures/range_engine.h"
 #include "procedures/range_view.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "widgets/page_kit.h"
 
 #include <QFrame>
 #include <QPushButton>

@@ -1,7 +1,7 @@
 #include "procedures/range_view.h"
 
-#include "platform/page_grid.h"
-#include "platform/page_kit.h"
+#include "widgets/page_grid.h"
+#include "widgets/page_kit.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

@@ -2,7 +2,7 @@
 // waits for nothing.
 #pragma once
 
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <functional>
 #include <string>

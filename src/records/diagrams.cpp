@@ -2,13 +2,13 @@
 
 #include "model/connection_tables.h"
 #include "model/step_ids.h"
-#include "platform/widgets.h"
 #include "records/connector_drawing.h"
 #include "records/diagram_painting.h"
 #include "records/dual_converter.h"
 #include "records/jumper_drawing.h"
 #include "session/page_frame.h"
 #include "session/state.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QLabel>

@@ -1,7 +1,7 @@
 #include "records/dual_converter.h"
 
-#include "platform/widgets.h"
 #include "records/diagram_painting.h"
+#include "widgets/widgets.h"
 
 #include <QGridLayout>
 #include <QLabel>

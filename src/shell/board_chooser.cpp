@@ -1,10 +1,10 @@
 #include "shell/board_chooser.h"
 
 #include "model/range_tables.h"
-#include "platform/widgets.h"
 #include "session/state.h"
 #include "shell/step_buttons.h"
 #include "shell/tab_strip.h"
+#include "widgets/widgets.h"
 
 #include <QGroupBox>
 #include <QHBoxLayout>

@@ -3,9 +3,9 @@
 #include "links/meter_identity.h"
 #include "links/meter_simulator.h"
 #include "platform/clock.h"
-#include "platform/widgets.h"
 #include "session/state.h"
 #include "shell/main_window.h"
+#include "widgets/widgets.h"
 
 #include <QCheckBox>
 #include <QCloseEvent>

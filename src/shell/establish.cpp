@@ -7,7 +7,6 @@
 #include "links/output_switch.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
-#include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -15,6 +14,7 @@
 #include "shell/navigation_lock.h"
 #include "shell/setup_page.h"
 #include "shell/tab_strip.h"
+#include "widgets/widgets.h"
 
 #include <QColor>
 

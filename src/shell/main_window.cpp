@@ -1,7 +1,6 @@
 #include "shell/main_window.h"
 
 #include "platform/fault.h"
-#include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -14,6 +13,7 @@
 #include "shell/step_buttons.h"
 #include "shell/tab_strip.h"
 #include "version.h"
+#include "widgets/widgets.h"
 
 #include <QCloseEvent>
 #include <QFrame>

@@ -1,10 +1,10 @@
 #include "shell/operator_boxes.h"
 
 #include "platform/clock.h"
-#include "platform/widgets.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "shell/main_window.h"
+#include "widgets/widgets.h"
 
 #include <QMainWindow>
 #include <QMessageBox>

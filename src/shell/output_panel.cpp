@@ -1,9 +1,9 @@
 #include "shell/output_panel.h"
 
-#include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/state.h"
 #include "shell/simulation_switch.h"
+#include "widgets/widgets.h"
 
 #include <QApplication>
 #include <QFrame>

@@ -2,8 +2,8 @@
 
 #include "model/settings.h"
 #include "platform/port_check.h"
-#include "platform/widgets.h"
 #include "session/state.h"
+#include "widgets/widgets.h"
 
 #include <QApplication>
 #include <QLabel>

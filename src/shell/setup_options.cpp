@@ -2,13 +2,13 @@
 
 #include "links/output_switch.h"
 #include "model/settings.h"
-#include "platform/widgets.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "shell/navigation_lock.h"
 #include "shell/port_notes.h"
 #include "shell/setup_page.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QGroupBox>

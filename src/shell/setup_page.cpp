@@ -1,7 +1,6 @@
 #include "shell/setup_page.h"
 
 #include "links/calibrator.h"
-#include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -11,6 +10,7 @@
 #include "shell/output_panel.h"
 #include "shell/setup_options.h"
 #include "shell/tab_strip.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QLabel>

@@ -1,6 +1,5 @@
 #include "shell/simulation_switch.h"
 
-#include "platform/widgets.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -9,6 +8,7 @@
 #include "shell/navigation_lock.h"
 #include "shell/port_notes.h"
 #include "shell/setup_page.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QHBoxLayout>

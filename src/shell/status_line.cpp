@@ -1,7 +1,7 @@
 #include "shell/status_line.h"
 
 #include "platform/clock.h"
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QLabel>

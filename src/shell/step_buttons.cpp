@@ -4,7 +4,6 @@
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
 #include "model/step_ids.h"
-#include "platform/widgets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -12,6 +11,7 @@
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
 #include "shell/tab_strip.h"
+#include "widgets/widgets.h"
 
 #include <QPushButton>
 #include <QVBoxLayout>

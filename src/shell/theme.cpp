@@ -1,6 +1,6 @@
 #include "shell/theme.h"
 
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <QApplication>
 #include <QPalette>

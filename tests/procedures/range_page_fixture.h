@@ -1,11 +1,11 @@
 // The range page in the station's real window.
 #pragma once
 
+#include "calibration/range_engine.h"
 #include "links/meter_simulator.h"
 #include "model/nominals.h"
 #include "platform/text.h"
 #include "procedures/fake_instruments.h"
-#include "procedures/range_engine.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "support/station.h"

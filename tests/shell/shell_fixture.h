@@ -4,7 +4,6 @@
 #include "links/meter_simulator.h"
 #include "model/settings.h"
 #include "platform/clock.h"
-#include "platform/widgets.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -13,6 +12,7 @@
 #include "shell/station.h"
 #include "support/fake_line.h"
 #include "support/station.h"
+#include "widgets/widgets.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,6 +1,5 @@
 #include "support/station.h"
 
-#include "model/range_tables.h"
 #include "session/state.h"
 #include "shell/station.h"
 
@@ -39,20 +38,6 @@ bool Station::EstablishesInSimulation()
 {
     person.DoubleClicks("lblCalOut").Clicks("cmdEstablish").WaitsUntil("it is established", [] { return Established; });
     return person.Runs();
-}
-
-std::vector<int> RangePositions()
-{
-    std::vector<int> positions;
-    for (int position = 0; position < kPositions; ++position)
-        if (NvmWordAtPosition(position) > 0)
-            positions.push_back(position);
-    return positions;
-}
-
-std::string StepButton(int position)
-{
-    return "cmdCalib(" + std::to_string(position) + ")";
 }
 
 }  // namespace ombrix::test

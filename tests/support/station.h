@@ -1,14 +1,12 @@
 // The whole station in its real window, on virtual time, in an empty folder of its own.
 #pragma once
 
+#include "support/positions.h"
 #include "support/scripted_operator.h"
 #include "support/virtual_clock.h"
 
 #include <QString>
 #include <QTemporaryDir>
-
-#include <string>
-#include <vector>
 
 namespace ombrix::test {
 
@@ -43,11 +41,5 @@ public:
 
 /// What main does: fills the outlets, registers the pages, opens the window.
 void OpenWholeStation();
-
-/// Positions of the present board that trim a word.
-std::vector<int> RangePositions();
-
-/// Name of a step button.
-std::string StepButton(int position);
 
 }  // namespace ombrix::test

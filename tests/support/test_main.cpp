@@ -1,16 +1,14 @@
-// The one main of all test programs: a toolkit without a screen, the style of the program, an empty current folder.
+// The main of the tests without a window: an event loop, an empty current folder.
 
 #include <gtest/gtest.h>
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
 
 int main(int argc, char **argv)
 {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication application(argc, argv);
-    QApplication::setStyle("Fusion");
+    QCoreApplication application(argc, argv);
     testing::InitGoogleTest(&argc, argv);
     const QTemporaryDir folder;
     QDir::setCurrent(folder.path());

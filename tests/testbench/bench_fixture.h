@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "calibration/range_engine.h"
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
 #include "links/meter_link.h"
@@ -18,7 +19,6 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/text.h"
-#include "procedures/range_engine.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/procedure.h"

@@ -1,5 +1,5 @@
 #include "bench_fixture.h"
-#include "support/station.h"
+#include "support/positions.h"
 
 namespace ombrix::bench {
 namespace {

@@ -1,7 +1,7 @@
-#include "platform/page_grid.h"
+#include "widgets/page_grid.h"
 
 #include "platform/fault.h"
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <QEvent>
 #include <QHeaderView>

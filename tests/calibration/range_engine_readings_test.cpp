@@ -1,4 +1,4 @@
-#include "procedures/engine_fixture.h"
+#include "calibration/engine_fixture.h"
 
 #include <cstdlib>
 

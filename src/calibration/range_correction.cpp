@@ -1,4 +1,4 @@
-#include "procedures/range_correction.h"
+#include "calibration/range_correction.h"
 
 #include <cmath>
 #include <limits>

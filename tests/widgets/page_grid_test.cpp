@@ -1,6 +1,6 @@
-#include "platform/page_grid.h"
+#include "widgets/page_grid.h"
 
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <gtest/gtest.h>
 

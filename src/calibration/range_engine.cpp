@@ -1,12 +1,12 @@
-#include "procedures/range_engine.h"
+#include "calibration/range_engine.h"
 
+#include "calibration/range_correction.h"
 #include "links/meter_operations.h"
 #include "links/meter_simulator.h"
 #include "model/nominals.h"
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
-#include "procedures/range_correction.h"
 #include "session/state.h"
 
 #include <cmath>

@@ -1,4 +1,4 @@
-#include "procedures/engine_fixture.h"
+#include "calibration/engine_fixture.h"
 
 #include "links/meter_operations.h"
 #include "platform/text.h"

@@ -1,11 +1,11 @@
 // The range engine on the station's own simulator, and on a serial line whose meter a test writes.
 #pragma once
 
+#include "calibration/range_engine.h"
 #include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
-#include "procedures/range_engine.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "support/fake_line.h"

@@ -1,9 +1,9 @@
-#include "procedures/range_engine.h"
+#include "calibration/range_engine.h"
 
+#include "calibration/range_correction.h"
 #include "links/meter_operations.h"
 #include "links/meter_simulator.h"
 #include "platform/text.h"
-#include "procedures/range_correction.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/procedure.h"

@@ -1,6 +1,6 @@
-#include "platform/page_kit.h"
+#include "widgets/page_kit.h"
 
-#include "platform/widgets.h"
+#include "widgets/widgets.h"
 
 #include <gtest/gtest.h>
 
