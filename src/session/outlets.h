@@ -4,32 +4,62 @@
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace ombrix {
 
 /// Danger levels of the output panel.
 enum class Danger { Safe = 0, Warning = 1, Danger = 2 };
 
+/// A line of a printed page, in a fixed pitch.
+struct PrintedLine {
+    std::string text;
+    bool underlined = false;
+};
+
+/// Every outlet that asks returns when the operator has answered; events are delivered meanwhile. Where a box is taken
+/// away by the end of the program, the answer is the careful one: not done, no, none.
 struct Outlets {
+    using Say = std::function<void(const std::string &text)>;
+    using Ask = std::function<bool(const std::string &text, const std::string &title)>;
+
+    // ---- what is shown ----
+
     /// lblOutput: what stands on the input terminals, e.g. "200.0 mV".
-    std::function<void(const std::string &text)> showOutput = [](const std::string &) {};
+    Say showOutput = [](const std::string &) {};
     /// lblFlag and shpFlag.
     std::function<void(Danger level)> showDangerFlag = [](Danger) {};
-    /// A message with an exclamation mark and OK alone. Returns when the operator has confirmed.
-    std::function<void(const std::string &text, const std::string &title)> promptOperator = [](const std::string &,
-                                                                                               const std::string &) {};
-    /// The same with a stop sign.
-    std::function<void(const std::string &text, const std::string &title)> warnOperator = [](const std::string &,
-                                                                                             const std::string &) {};
+    /// The alert over the whole width; "" takes it away.
+    Say showAlert = [](const std::string &) {};
     /// lblSwitch: shows the simulated output switch; showSwitch(false) hides it.
-    std::function<void(const std::string &text)> showSwitchText = [](const std::string &) {};
+    Say showSwitchText = [](const std::string &) {};
     std::function<void(bool on)> showSwitch = [](bool) {};
     /// The status line: what the station waits for; "" when it waits for nothing.
-    std::function<void(const std::string &text)> showWait = [](const std::string &) {};
+    Say showWait = [](const std::string &) {};
     /// A remark that stays on the status line until the next one.
-    std::function<void(const std::string &text)> showRemark = [](const std::string &) {};
+    Say showRemark = [](const std::string &) {};
     /// A remark that no later one takes the place of; "" when it holds no more.
-    std::function<void(const std::string &text)> keepRemark = [](const std::string &) {};
+    Say keepRemark = [](const std::string &) {};
+    /// A short sound.
+    std::function<void()> beep = [] {};
+
+    // ---- what is asked ----
+
+    /// A message with an exclamation mark and OK alone, for something that the operator must do. False: Esc said that
+    /// it was not done.
+    Ask promptOperator = [](const std::string &, const std::string &) { return true; };
+    /// A message with a stop sign and OK.
+    std::function<void(const std::string &text, const std::string &title)> warnOperator = [](const std::string &,
+                                                                                             const std::string &) {};
+    /// A question with OK and Cancel; Esc is Cancel.
+    Ask askOperator = [](const std::string &, const std::string &) { return false; };
+    /// An Open dialog that begins at a file; `filter` as "Meter files (*.dpm)". The path, "" when it was cancelled.
+    std::function<std::string(const std::string &title, const std::string &filter, const std::string &start)>
+        chooseFile = [](const std::string &, const std::string &, const std::string &) { return std::string(); };
+    /// A print dialog, then the page in 'Courier New' at `points`. "" when it was printed or cancelled, otherwise why it
+    /// could not be.
+    std::function<std::string(const std::string &title, const std::vector<PrintedLine> &lines, int points)> print =
+        [](const std::string &, const std::vector<PrintedLine> &, int) { return std::string(); };
 };
 
 extern Outlets outlets;

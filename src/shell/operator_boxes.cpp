@@ -28,10 +28,10 @@ public:
 };
 
 // Shown and pumped, never run in a loop of its own: the program's one way to wait stays the only one.
-void AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string &title)
+bool AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string &title)
 {
     if (silenced)
-        return;
+        return false;
     QMessageBox box(icon, Caption(title), Caption(text), QMessageBox::Ok, frmOmbrix);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::ApplicationModal);
@@ -45,13 +45,14 @@ void AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string
     box.show();
     while (box.isVisible())
         PumpEvents(kForever);
+    return box.clickedButton() != nullptr;
 }
 
 }  // namespace
 
-void PromptOperator(const std::string &text, const std::string &title)
+bool PromptOperator(const std::string &text, const std::string &title)
 {
-    AskForOk(QMessageBox::Warning, text, title);
+    return AskForOk(QMessageBox::Warning, text, title);
 }
 
 void WarnOperator(const std::string &text, const std::string &title)

@@ -5,8 +5,8 @@
 
 namespace ombrix {
 
-/// With an exclamation mark.
-void PromptOperator(const std::string &text, const std::string &title);
+/// With an exclamation mark. False when Esc took it away, or the end of the program.
+bool PromptOperator(const std::string &text, const std::string &title);
 /// With a stop sign.
 void WarnOperator(const std::string &text, const std::string &title);
 

@@ -168,7 +168,10 @@ TEST_F(Calibrator, ByHand100KohmShows100Point0kOhmOnThePanel)
 TEST_F(Calibrator, ByHandThePanelWaitsForTheOperator)
 {
     ByHand();
-    outlets.promptOperator = [this](const std::string &, const std::string &) { EXPECT_EQ(panel, ""); };
+    outlets.promptOperator = [this](const std::string &, const std::string &) {
+        EXPECT_EQ(panel, "");
+        return true;
+    };
     ApplyInput("2 V");
     EXPECT_EQ(panel, "2.0 V");
 }

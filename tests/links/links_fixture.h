@@ -51,6 +51,7 @@ protected:
         outlets.showDangerFlag = [this](Danger level) { flags.push_back(level); };
         outlets.promptOperator = [this](const std::string &text, const std::string &title) {
             prompts.push_back(title + ": " + text);
+            return true;
         };
         outlets.showSwitchText = [this](const std::string &text) { switchText = text; };
         outlets.showSwitch = [this](bool on) { switchShown = on; };
