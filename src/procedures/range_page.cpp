@@ -1,339 +1,444 @@
 #include "procedures/range_page.h"
 
-#include "calibration/range_engine.h"
+#include "calibration/learning.h"
+#include "calibration/readings.h"
+#include "calibration/step_context.h"
+#include "calibration/step_word.h"
 #include "links/calibrator.h"
 #include "links/meter_operations.h"
 #include "links/output_switch.h"
 #include "model/range_tables.h"
+#include "model/step_ids.h"
+#include "platform/clock.h"
 #include "platform/text.h"
-#include "procedures/range_view.h"
-#include "session/delays.h"
-#include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "widgets/page_grid.h"
 #include "widgets/page_kit.h"
+#include "widgets/page_states.h"
+#include "widgets/widgets.h"
 
 #include <QFrame>
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
 
 #include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 namespace ombrix {
 namespace {
 
 constexpr int kRangePage = 4;
-constexpr int kWatchMs = 300;
+constexpr int kPatienceMs = 1000;  // a Stop so soon after the click that ended the rounds belongs to that click
+
+// ---- what the page knows ----
+
+struct Round {
+    std::string wordBefore;
+    std::array<std::string, 2> before;  // the readings that the correction begins with, as they came
+    std::string word;                   // the corrected one, "" as long as there is none
+    std::array<std::string, 2> reading;
+};
+
+enum class Wish { None, Repeat, Accept, Reset };
 
 struct RangePage {
-    int Position = -1;
-    bool TurnoverStep = false;
-    std::array<std::string, 2> PolarityValue;  // for the calibrator
-    std::string DesiredText;
-    std::string WordText;  // the word now in the meter, as the page knows it
-
-    int Row = -1;                            // of the round in work
-    int Polarity = 0;                        // the input now applied
-    std::array<std::string, 2> ReadingText;  // the last reading of each
-
-    bool RepeatClicked = false;
-    bool AcceptClicked = false;
-    bool ResetClicked = false;
-    bool GridClicked = false;
-    int ClickedRow = -1;
+    int position = -1;
+    bool turnover = false;
+    std::array<std::string, 2> value;  // for the calibrator, of each polarity
+    std::string cable;                 // what to say of it, "" nothing
+    std::string word;                  // now in the meter
+    std::vector<Round> rounds;
+    int chosen = -1;   // the round that Accept keeps
+    int polarity = 0;  // the input now applied
+    Wish wish = Wish::None;
+    std::optional<Deadline> patience;  // while the page is left
 };
 RangePage page;
 
-// ---- one round: what takes a reading returns false when the operator has stopped it ----
+// ---- what it shows ----
 
-void AddRound()
+enum State { kOpening, kNoWord, kWaiting, kRunning, kWatching, kRepeating, kAccepting, kLeaving };
+
+struct View {
+    QLabel *lblRangeStep, *lblRangeInput;
+    QTableWidget *msgCalibGrid;
+    QFrame *cable;  // shpInst(1)
+    struct Buttons {
+        QPushButton *ready, *repeat, *accept, *stopReset;
+    } buttons;
+    PageStates states;
+};
+View view;
+
+const Prompt kPromptReady = {"Set jumpers and apply input\r\nas shown, then click \"Ready\""};
+const Prompt kPromptStop = {"Click \"Stop\" to stop calibrating this range"};
+const Prompt kPromptRepeat = {"Click \"Repeat\" to repeat this range"};
+const Prompt kPromptLimited = {"Required correction exceeds allowable range", true};
+const Prompt kPromptLeaving = {"Removing the input"};
+const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
+
+// Ready and Repeat share a place.
+std::vector<PageState> TableOfStates()
 {
-    ClearGridSelection();
-    rangeView.cmdStopReset->setText("Stop");
-    rangeView.cmdStopReset->setFocus();
-    Disable(rangeView.cmdRepeat, rangeView.cmdAccept);
-    ShowRangeInstruction(RangeInstruction::CanStop);
-    page.Row = AddRangeRow(page.DesiredText, page.WordText);
-    SelectGridRow(page.Row);
+    const auto [ready, repeat, accept, stop] = view.buttons;
+    return {
+        // clang-format off
+        // state      on                    keys to  prompt          not seen   captions
+        {kOpening,   {},                    nullptr, kPromptReady,   {repeat},  {{stop, "Stop"}}},
+        {kNoWord,    {},                    nullptr, kPromptNoWord,  {repeat},  {{stop, "Stop"}}},
+        {kWaiting,   {ready},               ready,   kPromptReady,   {repeat},  {{stop, "Stop"}}},
+        {kRunning,   {stop},                stop,    kPromptStop,    {ready},   {{stop, "Stop"}}},
+        {kWatching,  {repeat, accept, stop}, repeat, kPromptRepeat,  {ready},   {{stop, "Reset"}}},
+        {kRepeating, {stop},                nullptr, kPromptStop,    {ready},   {{stop, "Stop"}}},
+        {kAccepting, {stop},                nullptr, kPromptRepeat,  {ready},   {{stop, "Reset"}}},
+        {kLeaving,   {stop},                nullptr, kPromptLeaving, {ready},   {{stop, "Stop"}}},
+        // clang-format on
+    };
 }
 
-bool ApplyPolarity()
+enum Column { kNumber, kDesired, kCurrentReading, kCurrentCalib, kNewCalib, kNewReading, kTurnover };
+
+// Without turnover the column Turnover is missing; Error is the last one.
+const std::vector<GridColumn> kPlainColumns = {{"", 450},
+                                               {"Desired\r\nReading", 1650},
+                                               {"Current\r\nReading", 1650},
+                                               {"Current\r\nCalib", 1210},
+                                               {"New\r\nCalib", 1210},
+                                               {"New\r\nReading", 1650},
+                                               {"Error", 1200}};
+const std::vector<GridColumn> kTurnoverColumns = {{"", 450},
+                                                  {"Desired\r\nReading", 1490},
+                                                  {"Current\r\nReading", 1490},
+                                                  {"Current\r\nCalib", 1000},
+                                                  {"New\r\nCalib", 1000},
+                                                  {"New\r\nReading", 1490},
+                                                  {"Turnover", 1050},
+                                                  {"Error", 1050}};
+
+std::string DesiredText()
 {
-    ApplyInputValue(page.PolarityValue[page.Polarity]);
-    return !Abort;
+    const std::string target = std::to_string(GetTargetCounts());
+    return page.turnover ? "+" + target + "\r\n-" + target : target;
 }
 
-bool ReadPolarity()
+// Both polarities, a line each.
+std::string Lines(const std::array<std::string, 2> &readings)
 {
-    page.ReadingText[page.Polarity] = TakeReading(page.Polarity);
-    return !Abort;
+    return page.turnover ? readings[0] + "\r\n" + readings[1] : readings[0];
 }
 
-bool TurnOver()
+// A cell of the round in work.
+void ShowCell(int column, const std::string &text)
 {
-    page.Polarity = 1 - page.Polarity;
-    if (!ApplyPolarity())
-        return false;
-    MeterCommandCZ();
-    return ReadPolarity();
+    SetGridCell(view.msgCalibGrid, static_cast<int>(page.rounds.size()) - 1, column, text);
 }
 
-std::string BothReadings()
+void Choose(int round)
 {
-    return page.TurnoverStep ? page.ReadingText[0] + "\r\n" + page.ReadingText[1] : page.ReadingText[0];
-}
-
-bool TakeFirstReadings()
-{
-    page.Polarity = 0;
-    if (!ApplyPolarity() || !ReadPolarity())
-        return false;
-    if (!page.TurnoverStep)
-        return true;
-    SetRangeCell(page.Row, RangeColumn::CurrentReading, page.ReadingText[0] + "\r\n");
-    return TurnOver();
-}
-
-void ShowCurrentReadings()
-{
-    SetRangeCell(page.Row, RangeColumn::CurrentReading, BothReadings());
-    if (page.TurnoverStep)
-        page.ReadingText[0] = page.ReadingText[1] = "";
-}
-
-void CorrectWord(bool first)
-{
-    page.WordText = ComputeCorrectedWord(first);
-    SetRangeCell(page.Row, RangeColumn::NewCalib, page.WordText);
-    if (step.CorrectionLimited)
-        ShowRangeInstruction(RangeInstruction::Limited);
+    page.chosen = round;
+    MarkGridRow(view.msgCalibGrid, round);
 }
 
 void ShowNewReadings()
 {
-    SetRangeCell(page.Row, RangeColumn::NewReading, BothReadings());
-    if (page.TurnoverStep)
-        SetRangeCell(page.Row, RangeColumn::Turnover, MeanReadingText());
-    SetRangeCell(page.Row, RangeColumn::Error, ReadingErrorText());
+    ShowCell(kNewReading, Lines(page.rounds.back().reading));
+    if (page.turnover)
+        ShowCell(kTurnover, MeanReadingText());
+    ShowCell(page.turnover ? kTurnover + 1 : kTurnover, ReadingErrorText());
 }
 
-bool TakeNewReadings()
+// What the operator is told of the round behind him, and of what Accept would do.
+Prompt PromptOfRound()
 {
-    if (!ReadPolarity())
-        return false;
-    if (page.TurnoverStep) {
-        SetRangeCell(page.Row, RangeColumn::NewReading, BothReadings());
-        if (!TurnOver())
-            return false;
+    Prompt prompt = GetCorrectionLimited() ? kPromptLimited : kPromptRepeat;
+    if (ReadingIsFar()) {
+        prompt.text += "\r\nReading is far from the target: check input, jumpers and wires";
+        prompt.trouble = true;
     }
-    ShowNewReadings();
-    if (!step.CorrectionLimited)
-        ShowRangeInstruction(RangeInstruction::CanRepeat);
-    return true;
+    if (page.chosen + 1 < static_cast<int>(page.rounds.size()))
+        prompt.text += "\r\nAccept writes " + page.rounds[static_cast<std::size_t>(page.chosen)].word +
+                       ", the word of round " + std::to_string(page.chosen + 1);
+    return prompt;
 }
 
-// The simulated meter isn't asked again: its reading stands.
-std::string NextLiveReading()
+void ClearRounds()
 {
-    DelayAlways(kWatchMs);
-    if (HardwareMode)
-        return TakeReadingOrStop(page.Polarity);
-    return StopRequested || Abort ? std::string(kStop) : page.ReadingText[page.Polarity];
-}
-
-// Shows the reading as it goes on, until a click or until the meter falls silent.
-void WatchReading()
-{
-    rangeView.cmdStopReset->setText("Reset");
-    Enable(rangeView.cmdRepeat, rangeView.cmdAccept);
-    rangeView.cmdRepeat->setFocus();
-    page.GridClicked = false;
-    ArmStop();
-    for (std::string text = NextLiveReading(); text != kStop; text = NextLiveReading()) {
-        page.ReadingText[page.Polarity] = text;
-        ShowNewReadings();
-    }
-    DisarmStop();
-    if (!StopRequested && !Abort)
-        outlets.showRemark(StepName(CurrentStepId) + ": the meter fell silent, its last reading stands");
-    if (page.GridClicked)
-        SelectGridRow(page.ClickedRow);
-}
-
-void RunRound(bool first)
-{
-    AddRound();
-    if (first && !TakeFirstReadings())
-        return;
-    ShowCurrentReadings();
-    CorrectWord(first);
-    if (!TakeNewReadings())
-        return;
-    WatchReading();
-    WaitForOperator([] { return page.RepeatClicked || page.AcceptClicked || page.ResetClicked; });
-}
-
-// ---- the calibration of a range ----
-
-void StartCalibration()
-{
-    SwapReadyRepeat(true);
-    EnableAndFocus(rangeView.cmdStopReset);
-    const std::string target = std::to_string(GetTargetCounts());
-    page.DesiredText = page.TurnoverStep ? "+" + target + "\r\n-" + target : target;
-    Abort = false;
-    page.RepeatClicked = true;
-    page.AcceptClicked = page.ResetClicked = page.GridClicked = false;
-    EnableSteps(false);
-}
-
-void RunRounds()
-{
-    // A Reset stands, whatever is clicked inside its second.
-    for (bool first = true; page.RepeatClicked && !page.ResetClicked && !Abort; first = false) {
-        page.RepeatClicked = false;
-        RunRound(first);
-    }
+    page.rounds.clear();
+    page.chosen = -1;
+    ClearGrid(view.msgCalibGrid);
+    ShowInstruction(view.cable, page.cable, InfoBackground());
 }
 
 void WaitForReady()
 {
-    ResetRangeGrid();
-    EnableAndFocus(rangeView.cmdReady);
+    ClearRounds();
+    ShowPageState(view.states, kWaiting);
+}
+
+// ---- one round: what takes a reading returns false when the operator has stopped it ----
+
+void BeginRound()
+{
+    Round round;
+    round.wordBefore = page.word;
+    page.rounds.push_back(round);
+    const std::string number = std::to_string(page.rounds.size());
+    AddGridRow(view.msgCalibGrid, {number, DesiredText(), "", page.word}, page.turnover ? 2 : 1);
+    Choose(static_cast<int>(page.rounds.size()) - 1);
+    ShowInstruction(view.cable, "", InfoBackground());
+    ShowPageState(view.states, kRunning);
+}
+
+bool ApplyPolarity()
+{
+    ApplyInputValue(page.value[static_cast<std::size_t>(page.polarity)]);
+    return !Abort;
+}
+
+bool TakeInto(std::array<std::string, 2> &readings)
+{
+    readings[static_cast<std::size_t>(page.polarity)] = TakeReading(page.polarity);
+    return !Abort;
+}
+
+bool TurnOver(std::array<std::string, 2> &readings)
+{
+    page.polarity = 1 - page.polarity;
+    if (!ApplyPolarity())
+        return false;
+    MeterCommandCZ();
+    return TakeInto(readings);
+}
+
+bool TakeFirstReadings()
+{
+    std::array<std::string, 2> &readings = page.rounds.back().before;
+    page.polarity = 0;
+    if (!ApplyPolarity() || !TakeInto(readings))
+        return false;
+    ShowCell(kCurrentReading, Lines(readings));
+    return !page.turnover || TurnOver(readings);
+}
+
+void CorrectWord(bool first)
+{
+    page.word = page.rounds.back().word = ComputeCorrectedWord(first);
+    ShowCell(kNewCalib, page.word);
+    if (GetCorrectionLimited())
+        ShowPrompt(view.states, kPromptLimited);
+}
+
+bool TakeNewReadings()
+{
+    std::array<std::string, 2> &readings = page.rounds.back().reading;
+    if (!TakeInto(readings))
+        return false;
+    if (page.turnover) {
+        ShowCell(kNewReading, Lines(readings));
+        if (!TurnOver(readings))
+            return false;
+    }
+    ShowNewReadings();
+    return true;
+}
+
+// Shows the reading as it goes on until a click. The simulated meter isn't asked again: its reading stands.
+void WatchReading()
+{
+    std::string &reading = page.rounds.back().reading[static_cast<std::size_t>(page.polarity)];
+    ShowPageState(view.states, kWatching, PromptOfRound());
+    LiveReading live;
+    live.read = [] { return TakeReadingOrStop(page.polarity); };
+    live.simulated = [&reading] { return reading; };
+    live.silenceEnds = true;
+    const Following ended = FollowReading(live, [&reading](const std::string &text) {
+        reading = text;
+        ShowNewReadings();
+    });
+    if (ended == Following::Silent && page.wish == Wish::None)
+        ShowPrompt(view.states, {"The meter fell silent, its last reading stands", true});
+    WaitForOperator([] { return page.wish != Wish::None; });
+}
+
+void RunRound(bool first)
+{
+    BeginRound();
+    if (first && !TakeFirstReadings())
+        return;
+    Round &round = page.rounds.back();
+    if (!first)
+        round.before = page.rounds[page.rounds.size() - 2].reading;
+    ShowCell(kCurrentReading, Lines(round.before));
+    CorrectWord(first);
+    if (TakeNewReadings())
+        WatchReading();
+}
+
+// ---- the calibration of a range ----
+
+void RunRounds()
+{
+    bool first = true;
+    do {
+        page.wish = Wish::None;
+        RunRound(first);
+        first = false;
+    } while (page.wish == Wish::Repeat && !Abort);
 }
 
 // The operator may have chosen the word of an earlier round.
 void RestoreWord(const std::string &word)
 {
-    if (word == page.WordText || word.size() != 4 || !IsHexText(word))
+    if (word == page.word || word.size() != 4 || !IsHexText(word))
         return;
     WriteStepWord(word);
-    page.WordText = word;
+    page.word = word;
 }
 
-void FinishRangeAccept()
+void AcceptRange()
 {
-    RemoveInput();
-    const int row = SelectedGridRow();  // word and reading of one round: a click while the word is written is too late
-    RestoreWord(RangeCell(row, RangeColumn::NewCalib));
-    UpdateNominalSlope(RangeCell(row, RangeColumn::NewReading));
+    const Round &round = page.rounds[static_cast<std::size_t>(page.chosen)];
+    RestoreWord(round.word);
+    UpdateNominalSlope(ReadingSize(round.reading[0], page.turnover ? round.reading[1] : ""));
     UpdateNominalWord();
-    EnableSteps(true);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.
-    if (page.Position > StepButtonCount())
-        WaitForReady();
-    else
+    if (page.position <= StepButtonCount())
         NextStep();
 }
 
-// The word written so far stays in the meter, and nothing is learned.
-void FinishRangeStop()
+// After a Stop the word written so far stays in the meter, and nothing is learned.
+void LeaveRange(Ended ended)
 {
-    Abort = false;
+    ShowPageState(view.states, kLeaving);
+    page.patience.emplace(kPatienceMs);
     RemoveInput();
-    EnableSteps(true);
+    if (ended == Ended::Done && page.wish == Wish::Accept)
+        AcceptRange();
     WaitForReady();
 }
 
-void FinishRange()
-{
-    DropFocus(rangeView.frame);
-    Disable(rangeView.cmdRepeat, rangeView.cmdAccept,
-            rangeView.cmdStopReset);  // a second Stop would stop the input's removal
-    if (page.AcceptClicked && !page.ResetClicked && !Abort)
-        FinishRangeAccept();
-    else
-        FinishRangeStop();
-}
-
-void CalibrateRange()
-{
-    StartCalibration();
-    WithExit(RunRounds, FinishRange);
-}
-
-// ---- the operator: flags only, the procedure does the work ----
+// ---- the operator: wishes only, the procedure does the work ----
 
 void cmdReady_Click()
 {
-    RunProcedure(CalibrateRange);
+    RunPageProcedure(RunRounds, LeaveRange);
+}
+
+void Wants(Wish wish, State state)
+{
+    page.wish = wish;
+    page.patience.emplace(kPatienceMs);
+    ShowPageState(view.states, state);
+    RequestStop();
 }
 
 void cmdRepeat_Click()
 {
-    DropFocus(rangeView.frame);
-    Disable(rangeView.cmdRepeat, rangeView.cmdAccept);
-    rangeView.cmdStopReset->setText("Stop");
-    page.RepeatClicked = true;
-    RequestStop();
+    Wants(Wish::Repeat, kRepeating);
 }
 
 void cmdAccept_Click()
 {
-    DropFocus(rangeView.frame);
-    Disable(rangeView.cmdAccept, rangeView.cmdRepeat);
-    page.AcceptClicked = true;
-    RequestStop();
+    Wants(Wish::Accept, kAccepting);
 }
 
 void cmdStopReset_Click()
 {
-    if (rangeView.cmdStopReset->text() == "Stop") {
-        Abort = true;
-        return;
-    }
-    page.ResetClicked = true;
-    RequestStop();
+    if (view.states.now == kWatching || view.states.now == kAccepting)
+        Wants(Wish::Reset, kLeaving);
+    else if (view.states.now != kLeaving || page.patience->Passed())
+        StopWork();
 }
 
+// The reading in work stops: the row may be an earlier one, whose word Accept writes.
 void msgCalibGrid_Click(int row)
 {
-    page.ClickedRow = row;
-    if (!StopArmed) {
-        SelectGridRow(row);
-        return;
-    }
-    page.GridClicked = true;
+    Choose(row);
     RequestStop();
+    if (view.states.now == kWatching)
+        ShowPrompt(view.states, PromptOfRound());
 }
 
-// ---- the way in ----
+// ---- the way in, inside the navigator's procedure ----
 
 void LoadRange()
 {
-    page.Position = CurrentStepButton;
-    LoadStep(page.Position, StepIdAtPosition(page.Position));
-    page.TurnoverStep = GetTurnoverStep();
-    page.PolarityValue[0] = GetCalValue();
-    page.PolarityValue[1] = "-" + GetCalValue();
-    ShowRange(StepName(CurrentStepId), page.PolarityValue[0], page.TurnoverStep ? page.PolarityValue[1] : "");
+    page = RangePage();
+    page.position = CurrentStepButton;
+    LoadStep(page.position, StepIdAtPosition(page.position));
+    page.turnover = GetTurnoverStep();
+    page.value = {GetCalValue(), "-" + GetCalValue()};
+    view.lblRangeStep->setText(Caption(StepName(CurrentStepId)));
+    view.lblRangeInput->setText(Caption("Input " + page.value[0] + (page.turnover ? ", " + page.value[1] : "")));
+    SetGridColumns(view.msgCalibGrid, page.turnover ? kTurnoverColumns : kPlainColumns);
 }
 
-// Runs inside the navigator's procedure.
 void EnterRangePage()
 {
-    EnableSteps(false);
-    Disable(rangeView.cmdReady);
     LoadRange();
+    ShowPageState(view.states, kOpening);
     ApplySwitched(GetCalValue());
     ShowPage(kRangePage);
-    rangeView.CableText = ShowConnectionDiagram(GetRangeCodeIndex());
-    BuildRangeGrid(page.TurnoverStep);
+    page.cable = ShowConnectionDiagram(GetRangeCodeIndex());
+    ClearRounds();
     ApplyStepToMeter();
-    page.WordText = GetStepWordHex();
-    EnableSteps(true);
+    page.word = GetStepWordHex();
     // Without the word there is nothing to correct; the way back is the step's button.
-    if (page.WordText.empty())
-        ShowRangeFailure("The meter did not answer:\r\ncheck its line, then click the step again");
-    else
-        EnableAndFocus(rangeView.cmdReady);
+    ShowPageState(view.states, page.word.empty() ? kNoWord : kWaiting);
+}
+
+// ---- the way it is built ----
+
+QHBoxLayout *BuildTitle(QFrame *frame)
+{
+    view.lblRangeStep = Title(frame, "lblRangeStep");
+    view.lblRangeInput = Label(frame, "lblRangeInput");
+    auto *row = new QHBoxLayout;
+    row->addWidget(view.lblRangeStep);
+    row->addStretch();
+    row->addWidget(view.lblRangeInput);
+    return row;
+}
+
+QHBoxLayout *BuildButtons(QFrame *frame)
+{
+    view.buttons = {Button(frame, "cmdReady", "Ready", cmdReady_Click),
+                    Button(frame, "cmdRepeat", "Repeat", cmdRepeat_Click),
+                    Button(frame, "cmdAccept", "Accept", cmdAccept_Click),
+                    Button(frame, "cmdStopReset", "Stop", cmdStopReset_Click)};
+    auto *row = new QHBoxLayout;
+    for (QPushButton *button : {view.buttons.ready, view.buttons.repeat, view.buttons.accept, view.buttons.stopReset}) {
+        MakeLarge(button);
+        row->addWidget(button);
+    }
+    row->addStretch();
+    return row;
 }
 
 void BuildRangePage(QFrame *frame)
 {
     page = RangePage();
-    BuildRangeView(frame, {cmdReady_Click, cmdRepeat_Click, cmdAccept_Click, cmdStopReset_Click, msgCalibGrid_Click});
+    view = View();
+    auto *column = new QVBoxLayout(frame);
+    column->addLayout(BuildTitle(frame));
+    view.msgCalibGrid = Grid(frame, "msgCalibGrid", msgCalibGrid_Click);
+    column->addWidget(view.msgCalibGrid, 1);
+    view.cable = Instruction(frame, 1, 2);
+    column->addWidget(view.cable);
+    QFrame *instruction = Instruction(frame, 0, 2);
+    column->addWidget(instruction);
+    column->addLayout(BuildButtons(frame));
+    view.states = {frame, instruction, TableOfStates()};
+    SetGridColumns(view.msgCalibGrid, kPlainColumns);
+    ClearRounds();
+    ShowPageState(view.states, kOpening);
 }
 
 }  // namespace
@@ -341,9 +446,14 @@ void BuildRangePage(QFrame *frame)
 void RegisterRangePage()
 {
     RegisterPage(kRangePage, BuildRangePage);
-    RegisterSteps({2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 17, 18, 19, 20, 21,
-                   22, 23, 24, 25, 26, 28, 29, 52, 53, 54, 55, 56, 57, 58, 59, 60},
-                  EnterRangePage);
+    RegisterSteps({Step::Gnd,          Step::Ref200mV,     Step::Range200mV,  Step::Range2V,      Step::Range20V,
+                   Step::Range200V,    Step::Range660V,    Step::Range2mA,    Step::Range20mA,    Step::Range200mA,
+                   Step::Range5A,      Step::GndHalfVolt,  Step::Off20mV,     Step::Ref20mV,      Step::TouchUp,
+                   Step::Range50mV,    Step::Range100mV,   Step::Range250mV,  Step::Range500mV,   Step::LoGainGnd,
+                   Step::Range75mV,    Step::HiGainGnd,    Step::Range23mV,   Step::Range600V,    Step::Range56mV,
+                   Step::Range17mV,    Step::Pt100,        Step::Range20Ohms, Step::Range200Ohms, Step::Range2kOhms,
+                   Step::Range20kOhms, Step::Range200kOhms},
+                  {EnterRangePage});
 }
 
 }  // namespace ombrix

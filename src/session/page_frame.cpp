@@ -1,32 +1,61 @@
 #include "session/page_frame.h"
 
+#include "session/procedure.h"
+
 #include <map>
 #include <utility>
 
 namespace ombrix {
+
+FrameHooks frameHooks;
+
 namespace {
 
-std::map<int, StepEntry> stepTable;
+std::map<int, StepRecord> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
 std::map<int, std::function<void()>> tabPreparations;
 
-template <class Procedure> Procedure Registered(const std::map<int, Procedure> &table, int key)
+template <class Record> Record Registered(const std::map<int, Record> &table, int key)
 {
     const auto found = table.find(key);
-    return found == table.end() ? Procedure() : found->second;
+    return found == table.end() ? Record() : found->second;
 }
 
 }  // namespace
 
-std::function<bool(int)> StepAllowed = [](int) { return true; };
-
-void RegisterSteps(std::initializer_list<int> stepIds, const StepEntry &entry)
+void ShowPage(int index)
 {
-    for (int id : stepIds)
-        stepTable[id] = entry;
+    SetNavigation(Navigation::Free);
+    frameHooks.showPage(index);
 }
 
-StepEntry EntryOfStep(int stepId)
+void NextStep()
+{
+    RunAfterProcedure([] { frameHooks.openNextStep(); });
+}
+
+void OpenStep(int position)
+{
+    RunAfterProcedure([position] { frameHooks.openStep(position); });
+}
+
+void HighlightStep(int index)
+{
+    frameHooks.highlightStep(index);
+}
+
+void ShowCalPanel(bool on)
+{
+    frameHooks.showCalPanel(on);
+}
+
+void RegisterSteps(std::initializer_list<int> stepIds, const StepRecord &record)
+{
+    for (const int id : stepIds)
+        stepTable[id] = record;
+}
+
+StepRecord RecordOfStep(int stepId)
 {
     return Registered(stepTable, stepId);
 }

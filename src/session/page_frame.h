@@ -1,7 +1,7 @@
 // What a page gets from the window around it, and what it gives: its builder and its steps.
 //
-// The shell defines the first group; records defines the diagrams. A page registers itself once at start, so nobody
-// needs its header.
+// A page registers itself once at start, so nobody needs its header. What it gets are procedures that go through hooks,
+// which the window fills at start: without a window they do nothing.
 #pragma once
 
 #include <functional>
@@ -14,20 +14,20 @@ namespace ombrix {
 
 constexpr int kPages = 19;  ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is the range page
 
-// ---- defined by the shell ----
+// ---- what a page gets ----
 
-/// Shows fraCalib(index) and hides the others, the diagrams and the values panel.
+/// Shows fraCalib(index) and hides the others, the diagrams and the values panel. Navigation is free until the page
+/// says otherwise.
 void ShowPage(int index);
-/// Enables or disables the captioned step buttons and cmdSetup, and says whether a click on a tab is taken.
-void EnableSteps(bool on);
-/// Opens the next enabled calibration step, wrapping to position 0. Nothing behind the last calibration position.
+/// Opens the next allowed calibration step, wrapping to position 0. Nothing behind the last calibration position. In a
+/// procedure a wish, carried out when it has ended.
 void NextStep();
+/// Opens the step at a position, as a click on its button does; in a procedure a wish likewise.
+void OpenStep(int position);
 /// Marks a step button, -1 none.
 void HighlightStep(int index);
 /// Shows or hides the output panel's controls.
 void ShowCalPanel(bool on);
-
-// ---- defined by the diagrams ----
 
 /// Shows input connector and jumper block for a row of the board's range list. Returns the cable message of an AC3
 /// board when the cable changes, otherwise "".
@@ -35,14 +35,32 @@ std::string ShowConnectionDiagram(int row);
 /// Hides both.
 void HideConnectionDiagram();
 
+// ---- what stands behind it: filled by the window ----
+
+struct FrameHooks {
+    std::function<void(int index)> showPage = [](int) {};
+    std::function<void(int position)> openStep = [](int) {};
+    std::function<void()> openNextStep = [] {};
+    std::function<void(int index)> highlightStep = [](int) {};
+    std::function<void(bool on)> showCalPanel = [](bool) {};
+    /// Step buttons, tabs and Setup on or off; session/procedure.h works out which.
+    std::function<void(bool on)> enableSteps = [](bool) {};
+};
+extern FrameHooks frameHooks;
+
 // ---- the tables that pages fill ----
 
-using StepEntry = std::function<void()>;
+/// One step: how its page is opened, and what holds as long as it can't be.
+struct StepRecord {
+    std::function<void()> enter;  ///< empty: this version has no page for it
+    /// Asked whenever the step's button may go on.
+    std::function<bool(int position)> allowed = [](int) { return true; };
+    bool takesInput = false;  ///< its page takes over the input that stands: on the TC tab it isn't removed before
+};
 
-/// `entry` opens the page of each of these step ids.
-void RegisterSteps(std::initializer_list<int> stepIds, const StepEntry &entry);
-/// The entry of a step id, empty when no page has registered.
-StepEntry EntryOfStep(int stepId);
+void RegisterSteps(std::initializer_list<int> stepIds, const StepRecord &record);
+/// The record of a step id, an empty one when nobody has registered it.
+StepRecord RecordOfStep(int stepId);
 
 /// `build` fills fraCalib(index), once, when the window is made.
 void RegisterPage(int index, std::function<void(QFrame *page)> build);
@@ -51,8 +69,5 @@ std::function<void(QFrame *page)> BuilderOfPage(int index);
 /// `prepare` makes a tab ready when a board is applied on it, after its step buttons are filled.
 void RegisterTab(int tab, std::function<void()> prepare);
 std::function<void()> PreparationOfTab(int tab);
-
-/// A page's say in EnableSteps(true): a position for which it returns false stays off. All may be on at first.
-extern std::function<bool(int position)> StepAllowed;
 
 }  // namespace ombrix

@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 #include "session/delays.h"
+#include "session/page_frame.h"
 #include "session/state.h"
 
 #include <exception>
@@ -15,30 +16,69 @@ bool StopRequested = false;
 
 namespace {
 
-constexpr int kStopMs = 1000;  // what a live loop gets to end
+constexpr int kStopMs = 1000;  // what a stopped loop gets to end
 
 bool running = false;
-std::function<void()> waiting;      // what runs next, when the running procedure has unwound
-std::optional<Deadline> notBefore;  // end of the stopped loop's 1000 ms
+bool waitsForOperator = false;
+bool escaped = false;  // Esc has ended the followed reading: a second Esc at once means nothing more
+Navigation navigation = Navigation::Free;
+std::function<void()> waiting;    // what runs next, when the running procedure has unwound
+std::optional<Deadline> stopEnd;  // of the 1000 ms, counted from the click
 
-// A stop that came too late for the procedure before doesn't reach this one.
+// A stop that came too late for what went before doesn't reach what follows.
 void ForgetStop()
 {
     ClearStop();
     Abort = false;
 }
 
-void WaitOutStop()
+// The one procedure on the stack, and navigation off as long as it stands there.
+class OnTheStack
 {
-    while (notBefore && !notBefore->Passed())
-        PumpEvents(notBefore->LeftMs());
+public:
+    OnTheStack()
+    {
+        running = true;
+        UpdateNavigation();
+    }
+    ~OnTheStack()
+    {
+        running = false;
+        if (!ShutdownRequested())
+            UpdateNavigation();
+    }
+    OnTheStack(const OnTheStack &) = delete;
+    OnTheStack &operator=(const OnTheStack &) = delete;
+};
+
+void NoteStop()
+{
+    StopRequested = true;
+    if (RealTimeDelays)
+        stopEnd.emplace(kStopMs);
+}
+
+// Runs `body`, then what waits for its end, one after the other.
+bool RunAlone(const std::function<void()> &body)
+{
+    if (running || Quitting)
+        return false;
+    waiting = body;
+    ClearStop();
+    while (waiting && !Quitting) {
+        const OnTheStack procedure;
+        WaitOutStop();
+        ForgetStop();
+        std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
+    }
+    return true;
 }
 
 }  // namespace
 
 void ArmStop()
 {
-    StopRequested = false;
+    ClearStop();
     StopArmed = true;
 }
 
@@ -49,15 +89,21 @@ void DisarmStop()
 
 void ClearStop()
 {
-    StopArmed = StopRequested = false;
+    StopArmed = StopRequested = escaped = false;
+    stopEnd.reset();
 }
 
 void RequestStop()
 {
-    if (!StopArmed || StopRequested)
-        return;
-    StopRequested = true;
-    DelayMs(kStopMs);
+    if (StopArmed && !StopRequested)
+        NoteStop();
+}
+
+void WaitOutStop()
+{
+    while (stopEnd && !stopEnd->Passed())
+        PumpEvents(stopEnd->LeftMs());
+    escaped = false;
 }
 
 bool ProcedureRunning()
@@ -67,17 +113,28 @@ bool ProcedureRunning()
 
 bool RunProcedure(const std::function<void()> &body)
 {
-    if (running || Quitting)
-        return false;
-    waiting = body;
-    notBefore.reset();
-    while (waiting && !Quitting) {
-        const ScopedFlag scope(running);
+    return RunAlone(body);
+}
+
+bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave)
+{
+    return RunAlone([&work, &leave] {
+        std::exception_ptr fault;
+        try {
+            work();
+        } catch (const std::exception &) {
+            fault = std::current_exception();
+        }
+        Ended ended = Abort ? Ended::Stopped : Ended::Done;
+        if (fault)
+            ended = Ended::Fault;
         WaitOutStop();
         ForgetStop();
-        std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
-    }
-    return true;
+        leave(ended);
+        ForgetStop();
+        if (fault)
+            std::rethrow_exception(fault);
+    });
 }
 
 void RunAfterStop(std::function<void()> action)
@@ -85,34 +142,58 @@ void RunAfterStop(std::function<void()> action)
     if (Quitting)
         return;
     if (!running) {
-        RunProcedure(action);
+        RunAlone(action);
         return;
     }
     waiting = std::move(action);
     Abort = true;
-    if (StopArmed && !StopRequested) {
-        StopRequested = true;
-        if (RealTimeDelays)
-            notBefore.emplace(kStopMs);
-    }
+    if (StopArmed && !StopRequested)
+        NoteStop();
+}
+
+void RunAfterProcedure(std::function<void()> action)
+{
+    if (!running)
+        RunAlone(action);
+    else if (!waiting)
+        waiting = std::move(action);
 }
 
 void WaitForOperator(const std::function<bool()> &done)
 {
+    const ScopedFlag scope(waitsForOperator);
     while (!done() && !Abort)
         PumpEvents(kForever);
 }
 
-void WithExit(const std::function<void()> &work, const std::function<void()> &leave)
+void StopWork()
 {
-    try {
-        work();
-    } catch (const std::exception &) {
+    Abort = Abort || running;
+}
+
+bool PressEscape()
+{
+    if (!running)
+        return false;
+    if (StopArmed && !StopRequested) {
+        RequestStop();
+        escaped = true;
+    } else if (!waitsForOperator && !escaped) {
         Abort = true;
-        leave();
-        throw;
     }
-    leave();
+    return true;
+}
+
+void SetNavigation(Navigation wanted)
+{
+    navigation = wanted;
+    UpdateNavigation();
+}
+
+void UpdateNavigation()
+{
+    const bool free = navigation == Navigation::Open || (navigation == Navigation::Free && !running);
+    frameHooks.enableSteps(Established && free);
 }
 
 }  // namespace ombrix

@@ -83,7 +83,6 @@ void TakeLinks(const Wiring &wiring)
 void OpenFirstTab()
 {
     OpenBoardTab();
-    EnableSteps(true);
     SetSetupGroupsVisible(true);
     ShowPage(kSetupPage);
 }

@@ -54,14 +54,13 @@ protected:
         RunHandler([] { Quit(QuitBy::Operator); });
     }
 
-    // The way out of a wait that has no Stop button. A held key counts once: what it repeats would break off the
-    // removal of the input too.
+    // A held Esc counts once: what it repeats would break off the removal of the input too.
     void keyPressEvent(QKeyEvent *event) override
     {
-        if (event->key() == Qt::Key_Escape && ProcedureRunning() && !Quitting)
-            Abort = Abort || !event->isAutoRepeat();
-        else
+        if (event->key() != Qt::Key_Escape || Quitting)
             QMainWindow::keyPressEvent(event);
+        else if (!event->isAutoRepeat())
+            PressEscape();
     }
 };
 

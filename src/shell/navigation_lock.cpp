@@ -1,6 +1,5 @@
 #include "shell/navigation_lock.h"
 
-#include "session/page_frame.h"
 #include "session/state.h"
 #include "shell/board_chooser.h"
 #include "shell/main_window.h"
@@ -8,21 +7,17 @@
 #include "shell/step_buttons.h"
 
 #include <QMainWindow>
+#include <QPointer>
 #include <QStackedWidget>
 
-#include <exception>
+#include <utility>
 
 namespace ombrix {
 namespace {
 
 int locks = 0;
-bool pageHasSpoken = false;
-
-// A button that goes off hands its focus to whatever comes next. Here it waits in a quiet place instead.
-void ParkFocus()
-{
-    pageStack->setFocus();
-}
+bool focusWaits = false;
+QPointer<QWidget> focusBefore;
 
 bool FocusIsParked()
 {
@@ -42,14 +37,13 @@ void ReturnFocus(QWidget *before)
 
 }  // namespace
 
-NavigationLock::NavigationLock() : m_exceptions(std::uncaught_exceptions()), m_focus(frmOmbrix->focusWidget())
+NavigationLock::NavigationLock()
 {
-    ++locks;
-    ParkFocus();
-    EnableSteps(false);
+    if (++locks > 1)
+        return;
+    KeepFocusSafe();
     EnableSetupControls(false);
     EnableBoardChooser(false);
-    pageHasSpoken = false;
 }
 
 NavigationLock::~NavigationLock()
@@ -58,20 +52,21 @@ NavigationLock::~NavigationLock()
         return;
     EnableSetupControls(true);
     EnableBoardChooser(true);
-    if (!pageHasSpoken || std::uncaught_exceptions() > m_exceptions)
-        EnableSteps(Established);
-    if (FocusIsParked())
-        ReturnFocus(m_focus);
 }
 
-bool NavigationLock::Stands()
+void KeepFocusSafe()
 {
-    return locks > 0;
+    if (focusWaits)
+        return;
+    focusWaits = true;
+    focusBefore = frmOmbrix->focusWidget();
+    pageStack->setFocus();
 }
 
-void NavigationLock::PageHasSpoken()
+void GiveFocusBack()
 {
-    pageHasSpoken = true;
+    if (std::exchange(focusWaits, false) && FocusIsParked())
+        ReturnFocus(focusBefore);
 }
 
 }  // namespace ombrix

@@ -1,14 +1,11 @@
-// Navigation while it talks to the instruments: steps, tabs, Setup and the choices of the Setup page are off.
+// While navigation talks to the instruments: the choices beside it are off, the focus waits.
 #pragma once
-
-#include <QPointer>
-#include <QWidget>
 
 namespace ombrix {
 
-/// Locks when it is made. When it goes, whatever ended the navigation, it gives everything back as far as a link is
-/// established - unless the page that was opened has set the steps itself: then the page's word stands. The focus
-/// returns to where it was, or goes to the steps, unless the page has taken it.
+/// Parks the focus and switches the choices of the Setup page and the board chooser off when it is made; gives the
+/// choices back when it goes, whatever ended the navigation. Steps, tabs and Setup are off as long as a procedure runs
+/// anyway.
 class NavigationLock
 {
 public:
@@ -16,14 +13,12 @@ public:
     ~NavigationLock();
     NavigationLock(const NavigationLock &) = delete;
     NavigationLock &operator=(const NavigationLock &) = delete;
-
-    static bool Stands();
-    /// Told by EnableSteps.
-    static void PageHasSpoken();
-
-private:
-    int m_exceptions;
-    QPointer<QWidget> m_focus;
 };
+
+/// A button that goes off hands its focus to whatever comes next. From here on it waits in a quiet place instead.
+void KeepFocusSafe();
+/// Once navigation is back: the parked focus returns to where it was, or goes to the steps, unless the page that was
+/// opened has taken it.
+void GiveFocusBack();
 
 }  // namespace ombrix

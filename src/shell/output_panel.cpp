@@ -1,6 +1,5 @@
 #include "shell/output_panel.h"
 
-#include "session/page_frame.h"
 #include "session/state.h"
 #include "shell/simulation_switch.h"
 #include "widgets/widgets.h"
@@ -156,7 +155,7 @@ void HideAssumed()
         lblAssumed->hide();
 }
 
-void ShowCalPanel(bool on)
+void ShowPanel(bool on)
 {
     if (!fraCalOut)
         return;

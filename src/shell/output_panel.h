@@ -22,5 +22,7 @@ void ShowSwitch(bool on);
 /// No value and no flag, as before a first output.
 void ClearOutputPanel();
 void HideAssumed();
+/// The panel with its controls.
+void ShowPanel(bool on);
 
 }  // namespace ombrix

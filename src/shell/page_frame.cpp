@@ -1,18 +1,22 @@
-#include "session/page_frame.h"
+#include "shell/page_frame.h"
 
+#include "session/page_frame.h"
 #include "shell/main_window.h"
+#include "shell/output_panel.h"
 #include "shell/port_notes.h"
 #include "shell/setup_page.h"
+#include "shell/step_buttons.h"
 
 #include <QFrame>
 #include <QMainWindow>
 #include <QStackedWidget>
 
 namespace ombrix {
+namespace {
 
-void ShowPage(int index)
+void BringToFront(int index)
 {
-    if (!frmOmbrix || !PageFrame(index))
+    if (!PageFrame(index))
         return;
     pageStack->setCurrentIndex(index);
     HideConnectionDiagram();
@@ -20,6 +24,18 @@ void ShowPage(int index)
         values->hide();
     if (index == kSetupPage)
         ShowPortNotes();
+}
+
+}  // namespace
+
+void FillFrameHooks()
+{
+    frameHooks.showPage = BringToFront;
+    frameHooks.openStep = EnterStep;
+    frameHooks.openNextStep = EnterNextStep;
+    frameHooks.highlightStep = MarkStep;
+    frameHooks.showCalPanel = ShowPanel;
+    frameHooks.enableSteps = EnableSteps;
 }
 
 }  // namespace ombrix

@@ -122,7 +122,7 @@ void ResetSession()
 {
     Established = false;
     cmdEstablish->setEnabled(true);
-    EnableSteps(false);
+    UpdateNavigation();
     ClearOutputPanel();
 }
 

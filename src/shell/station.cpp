@@ -8,6 +8,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "procedures/range_page.h"
+#include "procedures/step_rules.h"
 #include "records/diagrams.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -17,6 +18,7 @@
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
 #include "shell/output_panel.h"
+#include "shell/page_frame.h"
 #include "shell/setup_page.h"
 #include "shell/simulation_switch.h"
 #include "shell/status_line.h"
@@ -45,6 +47,7 @@ void FillOutlets()
 void RegisterPages()
 {
     RegisterSetupPage();
+    RegisterStepRules();
     RegisterRangePage();
 }
 
@@ -63,6 +66,7 @@ void OpenStation()
     ShowSwitch(false);
     HideAssumed();
     BlankSteps();
+    FillFrameHooks();
     BuildDiagrams(AddSideFrame("fraDiagrams"));
     BuildPages();
     ShowSimFlag(false);
@@ -77,6 +81,7 @@ void OpenStation()
 void CloseStation()
 {
     CloseLinks();
+    frameHooks = FrameHooks();
     DestroyMainWindow();
     outlets = Outlets();
     FaultOutlet = [](const std::string &) {};

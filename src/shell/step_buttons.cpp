@@ -3,7 +3,6 @@
 #include "links/calibrator.h"
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
-#include "model/step_ids.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -13,13 +12,14 @@
 #include "shell/tab_strip.h"
 #include "widgets/widgets.h"
 
+#include <QMainWindow>
 #include <QPushButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
+
 namespace ombrix {
 namespace {
-
-constexpr int kLastPosition = kPositions - 1;
 
 std::array<QPushButton *, kPositions> cmdCalib{};
 std::array<QColor, kPositions> StepButtonColours;  // kept so that the highlight can be taken off
@@ -30,15 +30,21 @@ bool IsPosition(int index)
     return index >= 0 && index < kPositions;
 }
 
-// A captioned button may still have a reason to stay off.
-bool MayBeOn(int position)
+// A captioned button may still have a reason to stay off: its page knows.
+bool IsAllowed(int position)
 {
-    if (cmdCalib[position]->text().isEmpty() || !StepAllowed(position))
-        return false;
-    if (StepIds[position] == Step::FirstCycle && MeterPort == 0)
-        return false;  // the stream can't pass the calibrator
-    const bool restores = position == kLastPosition && cmdCalib[position]->text() == "Rest Config";
-    return !(restores && RestConfigImage.empty());
+    return !cmdCalib[position]->text().isEmpty() && RecordOfStep(StepIds[position]).allowed(position);
+}
+
+void ShowAllowed(int position)
+{
+    cmdCalib[position]->setEnabled(TabChangeAllowed && IsAllowed(position));
+}
+
+bool HasNavigationFocus()
+{
+    const QWidget *focus = frmOmbrix->focusWidget();
+    return focus == cmdSetup || std::find(cmdCalib.begin(), cmdCalib.end(), focus) != cmdCalib.end();
 }
 
 void Colour(int position, const QColor &colour)
@@ -87,7 +93,7 @@ void FillStepTable()
             Colour(position, ButtonFace());
         else
             Colour(position, position <= LastCalPosition ? InfoBackground() : ScrollBarColour());
-        cmdCalib[position]->setEnabled(MayBeOn(position) && !NavigationLock::Stands());
+        ShowAllowed(position);
         cmdCalib[position]->setVisible(CalibTab <= kTabAnaCal);
     }
 }
@@ -100,34 +106,43 @@ void FocusSteps()
 
 void ClickStep(int index)
 {
-    RunAfterStop([index] {
-        const NavigationLock lock;
-        PutStripOnOpenTab();
-        SelectStep(index);
-    });
+    RunAfterStop([index] { EnterStep(index); });
+}
+
+void EnterStep(int index)
+{
+    const NavigationLock lock;
+    PutStripOnOpenTab();
+    SelectStep(index);
+}
+
+void EnterNextStep()
+{
+    if (CurrentStepButton > LastCalPosition)
+        return;
+    int next = CurrentStepButton + 1;
+    while (next <= LastCalPosition && !IsAllowed(next))
+        ++next;
+    EnterStep(next > LastCalPosition ? 0 : next);
 }
 
 void SelectStep(int index)
 {
-    RequestStop();
-    ClearStop();
-    Abort = false;  // a left-over one would empty every read of the step
     SimOneDecimal = false;
     ShowBoardChooser(false);
     HighlightStep(index);
     CurrentStepId = IsPosition(index) ? StepIds[index] : -1;
-    if (CalibTab == kTabTc && CurrentStepId != Step::GainOffset && CurrentStepId != Step::OffsetOnly)
+    const StepRecord record = RecordOfStep(CurrentStepId);
+    if (CalibTab == kTabTc && !record.takesInput)
         CalibratorStandby();
-    if (const StepEntry enter = EntryOfStep(CurrentStepId))
-        enter();
+    if (record.enter)
+        record.enter();
     else
         ShowPage(0);
 }
 
-void HighlightStep(int index)
+void MarkStep(int index)
 {
-    if (!frmOmbrix)
-        return;
     if (IsPosition(CurrentStepButton))
         SetFill(cmdCalib[CurrentStepButton], StepButtonColours[CurrentStepButton]);
     CurrentStepButton = index;
@@ -138,22 +153,13 @@ void HighlightStep(int index)
 void EnableSteps(bool on)
 {
     TabChangeAllowed = on;
-    NavigationLock::PageHasSpoken();
-    if (!frmOmbrix)
-        return;
+    if (!on && HasNavigationFocus())
+        KeepFocusSafe();
     for (int position = 0; position < kPositions; position++)
-        cmdCalib[position]->setEnabled(on && MayBeOn(position));
+        ShowAllowed(position);
     cmdSetup->setEnabled(on);
-}
-
-void NextStep()
-{
-    if (!frmOmbrix || CurrentStepButton > LastCalPosition)
-        return;
-    int next = CurrentStepButton + 1;
-    while (next <= LastCalPosition && !cmdCalib[next]->isEnabled())
-        ++next;
-    ClickStep(next > LastCalPosition ? 0 : next);
+    if (!ProcedureRunning())
+        GiveFocusBack();
 }
 
 }  // namespace ombrix

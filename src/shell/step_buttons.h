@@ -18,11 +18,20 @@ void FillStepTable();
 /// Puts the focus on a step button: the highlighted one, else the first.
 void FocusSteps();
 
-/// What the click on a step button does: SelectStep, as soon as nothing else runs.
+/// What the click on a step button does: EnterStep, as soon as nothing else runs.
 void ClickStep(int index);
+/// Opens a step with the focus parked and the other choices off meanwhile; inside a procedure.
+void EnterStep(int index);
+/// The next allowed calibration step, wrapping to position 0. Nothing behind the last calibration position.
+void EnterNextStep();
 
 /// Marks a step, stops what is applied on the TC tab, and opens the step's page. -1 leaves all steps and shows the
 /// empty page.
 void SelectStep(int index);
+/// Paints the button in the colour of what is in work, and the one before back. -1 none.
+void MarkStep(int index);
+
+/// The captioned buttons that are allowed, cmdSetup, and whether a click on a tab is taken.
+void EnableSteps(bool on);
 
 }  // namespace ombrix

@@ -221,19 +221,22 @@ TEST_F(WiredRange, ReadyOfTheStepBeforeIsOffWhileTheNextOneIsOpened)
 
 // ---- two buttons inside one second ----
 
-TEST_F(WiredRange, RepeatInsideTheSecondOfResetStartsNoRound)
+TEST_F(WiredRange, InsideTheSecondOfResetNothingElseCanBeAskedFor)
 {
-    Calibrates().Clicks("cmdStopReset").Clicks("cmdRepeat").WaitsFor("cmdReady");
+    Calibrates().Clicks("cmdStopReset").Does([] {
+        EXPECT_FALSE(IsEnabled("cmdRepeat"));
+        EXPECT_FALSE(IsEnabled("cmdAccept"));
+    });
+    person->WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(Rows(), 0);
     EXPECT_FALSE(bench->operating);
-    EXPECT_THAT(bench->log, Contains("meter 1W1208A01").Times(1));
 }
 
-TEST_F(WiredRange, AcceptInsideTheSecondOfResetLearnsNothing)
+TEST_F(WiredRange, ResetInsideTheSecondOfAcceptLearnsNothing)
 {
     const std::string nominal = NominalWordOf(kDc, 32);
-    Calibrates().Clicks("cmdStopReset").Clicks("cmdAccept").WaitsFor("cmdReady");
+    Calibrates().Clicks("cmdAccept").Clicks("cmdStopReset").WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(CurrentStepButton, 4);
     EXPECT_EQ(NominalWordOf(kDc, 32), nominal);
@@ -249,10 +252,21 @@ TEST_F(WiredRange, EscapeInsideTheSecondOfAcceptLearnsNothing)
     EXPECT_FALSE(bench->operating);
 }
 
+TEST_F(WiredRange, EscapeWhileTheReadingIsFollowedEndsTheFollowingAlone)
+{
+    Calibrates().Presses(Qt::Key_Escape).Presses(Qt::Key_Escape).Waits(60'000).Presses(Qt::Key_Escape).Does([this] {
+        EXPECT_EQ(Rows(), 1);
+        EXPECT_TRUE(IsEnabled("cmdAccept"));
+        EXPECT_TRUE(bench->operating);
+    });
+    person->Clicks("cmdAccept").WaitsUntil("the next step is open", StandsAt(5));
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(WiredRange, EscapeAgainWhileTheInputIsRemovedLeavesTheCalibratorInStandby)
 {
     Calibrates()
-        .Presses(Qt::Key_Escape)
+        .Clicks("cmdStopReset")
         .WaitsUntil("the input goes", [this] { return !bench->operating; })
         .Presses(Qt::Key_Escape)
         .WaitsFor("cmdReady");
@@ -277,8 +291,10 @@ TEST_F(WiredRange, StopAtAnyMomentGivesThePageBack)
             SCOPED_TRACE((byKey ? "Esc after " : "Stop after ") + std::to_string(ms));
             bench->log.clear();
             person->Clicks("cmdReady").Waits(ms).Does([&watched] { watched = StopArmed; });
-            byKey ? person->Presses(Qt::Key_Escape) : person->Clicks("cmdStopReset");
-            person->WaitsFor("cmdReady");
+            person->Does([this, byKey, &watched] {  // what is only followed, Esc leaves as it is
+                byKey && !watched ? person->Presses(Qt::Key_Escape) : person->Clicks("cmdStopReset");
+                person->WaitsFor("cmdReady");
+            });
             ASSERT_TRUE(person->Runs());
             EXPECT_EQ(Rows(), 0);
             EXPECT_FALSE(bench->operating);

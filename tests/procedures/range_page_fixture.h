@@ -1,7 +1,9 @@
 // The range page in the station's real window.
 #pragma once
 
-#include "calibration/range_engine.h"
+#include "calibration/step_context.h"
+#include "calibration/step_state.h"
+#include "calibration/step_word.h"
 #include "links/meter_simulator.h"
 #include "model/nominals.h"
 #include "platform/text.h"

@@ -265,7 +265,7 @@ TEST_F(SimulatedRange, EveryRangeStepHasThisPage)
 {
     for (int id : {2,  3,  4,  5,  6,  7,  8,  9,  10, 11, 12, 17, 18, 19, 20, 21,
                    22, 23, 24, 25, 26, 28, 29, 52, 53, 54, 55, 56, 57, 58, 59, 60})
-        EXPECT_TRUE(EntryOfStep(id)) << id;
+        EXPECT_TRUE(RecordOfStep(id).enter) << id;
 }
 
 TEST_F(SimulatedRange, EntryTurnsTheSwitchForACurrent)

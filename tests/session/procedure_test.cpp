@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/delays.h"
+#include "session/page_frame.h"
 #include "session/state.h"
 #include "support/virtual_clock.h"
 
@@ -21,6 +22,12 @@ protected:
     {
         InitSessionState();
         ClearStop();
+    }
+    void TearDown() override
+    {
+        frameHooks = FrameHooks();
+        SetNavigation(Navigation::Free);
+        InitSessionState();
     }
 
     // A live reading loop: looks every 300 ms until it is stopped.
@@ -47,14 +54,24 @@ TEST_F(Procedures, RequestStopDoesNothingUnlessArmed)
     EXPECT_EQ(clock.Elapsed(), 0);
 }
 
-TEST_F(Procedures, RequestStopWaits1000MillisecondsFromTheClick)
+TEST_F(Procedures, RequestStopReturnsAtOnceAndTheSecondCountsFromTheClick)
 {
     ArmStop();
     RequestStop();
     EXPECT_TRUE(StopRequested);
-    EXPECT_EQ(clock.Elapsed(), 1000);
+    EXPECT_EQ(clock.Elapsed(), 0);
+    DelayMs(400);
     RequestStop();
-    EXPECT_EQ(clock.Elapsed(), 1000) << "a second click does not wait again";
+    WaitOutStop();
+    EXPECT_EQ(clock.Elapsed(), 1000) << "a second click does not wait anew";
+    WaitOutStop();
+    EXPECT_EQ(clock.Elapsed(), 1000);
+}
+
+TEST_F(Procedures, NothingIsWaitedOutWithoutAStop)
+{
+    WaitOutStop();
+    EXPECT_EQ(clock.Elapsed(), 0);
 }
 
 TEST_F(Procedures, ArmStopForgetsAnOlderRequest)
@@ -237,32 +254,164 @@ TEST_F(Procedures, WaitForNobodyWhenTheFlagStands)
     EXPECT_EQ(clock.Elapsed(), 0);
 }
 
-TEST_F(Procedures, LeaveAfterTheWork)
+// ---- a page's procedure ----
+
+TEST_F(Procedures, APageIsLeftAfterItsWorkHoweverThatEnds)
 {
-    WithExit([this] { order += "work "; }, [this] { order += Abort ? "leave stopped" : "leave"; });
-    EXPECT_EQ(order, "work leave");
+    RunPageProcedure([this] { order += "work "; },
+                     [this](Ended ended) { order += ended == Ended::Done ? "done" : "?"; });
+    EXPECT_EQ(order, "work done");
+    order.clear();
+    RunPageProcedure([] { StopWork(); }, [this](Ended ended) { order += ended == Ended::Stopped ? "stopped" : "?"; });
+    EXPECT_EQ(order, "stopped");
+    order.clear();
+    const auto fails = [] { throw RuntimeFault(5, "Input/output error"); };
+    const auto leaves = [this](Ended ended) { order += ended == Ended::Fault ? "fault" : "?"; };
+    EXPECT_THROW(RunPageProcedure(fails, leaves), RuntimeFault);
+    EXPECT_EQ(order, "fault");
+    EXPECT_FALSE(ProcedureRunning());
 }
 
-TEST_F(Procedures, LeaveAsStoppedAfterAFaultAndTellIt)
+TEST_F(Procedures, NoStopReachesWorkNorExitNorWhatFollows)
 {
-    const auto fails = [this] {
-        order += "work ";
-        throw RuntimeFault(5, "Input/output error");
-    };
-    EXPECT_THROW(WithExit(fails, [this] { order += Abort ? "leave stopped" : "leave"; }), RuntimeFault);
-    EXPECT_EQ(order, "work leave stopped");
+    Abort = StopRequested = true;
+    RunPageProcedure(
+        [] {
+            EXPECT_FALSE(Abort);
+            EXPECT_FALSE(StopRequested);
+            ArmStop();
+            StopRequested = Abort = true;
+        },
+        [](Ended) {
+            EXPECT_FALSE(Abort) << "an exit reaches the instruments";
+            EXPECT_FALSE(StopArmed);
+            EXPECT_FALSE(StopRequested);
+            Abort = StopRequested = true;
+        });
+    EXPECT_FALSE(Abort);
+    EXPECT_FALSE(StopRequested);
 }
 
-TEST_F(Procedures, LeaveNothingAtTheEndOfTheProgram)
+TEST_F(Procedures, APageIsLeftWhenTheStoppedLoopHasHadItsSecond)
+{
+    CallAfter(500, [] { RequestStop(); });
+    std::int64_t left = 0;
+    RunPageProcedure([this] { LiveLoop("loop"); }, [&](Ended) { left = clock.Elapsed(); });
+    EXPECT_EQ(left, 1500);
+}
+
+TEST_F(Procedures, AStopInTheExitEndsItsWaitsOnly)
+{
+    CallAfter(300, [] { StopWork(); });
+    RunPageProcedure([] {},
+                     [](Ended ended) {
+                         EXPECT_EQ(ended, Ended::Done);
+                         while (!Abort)
+                             DelayMs(100);
+                     });
+    EXPECT_EQ(clock.Elapsed(), 300);
+    EXPECT_FALSE(Abort);
+}
+
+TEST_F(Procedures, ASecondPageIsRefusedWhileOneRuns)
+{
+    RunPageProcedure(
+        [this] { EXPECT_FALSE(RunPageProcedure([this] { order += "second"; }, [this](Ended) { order += "left"; })); },
+        [](Ended) {});
+    EXPECT_EQ(order, "");
+}
+
+TEST_F(Procedures, TheEndOfTheProgramPassesByTheExit)
 {
     const auto quits = [this] {
         order += "work ";
         RequestShutdown();
         PumpEvents(kForever);
     };
-    EXPECT_THROW(WithExit(quits, [this] { order += "leave"; }), Shutdown);
+    EXPECT_THROW(RunPageProcedure(quits, [this](Ended) { order += "left"; }), Shutdown);
     RequestShutdown(false);
     EXPECT_EQ(order, "work ");
+    EXPECT_FALSE(ProcedureRunning());
+}
+
+TEST_F(Procedures, APagesWishFollowsItsExit)
+{
+    RunPageProcedure([this] { RunAfterProcedure([this] { order += "next"; }); }, [this](Ended) { order += "left "; });
+    EXPECT_EQ(order, "left next");
+    RunAfterProcedure([this] { order += " at-once"; });
+    EXPECT_EQ(order, "left next at-once");
+}
+
+TEST_F(Procedures, NavigationThatTheOperatorAskedForGoesBeforeAPagesWish)
+{
+    RunPageProcedure([this] { RunAfterStop([this] { order += "navigated"; }); },
+                     [this](Ended) { RunAfterProcedure([this] { order += "next"; }); });
+    EXPECT_EQ(order, "navigated");
+}
+
+// ---- Esc ----
+
+TEST_F(Procedures, EscStopsWorkEndsAFollowedReadingAndLeavesAWaitingPageAlone)
+{
+    EXPECT_FALSE(PressEscape()) << "nothing runs";
+    EXPECT_FALSE(Abort);
+    RunPageProcedure(
+        [this] {
+            CallAfter(100, [] { EXPECT_TRUE(PressEscape()); });
+            CallAfter(200, [] { EXPECT_TRUE(PressEscape()); });
+            LiveLoop("loop");
+            WaitOutStop();
+            EXPECT_FALSE(Abort) << "only the reading ends, also when the key is pressed twice";
+            CallAfter(100, [] { EXPECT_TRUE(PressEscape()); });
+            bool clicked = false;
+            CallAfter(5000, [&clicked] { clicked = true; });
+            WaitForOperator([&clicked] { return clicked; });
+            EXPECT_FALSE(Abort) << "the page waits for its buttons";
+            PressEscape();
+            EXPECT_TRUE(Abort) << "work is stopped";
+        },
+        [](Ended ended) { EXPECT_EQ(ended, Ended::Stopped); });
+}
+
+// ---- navigation ----
+
+TEST_F(Procedures, NavigationIsOffWhileAProcedureRunsAndNobodySwitchesItBack)
+{
+    bool on = false;
+    frameHooks.enableSteps = [&on](bool wanted) { on = wanted; };
+    Established = true;
+    UpdateNavigation();
+    EXPECT_TRUE(on);
+    RunPageProcedure([&on] { EXPECT_FALSE(on); }, [&on](Ended) { EXPECT_FALSE(on); });
+    EXPECT_TRUE(on);
+    EXPECT_THROW(RunPageProcedure([] { throw RuntimeFault(5, "broken"); }, [](Ended) {}), RuntimeFault);
+    EXPECT_TRUE(on);
+}
+
+TEST_F(Procedures, NavigationIsWhatThePageInFrontSaysAndFreeOnTheNextPage)
+{
+    bool on = false;
+    frameHooks.enableSteps = [&on](bool wanted) { on = wanted; };
+    Established = true;
+    RunPageProcedure([] {}, [](Ended) { SetNavigation(Navigation::Held); });
+    EXPECT_FALSE(on) << "held between two clicks";
+    RunPageProcedure(
+        [&on] {
+            SetNavigation(Navigation::Open);
+            EXPECT_TRUE(on) << "open while it runs";
+        },
+        [](Ended) {});
+    SetNavigation(Navigation::Held);
+    ShowPage(3);
+    EXPECT_TRUE(on);
+}
+
+TEST_F(Procedures, NavigationIsOffWithoutASession)
+{
+    bool on = true;
+    frameHooks.enableSteps = [&on](bool wanted) { on = wanted; };
+    RunPageProcedure([] {}, [](Ended) {});
+    EXPECT_FALSE(on);
 }
 
 TEST_F(Procedures, DelayMsPumpsOnceWithRealTimeDelaysOff)

@@ -1,5 +1,7 @@
 #include "shell/navigation_lock.h"
 
+#include "session/procedure.h"
+
 #include "shell/steps_fixture.h"
 
 #include <stdexcept>
@@ -48,7 +50,7 @@ TEST_F(Lock, ButtonsThatAreFilledMeanwhileStayOffUntilItsEnd)
 TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] { EnableSteps(false); });
+    RegisterProbe(5, [] { SetNavigation(Navigation::Held); });
     Click(StepButton(4));
     EXPECT_FALSE(IsEnabled(StepButton(0)));
     EXPECT_FALSE(IsEnabled("cmdSetup"));
@@ -57,10 +59,7 @@ TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
 TEST_F(Lock, AFaultInAnEntryGivesNavigationBackAndIsTold)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] {
-        EnableSteps(false);
-        throw std::runtime_error("Input/output error");
-    });
+    RegisterProbe(5, [] { throw std::runtime_error("Input/output error"); });
     Click(StepButton(4));
     EXPECT_TRUE(IsEnabled(StepButton(0)));
     EXPECT_EQ(Text("lblRemark"), "Input/output error");

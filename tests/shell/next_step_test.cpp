@@ -11,12 +11,13 @@ class NextSteps : public Steps
 
 }  // namespace
 
-TEST_F(NextSteps, OpensTheNextEnabledOne)
+TEST_F(NextSteps, OpensTheNextAllowedOne)
 {
     EstablishSimulated();
     ProbeAll();
     Click(StepButton(0));
-    ScriptedOperator::Find(StepButton(1))->setEnabled(false);
+    RegisterProbe(
+        StepIds[1], [] {}, [](int) { return false; });
     NextStep();
     EXPECT_EQ(CurrentStepButton, 2);
     EXPECT_EQ(opened, (std::vector{0, 2}));
@@ -56,14 +57,24 @@ TEST_F(NextSteps, OnTheAnalogTabLooksAtNoButtonBehindTheLast)
     EXPECT_EQ(opened.back(), 42);
 }
 
-TEST_F(NextSteps, WithAllStepsOffLandsOnTheFirst)
+TEST_F(NextSteps, AsksWhatIsAllowedAndNotWhichButtonsHappenToBeOn)
 {
     EstablishSimulated();
     ProbeAll();
     Click(StepButton(3));
-    EnableSteps(false);
+    SetNavigation(Navigation::Held);
+    ASSERT_FALSE(IsEnabled(StepButton(4)));
     NextStep();
-    EXPECT_EQ(CurrentStepButton, 0);
+    EXPECT_EQ(CurrentStepButton, 4);
+}
+
+TEST_F(NextSteps, AStepIsOpenedByItsPositionToo)
+{
+    EstablishSimulated();
+    ProbeAll();
+    OpenStep(5);
+    EXPECT_EQ(CurrentStepButton, 5);
+    EXPECT_EQ(opened, (std::vector{6}));
 }
 
 TEST_F(NextSteps, FromInsideAProcedureFollowsItsEnd)
@@ -71,7 +82,6 @@ TEST_F(NextSteps, FromInsideAProcedureFollowsItsEnd)
     EstablishSimulated();
     std::string order;
     RegisterProbe(5, [&] {
-        EnableSteps(true);
         NextStep();
         order += "end ";
     });

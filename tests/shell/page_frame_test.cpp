@@ -86,11 +86,13 @@ TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)
 {
     CloseStation();
     ShowPage(1);
-    EnableSteps(true);
+    Established = true;
+    UpdateNavigation();
     HighlightStep(3);
     ShowCalPanel(true);
     NextStep();
-    EXPECT_TRUE(TabChangeAllowed);
+    OpenStep(3);
+    EXPECT_EQ(CurrentStepButton, -1);
     OpenWholeStation();
 }
 

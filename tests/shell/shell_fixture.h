@@ -7,6 +7,7 @@
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
+#include "session/procedure.h"
 #include "session/state.h"
 #include "shell/instruments.h"
 #include "shell/station.h"
@@ -34,8 +35,8 @@ class ShellTest : public ::testing::Test
 protected:
     ~ShellTest() override
     {
-        for (auto &[id, entry] : m_replaced)
-            RegisterSteps({id}, entry);
+        for (auto &[id, record] : m_replaced)
+            RegisterSteps({id}, record);
     }
 
     static bool Sees(const std::string &name) { return ScriptedOperator::Sees(name); }
@@ -114,8 +115,17 @@ protected:
     /// Puts a probe in the place of a step's page until the test ends.
     void RegisterProbe(int stepId, std::function<void()> enter)
     {
-        m_replaced.emplace_back(stepId, EntryOfStep(stepId));
-        RegisterSteps({stepId}, std::move(enter));
+        StepRecord record = RecordOfStep(stepId);
+        m_replaced.emplace_back(stepId, record);
+        record.enter = std::move(enter);
+        RegisterSteps({stepId}, record);
+    }
+    void RegisterProbe(int stepId, std::function<void()> enter, std::function<bool(int position)> allowed)
+    {
+        RegisterProbe(stepId, std::move(enter));
+        StepRecord record = RecordOfStep(stepId);
+        record.allowed = std::move(allowed);
+        RegisterSteps({stepId}, record);
     }
 
     Station station;
@@ -128,7 +138,7 @@ protected:
     PlainCalibrator calibrator{calibratorLine};
 
 private:
-    std::vector<std::pair<int, StepEntry>> m_replaced;
+    std::vector<std::pair<int, StepRecord>> m_replaced;
 };
 
 }  // namespace ombrix::test

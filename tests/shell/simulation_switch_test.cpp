@@ -91,7 +91,7 @@ TEST_F(SimulationSwitch, TheSimulatedMeterIsPickedBeforeTheFirstEstablishAsWell)
 TEST_F(SimulationSwitch, TheMarkIsDeafWhileAPageHasLockedNavigation)
 {
     EstablishSimulated();
-    EnableSteps(false);
+    SetNavigation(Navigation::Held);
     ExpectTheMarkIsDeaf();
     EXPECT_FALSE(IsEnabled(StepButton(0))) << "the page's lock stands";
 }

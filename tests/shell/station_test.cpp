@@ -102,7 +102,7 @@ TEST_F(StartUp, QuitNeverGetsTheFocusFromAButtonThatGoesOff)
     EstablishSimulated();
     ScriptedOperator::Find("cmdSetup")->setFocus();
     ASSERT_TRUE(HasFocus("cmdSetup"));
-    EnableSteps(false);
+    SetNavigation(Navigation::Held);
     EXPECT_FALSE(HasFocus("cmdSetup"));
     EXPECT_FALSE(HasFocus("cmdQuit"));
 }

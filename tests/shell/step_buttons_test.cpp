@@ -69,7 +69,7 @@ TEST_F(Steps, WithTheMeterOnTheCalibratorEveryFirstCycleIsOffOnEveryBoard)
         for (const bool enabledAgain : {false, true}) {
             Board(board);
             if (enabledAgain)
-                EnableSteps(true);
+                UpdateNavigation();
             for (int position = 0; position < kPositions; position++) {
                 const int id = StepIdAtPosition(position);
                 if (id == -1 || board == kVf)
@@ -88,27 +88,27 @@ TEST_F(Steps, RestConfigStaysOffUntilGetConfigHasFilledItsImage)
     Board(kVf);
     ASSERT_EQ(Text(StepButton(16)), "Rest Config");
     EXPECT_FALSE(IsEnabled(StepButton(16)));
-    EnableSteps(true);
+    UpdateNavigation();
     EXPECT_FALSE(IsEnabled(StepButton(16)));
     RestConfigImage = std::string(200, '0');
-    EnableSteps(true);
+    UpdateNavigation();
     EXPECT_TRUE(IsEnabled(StepButton(16)));
     FillStepTable();
     EXPECT_TRUE(IsEnabled(StepButton(16)));
     Board(kDc);
     RestConfigImage.clear();
-    EnableSteps(true);
+    UpdateNavigation();
     EXPECT_TRUE(IsEnabled(StepButton(16))) << "View NVM stands there on DC";
 }
 
-TEST_F(Steps, EnableStepsTakesSetupAndTheTabsAlong)
+TEST_F(Steps, NavigationTakesSetupAndTheTabsAlong)
 {
     EstablishSimulated();
-    EnableSteps(false);
+    SetNavigation(Navigation::Held);
     EXPECT_FALSE(IsEnabled("cmdSetup"));
     EXPECT_FALSE(TabChangeAllowed);
     EXPECT_FALSE(IsEnabled(StepButton(0)));
-    EnableSteps(true);
+    SetNavigation(Navigation::Free);
     EXPECT_TRUE(IsEnabled("cmdSetup"));
     EXPECT_TRUE(TabChangeAllowed);
     EXPECT_TRUE(IsEnabled(StepButton(0)));
@@ -118,20 +118,22 @@ TEST_F(Steps, ButtonsWithoutCaptionNeverGoOn)
 {
     EstablishSimulated();
     Board(kLc);
-    EnableSteps(true);
+    UpdateNavigation();
     EXPECT_EQ(Text(StepButton(11)), "");
     EXPECT_FALSE(IsEnabled(StepButton(11)));
 }
 
-TEST_F(Steps, APageMayKeepAButtonOff)
+TEST_F(Steps, EachPageMayKeepItsOwnButtonsOff)
 {
     EstablishSimulated();
-    const auto before = StepAllowed;
-    StepAllowed = [](int position) { return position != 4; };
-    EnableSteps(true);
+    RegisterProbe(
+        5, [] {}, [](int position) { return position != 4; });
+    RegisterProbe(
+        6, [] {}, [](int) { return false; });
+    UpdateNavigation();
     EXPECT_FALSE(IsEnabled(StepButton(4)));
-    EXPECT_TRUE(IsEnabled(StepButton(5)));
-    StepAllowed = before;
+    EXPECT_FALSE(IsEnabled(StepButton(5)));
+    EXPECT_TRUE(IsEnabled(StepButton(6)));
 }
 
 TEST_F(Steps, TheHighlightGivesTheColourBack)
@@ -230,7 +232,7 @@ TEST_F(Steps, AStepClickStopsALiveLoopAndFollowsAfterOneSecond)
     EstablishOnLines();
     std::string order;
     RegisterProbe(5, [&] {
-        EnableSteps(true);
+        SetNavigation(Navigation::Open);
         ArmStop();
         while (!StopRequested)
             DelayMs(300);

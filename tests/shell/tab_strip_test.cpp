@@ -240,7 +240,7 @@ TEST_F(TabStrip, ATabLeftForAStepGoesBackToTheOpenOne)
         stopped = true;
     });
     person.Clicks(StepButton(2)).Waits(100);
-    person.Does([] { EnableSteps(true); });  // a page that leaves navigation open
+    person.Does([] { SetNavigation(Navigation::Open); });  // a page that leaves navigation open
     person.ClicksTab(kTabLc).Clicks(StepButton(3));
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(stopped);

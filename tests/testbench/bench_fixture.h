@@ -8,7 +8,11 @@
 #include <memory>
 #include <string>
 
-#include "calibration/range_engine.h"
+#include "calibration/learning.h"
+#include "calibration/readings.h"
+#include "calibration/step_context.h"
+#include "calibration/step_state.h"
+#include "calibration/step_word.h"
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
 #include "links/meter_link.h"

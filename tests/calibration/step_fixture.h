@@ -1,7 +1,11 @@
-// The range engine on the station's own simulator, and on a serial line whose meter a test writes.
+// The step in work on the station's own simulator, and on a serial line whose meter a test writes.
 #pragma once
 
-#include "calibration/range_engine.h"
+#include "calibration/learning.h"
+#include "calibration/readings.h"
+#include "calibration/step_context.h"
+#include "calibration/step_state.h"
+#include "calibration/step_word.h"
 #include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"

@@ -1,4 +1,4 @@
-#include "calibration/range_correction.h"
+#include "calibration/corrections.h"
 
 #include <gtest/gtest.h>
 
@@ -37,6 +37,13 @@ TEST(SlopeCorrection, AddsWhatTheErrorIsWorth)
 {
     EXPECT_FLOAT_EQ(SlopeCorrection(0, 13, 9.737f), 126.58101f);
     EXPECT_FLOAT_EQ(SlopeCorrection(-16, -20, 9.737f), -210.74f);
+}
+
+TEST(SlopeCorrection, RoundsEachOperationTo32Bits)
+{
+    const float word = SlopeCorrection(32768, -2827, 9.737f);
+    EXPECT_EQ(word, 5241.5f);
+    EXPECT_EQ(LimitWord(word, 0, 65535).word, 5242) << "in 64 bits it would be 5241";
 }
 
 struct LimitRow {

@@ -1,4 +1,4 @@
-#include "calibration/engine_fixture.h"
+#include "calibration/step_fixture.h"
 
 #include "model/nominals.h"
 #include "platform/text.h"
@@ -20,35 +20,35 @@ struct SlopeRow {
     float nominal, firstWord, firstReading;
     const char *word;
     bool offset;
-    const char *cell;
-    float learned;  // the nominal slope itself: nothing is learned
+    const char *plus, *minus;  // as the accepted row shows them
+    float learned;             // the nominal slope itself: nothing is learned
     const char *stored;
 };
 
 constexpr SlopeRow kSlopes[] = {
-    {9.737f, 0, -13, "006E", true, "1", 9.549014f, "9.5490"},
-    {9.737f, 0, -13, "006E", true, "-1", 9.549014f, "9.5490"},
-    {9.737f, 0, 13, "FF81", true, "-2", 9.917846f, "9.9178"},
-    {3.35f, 35144, 79960, "8A0A", false, "+80003\r\n-79995", 3.512436f, "3.5124"},
-    {3.153f, 30248, 80040, "7628", false, "+80003\r\n-79995", 3.153f, ""},
-    {3.0945f, 32768, 79997, "8009", false, "+80001\r\n-79999", 3.08505f, "3.0851"},
-    {3.0945f, 32768, 79997, "8009", false, "+79998\r\n-79996", 3.0945f, ""},
-    {31.4f, 256, 4010, "FFC6", true, "4001", 31.74889f, "31.7489"},
-    {9.737f, 0, -13, "006E", true, "-13", 9.186377f, "9.1864"},
-    {9.737f, 0, 13, "006E", true, "-13", 9.737f, ""},
+    {9.737f, 0, -13, "006E", true, "1", "", 9.549014f, "9.5490"},
+    {9.737f, 0, -13, "006E", true, "-1", "", 9.549014f, "9.5490"},
+    {9.737f, 0, 13, "FF81", true, "-2", "", 9.917846f, "9.9178"},
+    {3.35f, 35144, 79960, "8A0A", false, "+80003", "-79995", 3.512436f, "3.5124"},
+    {3.153f, 30248, 80040, "7628", false, "+80003", "-79995", 3.153f, ""},
+    {3.0945f, 32768, 79997, "8009", false, "+80001", "-79999", 3.08505f, "3.0851"},
+    {3.0945f, 32768, 79997, "8009", false, "+79998", "-79996", 3.0945f, ""},
+    {31.4f, 256, 4010, "FFC6", true, "4001", "", 31.74889f, "31.7489"},
+    {9.737f, 0, -13, "006E", true, "-13", "", 9.186377f, "9.1864"},
+    {9.737f, 0, 13, "006E", true, "-13", "", 9.737f, ""},
 };
 
 TEST_F(Learning, MovesTheNominalSlopeATenthOfTheWay)
 {
     for (const SlopeRow &row : kSlopes) {
-        SCOPED_TRACE(std::string(row.word) + " " + row.cell);
+        SCOPED_TRACE(std::string(row.word) + " " + row.plus);
         InitNominals();
         step.OffsetStep = row.offset;
         step.NominalSlope = row.nominal;
         step.FirstPointWord = row.firstWord;
         step.FirstPointReading = row.firstReading;
         step.StepWordHex = row.word;
-        UpdateNominalSlope(row.cell);
+        UpdateNominalSlope(ReadingSize(row.plus, row.minus));
         EXPECT_FLOAT_EQ(step.NominalSlope, row.learned);
         const bool learns = row.learned != row.nominal;
         EXPECT_EQ(SlopesDirty, learns);
@@ -59,14 +59,16 @@ TEST_F(Learning, MovesTheNominalSlopeATenthOfTheWay)
     }
 }
 
-TEST_F(Learning, TakesACellWithALineBreakOfTheWindowAlike)
+TEST_F(Learning, RoundsEachOperationTo32Bits)
 {
-    step.NominalSlope = 3.35f;
-    step.FirstPointWord = 35144;
-    step.FirstPointReading = 79960;
-    step.StepWordHex = "8A0A";
-    UpdateNominalSlope("+80003\n-79995");
-    EXPECT_FLOAT_EQ(step.NominalSlope, 3.512436f);
+    step.OffsetStep = true;
+    step.NominalSlope = 9.737f;
+    step.FirstPointWord = 0;
+    step.FirstPointReading = 18;
+    step.StepWordHex = "0001";
+    UpdateNominalSlope(200);
+    EXPECT_EQ(step.NominalSlope, 8.76384926f);
+    EXPECT_EQ(Format(GetNominalSlope(32), 4), "8.7638") << "in 64 bits it would be 8.7639";
 }
 
 TEST_F(Learning, LearnsNoSlopeWhenTheWordIsThatOfTheFirstRound)
@@ -74,7 +76,7 @@ TEST_F(Learning, LearnsNoSlopeWhenTheWordIsThatOfTheFirstRound)
     step.StepWordHex = "8948";
     step.FirstPointWord = 0x8948;
     step.FirstPointReading = 79000;
-    UpdateNominalSlope("80000");
+    UpdateNominalSlope(80000);
     EXPECT_EQ(step.NominalSlope, 3.35f);
     EXPECT_FALSE(SlopesDirty);
 }

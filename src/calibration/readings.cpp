@@ -1,6 +1,7 @@
-#include "calibration/range_engine.h"
+#include "calibration/readings.h"
 
-#include "calibration/range_correction.h"
+#include "calibration/corrections.h"
+#include "calibration/step_state.h"
 #include "links/meter_operations.h"
 #include "links/meter_simulator.h"
 #include "platform/text.h"
@@ -9,11 +10,14 @@
 #include "session/procedure.h"
 #include "session/state.h"
 
+#include <cstdlib>
+
 namespace ombrix {
 namespace {
 
 constexpr int kSettleMs = 300;
 constexpr int kStopMs = 1000;
+constexpr std::int32_t kFarFromZero = 1000;  // counts
 
 std::int32_t Counts(std::string_view text)
 {
@@ -43,10 +47,24 @@ bool StopWanted()
     return StopRequested || Abort;
 }
 
+// The stop channel, open while a reading goes on.
+class ArmedStop
+{
+public:
+    ArmedStop() { ArmStop(); }
+    ~ArmedStop() { DisarmStop(); }
+    ArmedStop(const ArmedStop &) = delete;
+    ArmedStop &operator=(const ArmedStop &) = delete;
+};
+
+// A reading that was stopped has its second from the click; one that ends by itself has it from here.
 std::string EndLiveReading()
 {
     DisarmStop();
-    DelayMs(kStopMs);
+    if (StopRequested)
+        WaitOutStop();
+    else
+        DelayMs(kStopMs);
     return std::string(kStop);
 }
 
@@ -114,11 +132,43 @@ std::string MeanReadingText()
     return std::to_string(RoundHalfEven((static_cast<double>(step.Readings[0]) + step.Readings[1]) / 2));
 }
 
-std::string ReadingErrorText()
+std::int32_t ReadingError()
 {
     const double plus = step.Readings[0];
     const std::int32_t reading = step.TurnoverStep ? RoundHalfEven((plus - step.Readings[1]) / 2) : step.Readings[0];
-    return std::to_string(reading - step.TargetCounts);
+    return reading - step.TargetCounts;
+}
+
+std::string ReadingErrorText()
+{
+    return std::to_string(ReadingError());
+}
+
+bool ReadingIsFar()
+{
+    const std::int32_t target = step.TargetCounts;
+    const double limit = target == 0 ? kFarFromZero : std::abs(target) / 10.0;
+    const bool minusIsFar = step.TurnoverStep && std::abs(static_cast<double>(step.Readings[1]) + target) > limit;
+    return std::abs(static_cast<double>(step.Readings[0]) - target) > limit || minusIsFar;
+}
+
+Following FollowReading(const LiveReading &live, const std::function<void(const std::string &text)> &show)
+{
+    const ArmedStop armed;
+    while (true) {
+        DelayAlways(live.everyMs);
+        if (StopWanted())
+            break;
+        const std::string text = HardwareMode || !live.simulated ? live.read() : live.simulated();
+        if (text != kStop)
+            show(text);
+        else if (StopWanted())
+            break;
+        else if (live.silenceEnds)
+            return Following::Silent;
+    }
+    WaitOutStop();
+    return Following::Stopped;
 }
 
 }  // namespace ombrix

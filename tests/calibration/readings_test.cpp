@@ -1,6 +1,7 @@
-#include "calibration/engine_fixture.h"
+#include "calibration/step_fixture.h"
 
 #include <cstdlib>
+#include <stdexcept>
 
 namespace ombrix::test {
 namespace {
@@ -124,12 +125,12 @@ TEST_F(Display, IsReadOnceWithoutSettlingInALiveLoop)
 TEST_F(Display, IsNotReadAnyMoreOnceAStopIsRequested)
 {
     ArmStop();
-    StopRequested = true;
+    RequestStop();
     Shows({"7.9990"});
     EXPECT_EQ(TakeReadingOrStop(0), "STOP");
     EXPECT_EQ(ReadsTaken(), 0U);
     EXPECT_FALSE(StopArmed);
-    EXPECT_EQ(clock.Elapsed(), 1000);
+    EXPECT_EQ(clock.Elapsed(), 1000) << "counted from the click";
 }
 
 TEST_F(Display, OfASilentMeterEndsTheLiveLoopAndLeavesTheLastReading)
@@ -203,6 +204,95 @@ TEST_F(Display, WithoutTurnoverTellsTheErrorOfThePositiveReadingAlone)
     Opens(kAc, 1);
     step.Readings[0] = 4010;
     EXPECT_EQ(ReadingErrorText(), "10");
+}
+
+class Followed : public Display
+{
+protected:
+    void SetUp() override
+    {
+        Display::SetUp();
+        live.read = [] { return TakeReadingOrStop(0); };
+        live.silenceEnds = true;
+    }
+
+    Following Follows()
+    {
+        return FollowReading(live, [this](const std::string &text) { shown.push_back(text); });
+    }
+
+    LiveReading live;
+    std::vector<std::string> shown;
+};
+
+TEST_F(Followed, IsShownEveryThreeHundredMillisecondsUntilASecondAfterTheStop)
+{
+    Shows({"7.9990", "8.0001", "8.0002", "8.0003"});
+    CallAfter(1000, [] { RequestStop(); });
+    EXPECT_EQ(Follows(), Following::Stopped);
+    EXPECT_THAT(shown, testing::ElementsAre("+79990", "+80001", "+80002"));
+    EXPECT_EQ(clock.Elapsed(), 2000);
+    EXPECT_FALSE(StopArmed);
+}
+
+TEST_F(Followed, EndsByTheMetersSilenceASecondLater)
+{
+    Shows({"7.9990"});
+    EXPECT_EQ(Follows(), Following::Silent);
+    EXPECT_THAT(shown, testing::ElementsAre("+79990"));
+    EXPECT_EQ(clock.Elapsed(), 300 + 300 + 1000 + 1000) << "two looks, the wait for a reply, its own second";
+    EXPECT_FALSE(StopArmed);
+}
+
+TEST_F(Followed, AsksAgainOnSilenceWhereThatIsNoEnd)
+{
+    live.silenceEnds = false;
+    live.read = [] { return ReadDisplayDigitsOrStop(); };
+    CallAfter(5000, [this] { Shows({"7.9990"}); });
+    CallAfter(7000, [] { RequestStop(); });
+    EXPECT_EQ(Follows(), Following::Stopped);
+    EXPECT_THAT(shown, testing::ElementsAre("79990"));
+    EXPECT_EQ(clock.Elapsed(), 8000);
+}
+
+TEST_F(Followed, EndsWithTheStopChannelClosedWhateverItsReaderThrows)
+{
+    live.read = []() -> std::string { throw std::runtime_error("Input/output error"); };
+    EXPECT_THROW(Follows(), std::runtime_error);
+    EXPECT_FALSE(StopArmed);
+}
+
+TEST_F(Followed, ByTheSimulatorAsksItInstead)
+{
+    HardwareMode = RealTimeDelays = false;
+    live.simulated = [] { return std::string("+5"); };
+    CallAfter(700, [] { RequestStop(); });
+    EXPECT_EQ(Follows(), Following::Stopped);
+    EXPECT_THAT(shown, testing::ElementsAre("+5", "+5"));
+    EXPECT_EQ(clock.Elapsed(), 900) << "no second to wait out";
+}
+
+struct FarRow {
+    std::int32_t target, plus, minus;
+    bool turnover, far;
+};
+
+TEST_F(Display, IsFarFromItsTargetBeyondATenthOrAThousandCounts)
+{
+    constexpr FarRow kRows[] = {
+        {80000, 88000, 0, false, false},    {80000, 88001, 0, false, true},     {80000, 71999, 0, false, true},
+        {0, 1000, 0, false, false},         {0, -1001, 0, false, true},         {80000, 80000, -80000, true, false},
+        {80000, 80000, -71999, true, true}, {80000, -80000, 80000, true, true}, {80000, 80000, 80000, true, true},
+        {12920, 12920, -14213, true, true},
+    };
+    for (const FarRow &row : kRows) {
+        SCOPED_TRACE(std::to_string(row.plus) + " " + std::to_string(row.minus));
+        step.TargetCounts = row.target;
+        step.TurnoverStep = row.turnover;
+        step.Readings[0] = row.plus;
+        step.Readings[1] = row.minus;
+        EXPECT_EQ(ReadingIsFar(), row.far);
+    }
 }
 
 class SimulatedDisplay : public OnSimulator

@@ -1,4 +1,4 @@
-#include "calibration/range_correction.h"
+#include "calibration/corrections.h"
 
 #include <cmath>
 #include <limits>

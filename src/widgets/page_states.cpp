@@ -1,0 +1,66 @@
+#include "widgets/page_states.h"
+
+#include "widgets/page_kit.h"
+#include "widgets/widgets.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QFrame>
+
+#include <algorithm>
+#include <stdexcept>
+
+namespace ombrix {
+namespace {
+
+bool Holds(const std::vector<QWidget *> &widgets, const QWidget *wanted)
+{
+    return std::find(widgets.begin(), widgets.end(), wanted) != widgets.end();
+}
+
+const PageState &RowOf(const PageStates &states, int state)
+{
+    for (const PageState &row : states.rows)
+        if (row.state == state)
+            return row;
+    throw std::logic_error("a page state that stands in no row");
+}
+
+void ShowControls(const PageStates &states, const PageState &now)
+{
+    for (const PageState &row : states.rows) {
+        for (QWidget *control : row.on)
+            control->setEnabled(Holds(now.on, control));
+        for (QWidget *control : row.away)
+            control->setVisible(!Holds(now.away, control));
+    }
+    for (const auto &[button, caption] : now.captions)
+        button->setText(caption);
+}
+
+}  // namespace
+
+void ShowPageState(PageStates &states, int state)
+{
+    ShowPageState(states, state, RowOf(states, state).prompt);
+}
+
+void ShowPageState(PageStates &states, int state, const Prompt &prompt)
+{
+    const PageState &row = RowOf(states, state);
+    states.now = state;
+    if (states.page->isAncestorOf(QApplication::focusWidget()))
+        DropFocus(states.page);  // else a button that goes off hands the keys to its neighbour
+    ShowControls(states, row);
+    if (row.focus)
+        EnableAndFocus(row.focus);
+    ShowPrompt(states, prompt);
+    SetNavigation(row.navigation);
+}
+
+void ShowPrompt(const PageStates &states, const Prompt &prompt)
+{
+    ShowInstruction(states.instruction, prompt.text, prompt.trouble ? Red() : InfoBackground());
+}
+
+}  // namespace ombrix
