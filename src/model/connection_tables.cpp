@@ -24,11 +24,12 @@ constexpr Letters kAcLetters[][2] = {
     {"e,f", "k"}, {"d,f", "k"}, {"c,f", "k"}, {"a,b,f", "m"}, {"f", "j"},
 };
 
-// Row 4, 660 V, is no range of this board.
 constexpr Letters kAc3Letters[][2] = {
     {"j", ""},  {"g,h", "c"}, {"i", "c"},     {"k", "c"}, {"", ""},   {"l,k", ""},
     {"m", "b"}, {"m", "a"},   {"m", "c,d,e"}, {"m", "c"}, {"j", "f"},
 };
+
+constexpr int kAc3Unused = 4;  // 660 V is no range of this board
 
 constexpr const char *kLcNames[] = {"20 mV", "50 mV", "100 mV", "250 mV", "500 mV"};
 constexpr Letters kLcLetters[][1] = {{"e"}, {"a"}, {"b"}, {"c"}, {"d"}};
@@ -36,7 +37,7 @@ constexpr Letters kLcLetters[][1] = {{"e"}, {"a"}, {"b"}, {"c"}, {"d"}};
 constexpr const char *kTcNames[] = {"J,K,E,N",  "T,R,S",   "J,K,E,N °F", "J,K,E,N °C", "T,R,S °F",
                                     "T,R,S °C", "Upscale", "Downscale",  "4-wire",     "3-wire"};
 constexpr const char *kTcValues[] = {"200 mV", "200 mV", "32 FAR", "0 CEL", "32 FAR", "0 CEL"};
-constexpr Letters kTcLetters[][1] = {{""}, {"j"}, {""}, {""}, {"j"}, {"j"}};
+constexpr Letters kTcLetters[][1] = {{""}, {"j"}, {""}, {""}, {"j"}, {"j"}, {""}, {""}, {""}, {""}};
 // Thermocouple group, open-input direction, wires of the resistor.
 constexpr Letters kTempLetters[][3] = {
     {"e", "", ""}, {"f", "", ""}, {"e", "", ""}, {"e", "", ""},   {"f", "", ""},
@@ -64,7 +65,7 @@ template <std::size_t rows, std::size_t labels>
 std::vector<std::string> RowOf(const Letters (&table)[rows][labels], int row)
 {
     if (row < 0 || static_cast<std::size_t>(row) >= rows)
-        return std::vector<std::string>(labels);
+        return {};
     return {std::begin(table[row]), std::end(table[row])};
 }
 
@@ -133,7 +134,7 @@ std::vector<std::string> JumperLetters(int board, int row)
     case kAc2:
         return RowOf(kAcLetters, row);
     case kAc3:
-        return RowOf(kAc3Letters, row);
+        return row == kAc3Unused ? std::vector<std::string>() : RowOf(kAc3Letters, row);
     case kLc:
         return RowOf(kLcLetters, row);
     case kTc:

@@ -16,8 +16,9 @@ int JumperBlockOfBoard(int board);
 /// Caption of the range at a row of the board's list: "200 mV DC", "VF 4-20 mA", "J,K,E,N"; "" outside.
 std::string RangeCaption(int board, int row);
 
-/// The letters to set for each label of the board's block, "" where a label shows nothing: DC three ("A", "f", "b"),
-/// AC and AC2 two, AC3 two, LC one, Temp three, TC one, RTD one, VF one. Analog: one, row 0 UniPolar, 1 BiPolar.
+/// The letters to set for each label of the board's block, "" where a label asks for no jumper: DC three ("A", "f",
+/// "b"), AC and AC2 two, AC3 two, LC one, Temp three, TC one, RTD one, VF one. Analog: one, row 0 UniPolar, 1 BiPolar.
+/// Empty for a row that is no range of the board: nothing is known of its jumpers then.
 std::vector<std::string> JumperLetters(int board, int row);
 
 /// Thermocouple input names and applied values, index 0..9 and 0..5; "" outside.

@@ -1,6 +1,7 @@
 #include "model/range_names.h"
 
 #include <span>
+#include <string_view>
 
 #include "model/connection_tables.h"
 #include "session/state.h"
@@ -169,6 +170,20 @@ std::string RtdSimTemperature(int index)
     constexpr const char *temperatures[] = {"0.0",   "1544.0", "840.0", "1544.0", "840.0",
                                             "482.0", "250.0",  "482.0", "250.0"};
     return index >= 0 && index < static_cast<int>(std::size(temperatures)) ? temperatures[index] : temperatures[0];
+}
+
+std::string ValueAsWritten(const std::string &value)
+{
+    constexpr struct {
+        std::string_view wire;
+        std::string_view written;
+    } kUnits[] = {{" KOHM", " kOhm"}, {" OHM", " Ohm"}, {" CEL", " °C"}, {" FAR", " °F"}};
+    std::string text = value;
+    for (const auto &unit : kUnits) {
+        if (const std::size_t at = text.find(unit.wire); at != std::string::npos)
+            return text.replace(at, unit.wire.size(), unit.written);
+    }
+    return text;
 }
 
 }  // namespace ombrix

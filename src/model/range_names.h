@@ -16,4 +16,7 @@ std::string DescribeRangeCode(int board, const std::string &code);
 std::string RtdSimValue(int index);
 std::string RtdSimTemperature(int index);
 
+/// A value for the calibrator as people write it: "100 KOHM" is "100 kOhm", "0 CEL" is "0 °C"; others stay as they are.
+std::string ValueAsWritten(const std::string &value);
+
 }  // namespace ombrix

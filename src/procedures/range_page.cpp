@@ -386,12 +386,18 @@ void EnterRangePage()
     ShowPageState(view.states, kOpening);
     ApplySwitched(GetCalValue());
     ShowPage(kRangePage);
-    page.cable = ShowConnectionDiagram(GetRangeCodeIndex());
+    ShowConnectionDiagram(GetRangeCodeIndex());
+    page.cable = CableMessage(GetRangeCodeIndex());
     ClearRounds();
     ApplyStepToMeter();
     page.word = GetStepWordHex();
     // Without the word there is nothing to correct; the way back is the step's button.
-    ShowPageState(view.states, page.word.empty() ? kNoWord : kWaiting);
+    if (page.word.empty()) {
+        ShowPageState(view.states, kNoWord);
+        return;
+    }
+    CableConnected(GetRangeCodeIndex());
+    ShowPageState(view.states, kWaiting);
 }
 
 // ---- the way it is built ----

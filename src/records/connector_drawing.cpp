@@ -6,7 +6,6 @@
 #include <QFontMetrics>
 #include <QPainter>
 #include <QPainterPath>
-#include <QPalette>
 
 #include <algorithm>
 #include <string>
@@ -78,7 +77,7 @@ void PaintBody(QPainter &painter, int kind, const Ink &ink)
     painter.drawRoundedRect(QRectF(left + 0.5, kEdge + 0.5, kBodyWidth - 1, kPlaces * Pitch(metrics) - 1), 4, 4);
     for (int place = 0; place < kPlaces; place++) {
         const Pin pin = PinAt(kind, place, metrics);
-        PaintScrew(painter, TerminalOf(place, metrics), pin.used, ColourOf(pin, ink), ink);
+        PaintScrew(painter, TerminalOf(place, metrics), pin.used, ColourOf(pin, ink));
     }
 }
 
@@ -203,7 +202,7 @@ int InputsWidth(int kind, const QFontMetrics &metrics)
 
 QSize ConnectorSize(int kind, const QFontMetrics &metrics)
 {
-    return QSize(InputsWidth(kind, metrics) - 2, kPlaces * Pitch(metrics) + 2 * kEdge);
+    return QSize(InputsWidth(kind, metrics), kPlaces * Pitch(metrics) + 2 * kEdge);
 }
 
 QRect PlaceLabelRect(int place, const QFontMetrics &metrics)
@@ -217,9 +216,9 @@ QRectF TerminalOf(int place, const QFontMetrics &metrics)
     return QRectF(centre - QPointF(kScrew, kScrew), QSizeF(2 * kScrew, 2 * kScrew));
 }
 
-void PaintConnector(QPainter &painter, int kind, const QPalette &palette)
+void PaintConnector(QPainter &painter, int kind)
 {
-    const Ink ink = InkOf(palette);
+    const Ink ink;
     const QFontMetrics metrics = painter.fontMetrics();
     const double right = ConnectorSize(kind, metrics).width() - kEdge - 0.5;
     const double nearest = BodyRight(metrics) + kWire + 0.5;

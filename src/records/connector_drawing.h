@@ -8,7 +8,6 @@
 
 class QFontMetrics;
 class QPainter;
-class QPalette;
 
 namespace ombrix {
 
@@ -18,10 +17,10 @@ constexpr int kPlaces = 6;
 bool KindIsAc(int kind);
 bool KindIsCurrent(int kind);
 
-/// Width of the input frame in logical pixels.
+/// Natural width of the input frame in logical pixels.
 int InputsWidth(int kind, const QFontMetrics &metrics);
 
-/// Room for the picture, labels included, inside the line of its frame.
+/// Natural size of the picture, labels included.
 QSize ConnectorSize(int kind, const QFontMetrics &metrics);
 
 /// Where the label of place 0..5 stands.
@@ -30,6 +29,6 @@ QRect PlaceLabelRect(int place, const QFontMetrics &metrics);
 /// The screw of place 0..5.
 QRectF TerminalOf(int place, const QFontMetrics &metrics);
 
-void PaintConnector(QPainter &painter, int kind, const QPalette &palette);
+void PaintConnector(QPainter &painter, int kind);
 
 }  // namespace ombrix

@@ -3,64 +3,29 @@
 #include "platform/fault.h"
 
 #include <QFontInfo>
+#include <QLabel>
 #include <QPainter>
-#include <QPalette>
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace ombrix {
 namespace {
 
-constexpr double kReadable = 4.5;
 constexpr double kSmallestPoints = 9;
-
-// Relative luminance by the sRGB curve.
-double Luminance(const QColor &colour)
-{
-    const auto linear = [](double c) { return c <= 0.04045 ? c / 12.92 : std::pow((c + 0.055) / 1.055, 2.4); };
-    return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
-}
-
-QColor Mix(const QColor &one, const QColor &other, double share)
-{
-    const auto between = [share](int a, int b) { return static_cast<int>(std::lround(a + (b - a) * share)); };
-    return QColor(between(one.red(), other.red()), between(one.green(), other.green()),
-                  between(one.blue(), other.blue()));
-}
-
-// The colour itself, or as much nearer to the text colour as it takes to be read on the paper.
-QColor Readable(const QColor &colour, const QColor &paper, const QColor &text)
-{
-    QColor result = colour;
-    for (int step = 1; step <= 10 && Contrast(result, paper) < kReadable; step++)
-        result = Mix(colour, text, step / 10.0);
-    return result;
-}
 
 }  // namespace
 
-double Contrast(const QColor &one, const QColor &other)
+QPalette PaperPalette()
 {
-    const double a = Luminance(one) + 0.05;
-    const double b = Luminance(other) + 0.05;
-    return std::max(a, b) / std::min(a, b);
-}
-
-Ink InkOf(const QPalette &palette)
-{
-    const QColor paper = palette.color(QPalette::Base);
-    const QColor text = palette.color(QPalette::Text);
-    Ink ink;
-    ink.paper = paper;
-    ink.line = text;
-    ink.dim = Readable(Mix(paper, text, 0.45), paper, text);
-    ink.body = Mix(paper, text, 0.07);
-    ink.accent = Readable(palette.color(QPalette::Highlight), paper, text);
-    // What is mixed with a pale text turns pale: a dark ground starts from a lighter red.
-    const bool dark = Luminance(paper) < Luminance(text);
-    ink.plus = Readable(dark ? QColor(255, 110, 100) : QColor(214, 48, 48), paper, text);
-    return ink;
+    const Ink ink;
+    QPalette palette;
+    for (const auto role : {QPalette::Window, QPalette::Base})
+        palette.setColor(role, ink.paper);
+    for (const auto role : {QPalette::WindowText, QPalette::Text})
+        palette.setColor(role, ink.line);
+    return palette;
 }
 
 QFont ReadableFont(const QFont &font)
@@ -71,8 +36,9 @@ QFont ReadableFont(const QFont &font)
     return readable;
 }
 
-void PaintScrew(QPainter &painter, const QRectF &place, bool used, const QColor &colour, const Ink &ink)
+void PaintScrew(QPainter &painter, const QRectF &place, bool used, const QColor &colour)
 {
+    const Ink ink;
     painter.setPen(QPen(colour, kThin));
     painter.setBrush(used ? colour : ink.paper);
     painter.drawEllipse(place);
@@ -84,6 +50,65 @@ void PaintScrew(QPainter &painter, const QRectF &place, bool used, const QColor 
 Canvas::Canvas(QWidget *parent, const QString &name) : QWidget(parent)
 {
     setObjectName(name);
+    QSizePolicy policy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    policy.setHeightForWidth(true);
+    setSizePolicy(policy);
+}
+
+void Canvas::Show(const QSize &picture, int room, std::function<void(QPainter &)> paint)
+{
+    m_picture = picture;
+    m_room = room;
+    m_paint = std::move(paint);
+    for (const Placed &placed : m_placed)
+        Arrange(placed);
+    updateGeometry();
+    update();
+}
+
+void Canvas::Place(QLabel *label, const QRectF &place)
+{
+    auto placed =
+        std::find_if(m_placed.begin(), m_placed.end(), [label](const Placed &other) { return other.label == label; });
+    if (placed == m_placed.end())
+        placed = m_placed.insert(placed, {label, place});
+    placed->place = place;
+    Arrange(*placed);
+}
+
+double Canvas::Zoom() const
+{
+    return std::min(width() / static_cast<double>(m_room), height() / static_cast<double>(m_picture.height()));
+}
+
+QPointF Canvas::Shown(const QPointF &point) const
+{
+    return QPointF((width() - m_picture.width() * Zoom()) / 2, 0) + point * Zoom();
+}
+
+QSize Canvas::sizeHint() const
+{
+    const int wide = static_cast<int>(m_room * kLargestZoom);
+    return QSize(wide, heightForWidth(wide));
+}
+
+QSize Canvas::minimumSizeHint() const
+{
+    return QSize(m_room, m_picture.height());
+}
+
+int Canvas::heightForWidth(int width) const
+{
+    return static_cast<int>(std::ceil(m_picture.height() * static_cast<double>(width) / m_room));
+}
+
+void Canvas::Arrange(const Placed &placed) const
+{
+    QFont large = font();
+    large.setBold(placed.label->font().bold());
+    large.setPointSizeF(std::max(1.0, QFontInfo(font()).pointSizeF() * Zoom()));
+    placed.label->setFont(large);
+    placed.label->setGeometry(QRectF(Shown(placed.place.topLeft()), placed.place.size() * Zoom()).toAlignedRect());
 }
 
 void Canvas::paintEvent(QPaintEvent *)
@@ -92,8 +117,18 @@ void Canvas::paintEvent(QPaintEvent *)
         QPainter painter(this);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setFont(font());
-        if (paint)
-            paint(painter);
+        painter.translate(Shown(QPointF()));
+        painter.scale(Zoom(), Zoom());
+        if (m_paint)
+            m_paint(painter);
+    });
+}
+
+void Canvas::resizeEvent(QResizeEvent *)
+{
+    RunHandler([this] {
+        for (const Placed &placed : m_placed)
+            Arrange(placed);
     });
 }
 

@@ -1,31 +1,33 @@
-// What both drawings share: colours out of the palette, a font that stays readable, a widget that only paints.
+// What all drawings share: their colours, a font that stays readable, a picture that grows with its widget.
 #pragma once
 
 #include <QColor>
 #include <QFont>
+#include <QPalette>
 #include <QWidget>
 
 #include <functional>
+#include <vector>
 
+class QLabel;
 class QPainter;
-class QPalette;
 class QRectF;
 
 namespace ombrix {
 
-/// Colours of a drawing. All that carries text or meaning stands out from `paper` by 4.5 to 1 at least.
+/// Colours of a drawing, the same in every theme: a red plus and a black minus need a light ground. All that carries
+/// text or meaning stands out from `paper` by 4.5 to 1 at least.
 struct Ink {
-    QColor paper;   ///< the ground, also the text on accent
-    QColor line;    ///< what is used
-    QColor dim;     ///< what is not used
-    QColor body;    ///< housings, just off the paper
-    QColor accent;  ///< what the operator must set
-    QColor plus;    ///< positive side of a signal
+    QColor paper = QColor(252, 252, 249);  ///< the ground, also the text on accent
+    QColor line = QColor(0, 0, 0);         ///< what is used, the negative side of a signal
+    QColor dim = QColor(105, 105, 105);    ///< what is not used
+    QColor body = QColor(236, 236, 233);   ///< housings, just off the paper
+    QColor accent = QColor(32, 96, 176);   ///< what the operator must set
+    QColor plus = QColor(200, 24, 24);     ///< positive side of a signal
 };
-Ink InkOf(const QPalette &palette);
 
-/// Ratio of the brighter to the darker of two colours, 1..21, as the eye takes it.
-double Contrast(const QColor &one, const QColor &other);
+/// The colours of a card: paper as its ground, black text.
+QPalette PaperPalette();
 
 /// The font itself, or the same at 9 points where it is smaller.
 QFont ReadableFont(const QFont &font);
@@ -33,18 +35,48 @@ QFont ReadableFont(const QFont &font);
 constexpr double kThin = 1.2;   ///< outlines
 constexpr double kThick = 2.0;  ///< wires and what is set
 
-/// A screw terminal: filled where it is used, otherwise an empty outline.
-void PaintScrew(QPainter &painter, const QRectF &place, bool used, const QColor &colour, const Ink &ink);
+/// How many times its natural size a picture may grow.
+constexpr double kLargestZoom = 400.0 / 260.0;
 
-/// A picture: calls `paint`, anti-aliased, in its own font, whenever it must be drawn.
+/// A screw terminal: filled where it is used, otherwise an empty outline.
+void PaintScrew(QPainter &painter, const QRectF &place, bool used, const QColor &colour);
+
+/// A picture in the middle of its widget, with the labels that stand on it. It grows with the width: where the widget
+/// is `room` wide, the picture has its natural size, in the widget's own font.
 class Canvas : public QWidget
 {
 public:
     Canvas(QWidget *parent, const QString &name);
-    std::function<void(QPainter &)> paint;
+
+    /// Calls `paint`, anti-aliased, in the canvas's font and in natural coordinates, whenever it must be drawn.
+    void Show(const QSize &picture, int room, std::function<void(QPainter &)> paint);
+
+    /// Puts a child of the canvas at a place of the picture. Its font is the canvas's, bold or not as it was.
+    void Place(QLabel *label, const QRectF &place);
+
+    /// Widget pixels for one natural pixel, and where a point of the picture stands in the widget.
+    double Zoom() const;
+    QPointF Shown(const QPointF &point) const;
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+    int heightForWidth(int width) const override;
 
 protected:
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+
+private:
+    struct Placed {
+        QLabel *label;
+        QRectF place;
+    };
+    void Arrange(const Placed &placed) const;
+
+    QSize m_picture = QSize(1, 1);
+    int m_room = 1;
+    std::function<void(QPainter &)> m_paint;
+    std::vector<Placed> m_placed;
 };
 
 }  // namespace ombrix

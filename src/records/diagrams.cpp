@@ -1,7 +1,6 @@
 #include "records/diagrams.h"
 
 #include "model/connection_tables.h"
-#include "model/step_ids.h"
 #include "records/connector_drawing.h"
 #include "records/diagram_painting.h"
 #include "records/dual_converter.h"
@@ -10,12 +9,17 @@
 #include "session/state.h"
 #include "widgets/widgets.h"
 
+#include <QFontMetrics>
 #include <QFrame>
 #include <QLabel>
 #include <QPointer>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -24,6 +28,7 @@ namespace {
 
 constexpr int kAnalogBlock = 5;
 constexpr int kFirstDrawnKind = 2;  // 0 and 1 have no drawing
+constexpr int kCardEdge = 6;        // free above and below what a card shows
 
 // The rows of positions on each block. A block's labels take its letters in the order in which they stand here.
 struct BlockRow {
@@ -52,6 +57,7 @@ constexpr BlockRow kBlockRows[] = {
 struct Picture {
     Canvas *canvas = nullptr;
     std::vector<QLabel *> labels;
+    QLabel *none = nullptr;  // the words for a row without a jumper
     JumperRow row;
 };
 
@@ -62,6 +68,7 @@ struct Block {
 };
 
 struct Inputs {
+    QFrame *card = nullptr;
     QFrame *frame = nullptr;
     QLabel *caption = nullptr;
     Canvas *canvas = nullptr;
@@ -70,55 +77,102 @@ struct Inputs {
 
 // Of the window that stands; `column` is null once it is gone, and the rest is then not touched.
 QPointer<QWidget> column;
+QScrollArea *cards = nullptr;
 Inputs inputs;
 std::array<Block, kJumperBlocks> blocks;
-QWidget *dualConverter = nullptr;
+Canvas *dualConverter = nullptr;
 
 Cable lastCable;
 
-// A card of paper, on which pictures and labels stand one below the other.
+// ---- the cards ----
+
+// Inside the line of a card: the widest input connector fills it.
+int CardRoom(const QFontMetrics &metrics)
+{
+    constexpr int kWidest = 9;
+    return InputsWidth(kWidest, metrics);
+}
+
+// A card of paper, as wide as the column within its limits.
 QFrame *Card(QWidget *parent, const QString &name)
 {
     QFrame *card = Shape(parent, name);
-    card->setBackgroundRole(QPalette::Base);
+    card->setPalette(PaperPalette());
     card->setAutoFillBackground(true);
     card->setFont(ReadableFont(parent->font()));
-    auto *layout = new QVBoxLayout(card);
-    layout->setContentsMargins(0, 6, 0, 6);
-    layout->setSpacing(4);
+    const int line = 2 * card->frameWidth();
+    const int room = CardRoom(card->fontMetrics());
+    card->setMinimumWidth(room + line);
+    card->setMaximumWidth(static_cast<int>(room * kLargestZoom) + line);
     card->hide();
     parent->layout()->addWidget(card);
-    parent->layout()->setAlignment(card, Qt::AlignHCenter);
     return card;
 }
 
-QLabel *PaperLabel(QWidget *parent, const QString &name, bool bold)
+QVBoxLayout *Stack(QFrame *frame, int edge)
+{
+    auto *layout = new QVBoxLayout(frame);
+    layout->setContentsMargins(0, edge, 0, edge);
+    layout->setSpacing(4);
+    return layout;
+}
+
+QFont BoldFont(const QFont &font)
+{
+    QFont bold = font;
+    bold.setBold(true);
+    return bold;
+}
+
+QLabel *PaperLabel(QWidget *parent, const QString &name)
 {
     QLabel *label = Label(parent, name);
-    label->setForegroundRole(QPalette::Text);
-    QFont font = label->font();
-    font.setBold(bold);
-    label->setFont(font);
+    label->setAlignment(Qt::AlignCenter);
     return label;
 }
 
-QLabel *CardCaption(QFrame *card, const QString &name)
+QLabel *BoldLabel(QWidget *parent, const QString &name)
 {
-    QLabel *caption = PaperLabel(card, name, true);
-    caption->setAlignment(Qt::AlignCenter);
-    card->layout()->addWidget(caption);
-    return caption;
+    QLabel *label = PaperLabel(parent, name);
+    label->setFont(BoldFont(label->font()));
+    return label;
+}
+
+// A caption over the whole width of what stands below it.
+QLabel *AddHeading(QFrame *frame, const QString &name)
+{
+    auto *heading = new Canvas(frame, "img" + name);
+    frame->layout()->addWidget(heading);
+    return BoldLabel(heading, name);
+}
+
+void ShowHeading(QLabel *caption, const std::string &text, int room)
+{
+    auto *heading = static_cast<Canvas *>(caption->parentWidget());
+    const QSize size(room, heading->fontMetrics().height() + 2);
+    heading->Show(size, room, {});
+    heading->Place(caption, QRectF(QPointF(), size));
+    caption->setText(Caption(text));
 }
 
 void BuildInputs(QWidget *parent)
 {
     inputs = Inputs();
-    inputs.frame = Card(parent, "fraInputs");
-    inputs.caption = CardCaption(inputs.frame, "lblInput");
+    inputs.card = Card(parent, "fraInputsCard");
+    auto *row = new QHBoxLayout(inputs.card);
+    row->setContentsMargins(0, kCardEdge, 0, kCardEdge);
+    row->setSpacing(0);
+    inputs.frame = new QFrame(inputs.card);
+    inputs.frame->setObjectName("fraInputs");
+    row->addStretch();
+    row->addWidget(inputs.frame);
+    row->addStretch();
+    Stack(inputs.frame, 0);
+    inputs.caption = AddHeading(inputs.frame, "lblInput");
     inputs.canvas = new Canvas(inputs.frame, "imgInputs");
     inputs.frame->layout()->addWidget(inputs.canvas);
     for (int place = 0; place < kPlaces; place++) {
-        inputs.places[place] = PaperLabel(inputs.canvas, Indexed("lblInp", place), false);
+        inputs.places[place] = PaperLabel(inputs.canvas, Indexed("lblInp", place));
         inputs.places[place]->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     }
 }
@@ -131,10 +185,11 @@ void BuildPicture(Block &block, const BlockRow &blockRow)
     picture.canvas = new Canvas(block.frame, blockRow.picture);
     for (const char *name : blockRow.labels) {
         if (name)
-            picture.labels.push_back(PaperLabel(picture.canvas, name, true));
+            picture.labels.push_back(BoldLabel(picture.canvas, name));
     }
+    picture.none = BoldLabel(picture.canvas, QString("lblNone") + blockRow.picture);
+    picture.none->setText("no jumper");
     block.frame->layout()->addWidget(picture.canvas);
-    block.frame->layout()->setAlignment(picture.canvas, Qt::AlignHCenter);
     block.pictures.push_back(picture);
 }
 
@@ -143,148 +198,191 @@ void BuildBlock(QWidget *parent, int index)
     Block &block = blocks[index];
     block = Block();
     block.frame = Card(parent, Indexed("fraJumperBlock", index));
-    block.frame->setMinimumWidth(kDiagramColumnWidth);
-    block.caption = CardCaption(block.frame, Indexed("lblRange", index));
+    Stack(block.frame, kCardEdge);
+    block.caption = AddHeading(block.frame, Indexed("lblRange", index));
     for (const BlockRow &row : kBlockRows) {
         if (row.block == index)
             BuildPicture(block, row);
     }
 }
 
-void ShowInputs(int kind)
+// The cards scroll where the window is too low for them.
+QWidget *BuildCards(QWidget *parent)
+{
+    auto *layout = new QVBoxLayout(parent);
+    layout->setContentsMargins(0, 0, 0, 0);
+    cards = new QScrollArea(parent);
+    cards->setObjectName("fraDiagramCards");
+    cards->setFrameShape(QFrame::NoFrame);
+    cards->setFocusPolicy(Qt::NoFocus);
+    cards->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    cards->setWidgetResizable(true);
+    auto *list = new QWidget;
+    auto *stack = new QVBoxLayout(list);
+    stack->setContentsMargins(0, 0, 0, 0);
+    stack->setSpacing(8);
+    cards->setWidget(list);
+    layout->addWidget(cards);
+    cards->hide();
+    return list;
+}
+
+// ---- what they show ----
+
+void ShowPlaces(int kind)
 {
     const QFontMetrics metrics = inputs.canvas->fontMetrics();
-    inputs.canvas->paint = [canvas = inputs.canvas, kind](QPainter &painter) {
-        PaintConnector(painter, kind, canvas->palette());
-    };
-    inputs.caption->setText(
-        Caption(std::string(KindIsAc(kind) ? "AC " : "DC ") + (KindIsCurrent(kind) ? "Current" : "Voltage")));
     for (int place = 0; place < kPlaces; place++) {
         const std::string text = PinLabel(kind, place);
         inputs.places[place]->setText(Caption(text));
-        inputs.places[place]->setGeometry(PlaceLabelRect(place, metrics));
+        inputs.canvas->Place(inputs.places[place], PlaceLabelRect(place, metrics));
         inputs.places[place]->setVisible(!text.empty());
     }
-    inputs.canvas->setFixedSize(ConnectorSize(kind, metrics));
-    inputs.frame->setFixedWidth(InputsWidth(kind, metrics));
-    inputs.canvas->update();
-    inputs.frame->show();
+}
+
+void ShowInputs(int kind)
+{
+    const QFontMetrics metrics = inputs.canvas->fontMetrics();
+    const int room = InputsWidth(kind, metrics);
+    ShowHeading(inputs.caption,
+                std::string(KindIsAc(kind) ? "AC " : "DC ") + (KindIsCurrent(kind) ? "Current" : "Voltage"), room);
+    inputs.canvas->Show(ConnectorSize(kind, metrics), room,
+                        [kind](QPainter &painter) { PaintConnector(painter, kind); });
+    ShowPlaces(kind);
+    // The frame takes its part of the card: what is left stands half at each side.
+    auto *row = static_cast<QHBoxLayout *>(inputs.card->layout());
+    const int left = CardRoom(metrics) - room;
+    row->setStretch(0, left);
+    row->setStretch(1, 2 * room);
+    row->setStretch(2, left);
+    inputs.card->show();
 }
 
 // Puts one label's letters in brackets over its picture; no letters, no label.
 void ShowLetters(QLabel *label, const Picture &picture, const std::string &letters)
 {
+    constexpr int kSpare = 4;  // at each side: large letters aren't exactly in proportion
     const std::string text = letters.empty() ? "" : "(" + letters + ")";
+    const QFontMetrics metrics = picture.canvas->fontMetrics();
+    const QFontMetrics bold(BoldFont(picture.canvas->font()));
     label->setText(Caption(text));
-    label->adjustSize();
-    label->move(LabelLeft(picture.row, text, picture.canvas->fontMetrics(), label->fontMetrics()), 0);
+    picture.canvas->Place(label, QRectF(LabelLeft(picture.row, text, metrics, bold) - kSpare, 0,
+                                        bold.horizontalAdvance(label->text()) + 2 * kSpare, metrics.height()));
     label->setVisible(!text.empty());
+}
+
+// The words stand in the middle of the card, over the row.
+void ShowNone(const Picture &picture, bool none)
+{
+    const QFontMetrics metrics = picture.canvas->fontMetrics();
+    const double middle = JumperRowSize(picture.row, metrics).width() / 2.0;
+    const double room = CardRoom(metrics);
+    picture.canvas->Place(picture.none, QRectF(middle - room / 2, 0, room, metrics.height()));
+    picture.none->setVisible(none);
+}
+
+void ShowPicture(Picture &picture, std::span<const std::string> letters)
+{
+    const QFontMetrics metrics = picture.canvas->fontMetrics();
+    picture.row.set.clear();
+    for (const std::string &told : letters)
+        picture.row.set += told;
+    picture.canvas->Show(JumperRowSize(picture.row, metrics), CardRoom(metrics),
+                         [row = picture.row](QPainter &painter) { PaintJumperRow(painter, row); });
+    for (std::size_t i = 0; i < picture.labels.size(); i++)
+        ShowLetters(picture.labels[i], picture, i < letters.size() ? letters[i] : "");
+    ShowNone(picture, !letters.empty() && picture.row.set.empty());
 }
 
 void ShowBlock(int index, const std::string &caption, const std::vector<std::string> &letters)
 {
     Block &block = blocks[index];
-    block.caption->setText(Caption(caption));
-    std::size_t entry = 0;
+    ShowHeading(block.caption, caption, CardRoom(block.frame->fontMetrics()));
+    std::span<const std::string> rest(letters);
     for (Picture &picture : block.pictures) {
-        picture.row.set.clear();
-        picture.canvas->setFixedSize(JumperRowSize(picture.row, picture.canvas->fontMetrics()));
-        for (QLabel *label : picture.labels) {
-            const std::string set = entry < letters.size() ? letters[entry] : "";
-            ShowLetters(label, picture, set);
-            picture.row.set += set;
-            entry++;
-        }
-        picture.canvas->paint = [canvas = picture.canvas, row = picture.row](QPainter &painter) {
-            PaintJumperRow(painter, row, canvas->palette());
-        };
-        picture.canvas->update();
+        const std::size_t own = std::min(picture.labels.size(), rest.size());
+        ShowPicture(picture, rest.first(own));
+        rest = rest.subspan(own);
     }
     block.frame->show();
+    cards->show();
 }
 
-// These pages have no place for the cable message: the next range page must still say it.
-bool PageTellsCable()
+// ---- what pages ask for ----
+
+void HideDiagrams()
 {
-    switch (CurrentStepId) {
-    case Step::FirstCycle:
-    case Step::Verify:
-    case Step::ZeroAdjust:
-    case Step::TrimR13R14:
-    case Step::MinusGainTrim:
-    case Step::TrimR38:
-        return false;
-    default:
-        return true;
-    }
+    if (!column)
+        return;
+    cards->hide();
+    inputs.card->hide();
+    for (Block &block : blocks)
+        block.frame->hide();
 }
 
-std::string CableMessage(int row)
+void ShowConnection(int row)
 {
-    if (SCType != kAc3 || CalibTab == kTabAnaCal || !PageTellsCable())
-        return "";
-    const Cable needed = Ac3Cable(row);
-    if (needed == Cable() || needed == lastCable)
-        return "";
-    lastCable = needed;
-    return "Verify that the " + needed.pins + "-pin cable is connected between\r\nthe Calibrator's " + needed.signal +
-           " pins and the AC board.";
-}
-
-void DrawConnectionDiagram(int row)
-{
-    HideConnectionDiagram();
+    HideDiagrams();
     const int kind = DiagramKind(row);
-    if (kind < kFirstDrawnKind || CalibTab == kTabAnaCal)
+    if (!column || kind < kFirstDrawnKind || CalibTab == kTabAnaCal)
         return;
     ShowInputs(kind);
     ShowBlock(JumperBlockOfBoard(SCType), RangeCaption(SCType, row), JumperLetters(SCType, row));
 }
 
-}  // namespace
-
-void BuildDiagrams(QWidget *parent)
+void ShowAnalog(int row, bool dual)
 {
-    auto *layout = new QVBoxLayout(parent);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(8);
-    BuildInputs(parent);
-    for (int index = 0; index < kJumperBlocks; index++)
-        BuildBlock(parent, index);
-    dualConverter = BuildDualConverter(blocks[kAnalogBlock].frame);
-    blocks[kAnalogBlock].frame->layout()->addWidget(dualConverter);
-    layout->addStretch(1);
-    column = parent;
-    ForgetCable();
-}
-
-std::string ShowConnectionDiagram(int row)
-{
-    if (column)
-        DrawConnectionDiagram(row);
-    return CableMessage(row);
-}
-
-void HideConnectionDiagram()
-{
+    HideDiagrams();
     if (!column)
         return;
-    inputs.frame->hide();
-    for (Block &block : blocks)
-        block.frame->hide();
-}
-
-void ShowAnalogDiagram(int row, bool dual)
-{
-    if (!column)
-        return;
-    HideConnectionDiagram();
     dualConverter->setVisible(dual);
     ShowBlock(kAnalogBlock, RangeCaption(kAn, row), JumperLetters(kAn, row));
 }
 
-void ForgetCable()
+// The cable of a row of the meter in work, none where the board or the row asks for none.
+Cable CableOf(int row)
 {
+    return SCType == kAc3 && CalibTab != kTabAnaCal ? Ac3Cable(row) : Cable();
+}
+
+std::string MessageOfCable(int row)
+{
+    const Cable needed = CableOf(row);
+    if (needed == Cable() || needed == lastCable)
+        return "";
+    return "Verify that the " + needed.pins + "-pin cable is connected between\r\nthe Calibrator's " + needed.signal +
+           " pins and the AC board.";
+}
+
+void RememberCable(int row)
+{
+    if (const Cable connected = CableOf(row); connected != Cable())
+        lastCable = connected;
+}
+
+}  // namespace
+
+void FillDiagramHooks()
+{
+    frameHooks.showConnectionDiagram = ShowConnection;
+    frameHooks.hideConnectionDiagram = HideDiagrams;
+    frameHooks.showAnalogDiagram = ShowAnalog;
+    frameHooks.cableMessage = MessageOfCable;
+    frameHooks.cableConnected = RememberCable;
+}
+
+void BuildDiagrams(QWidget *parent)
+{
+    QWidget *list = BuildCards(parent);
+    BuildInputs(list);
+    for (int index = 0; index < kJumperBlocks; index++)
+        BuildBlock(list, index);
+    QFrame *analog = blocks[kAnalogBlock].frame;
+    dualConverter = BuildDualConverter(analog, CardRoom(analog->fontMetrics()));
+    analog->layout()->addWidget(dualConverter);
+    static_cast<QVBoxLayout *>(list->layout())->addStretch(1);
+    cards->setMinimumWidth(analog->minimumWidth() + cards->verticalScrollBar()->sizeHint().width());
+    column = parent;
     lastCable = Cable();
 }
 

@@ -1,10 +1,8 @@
 // The connection diagrams: fraInputs, the wired input connector, and fraJumperBlock(0..8), the board's jumpers.
 //
-// ShowConnectionDiagram and HideConnectionDiagram, declared in session/page_frame.h, are defined here. Without a
-// window they draw nothing; the cable message is given all the same.
+// Pages reach them through session/page_frame.h. Without a window they draw nothing; the cable message is given all
+// the same.
 #pragma once
-
-#include <QString>
 
 class QWidget;
 
@@ -12,17 +10,11 @@ namespace ombrix {
 
 constexpr int kJumperBlocks = 9;
 
-/// Width that the column must have, in logical pixels.
-constexpr int kDiagramColumnWidth = 260;
+/// Fills what session/page_frame.h promises of the diagrams. Once at start.
+void FillDiagramHooks();
 
-/// Makes all frames of a window inside `parent`, which has no layout yet, hidden. Forgets the cable of the last
-/// session.
+/// Makes all frames of a window inside `parent`, which has no layout yet, hidden. Each stands on a card; all cards have
+/// one width, that of `parent` within limits, and what they show grows with it. Forgets the cable of the last session.
 void BuildDiagrams(QWidget *parent);
-
-/// Shows block 5 alone: `row` 0 UniPolar, 1 BiPolar; with a dual converter also its two output connectors.
-void ShowAnalogDiagram(int row, bool dual);
-
-/// The next AC3 range asks for its cable again.
-void ForgetCable();
 
 }  // namespace ombrix

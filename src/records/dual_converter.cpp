@@ -3,58 +3,84 @@
 #include "records/diagram_painting.h"
 #include "widgets/widgets.h"
 
-#include <QGridLayout>
+#include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
-#include <QPalette>
 
 namespace ombrix {
 namespace {
 
 // Pins from the top: those of the first connector, then those of the second.
-constexpr const char *kPins[] = {"0 - 20 mA  1", "0 - 10 V  2", "Gnd  3", "Gnd  1", "+/- 10 V  2"};
+constexpr const char *kPins[kDualPins] = {"0 - 20 mA  1", "0 - 10 V  2", "Gnd  3", "Gnd  1", "+/- 10 V  2"};
 constexpr int kPinsOfFirst = 3;
-constexpr const char *kTitles[] = {"DAC1", "DAC2", "Dual DAC"};
+constexpr int kRows = 5;  // two of titles, three of pins
 
-QLabel *Text(QGridLayout *grid, const QString &name, const char *text, int row, int column, int columns)
+constexpr int kEdge = 8;  // free at the sides
+constexpr int kGap = 6;   // from a pin's label to its screw
+constexpr double kScrew = 14;
+
+double RowHeight(const QFontMetrics &metrics)
 {
-    QLabel *label = Label(grid->parentWidget(), name, text);
-    label->setForegroundRole(QPalette::Text);
-    grid->addWidget(label, row, column, 1, columns, columns > 1 ? Qt::AlignCenter : Qt::AlignRight | Qt::AlignVCenter);
-    return label;
+    return metrics.height() + 4;
 }
 
-Canvas *Screw(QWidget *parent, const QString &name)
+// The half of the picture in which a connector stands, one row high.
+QRectF RowOf(bool second, int row, int room, const QFontMetrics &metrics)
 {
-    auto *screw = new Canvas(parent, name);
-    screw->setFixedSize(16, 16);
-    screw->paint = [screw](QPainter &painter) {
-        const Ink ink = InkOf(screw->palette());
-        PaintScrew(painter, QRectF(1, 1, 14, 14), true, ink.line, ink);
-    };
-    return screw;
+    const double half = room / 2.0;
+    return QRectF(second ? half : 0, row * RowHeight(metrics), half, RowHeight(metrics));
+}
+
+QRectF RowOfPin(int pin, int room, const QFontMetrics &metrics)
+{
+    const bool second = pin >= kPinsOfFirst;
+    return RowOf(second, 2 + (second ? pin - kPinsOfFirst : pin), room, metrics);
+}
+
+void PlaceText(Canvas *canvas, const QString &name, const char *text, const QRectF &place, Qt::Alignment alignment)
+{
+    QLabel *label = Label(canvas, name, text);
+    label->setForegroundRole(QPalette::Text);
+    label->setAlignment(alignment | Qt::AlignVCenter);
+    canvas->Place(label, place);
+}
+
+void PlaceTexts(Canvas *canvas, int room, const QFontMetrics &metrics)
+{
+    const QRectF first = RowOf(false, 1, room, metrics);
+    const QRectF second = RowOf(true, 1, room, metrics);
+    PlaceText(canvas, "lblDAC(2)", "Dual DAC", QRectF(0, 0, room, RowHeight(metrics)), Qt::AlignHCenter);
+    PlaceText(canvas, "lblDAC(0)", "DAC1", first, Qt::AlignHCenter);
+    PlaceText(canvas, "lblDAC(1)", "DAC2", second, Qt::AlignHCenter);
+    for (int pin = 0; pin < kDualPins; pin++) {
+        const QRectF row = RowOfPin(pin, room, metrics);
+        const double right = DualScrew(pin, room, metrics).left() - kGap;
+        PlaceText(canvas, Indexed("lblDACPin", pin), kPins[pin], QRectF(row.topLeft(), QPointF(right, row.bottom())),
+                  Qt::AlignRight);
+    }
 }
 
 }  // namespace
 
-QWidget *BuildDualConverter(QWidget *parent)
+Canvas *BuildDualConverter(QWidget *parent, int room)
 {
-    auto *box = new QWidget(parent);
-    box->setObjectName("imgDualDAC");
-    auto *grid = new QGridLayout(box);
-    grid->setHorizontalSpacing(6);
-    grid->setVerticalSpacing(3);
-    Text(grid, "lblDAC(2)", kTitles[2], 0, 0, 4);
-    Text(grid, "lblDAC(0)", kTitles[0], 1, 0, 2);
-    Text(grid, "lblDAC(1)", kTitles[1], 1, 2, 2);
-    for (int pin = 0; pin < 5; pin++) {
-        const bool second = pin >= kPinsOfFirst;
-        const int row = 2 + (second ? pin - kPinsOfFirst : pin);
-        Text(grid, Indexed("lblDACPin", pin), kPins[pin], row, second ? 2 : 0, 1);
-        grid->addWidget(Screw(box, Indexed("imgDACPin", pin)), row, second ? 3 : 1);
-    }
-    box->hide();
-    return box;
+    auto *canvas = new Canvas(parent, "imgDualDAC");
+    const QFontMetrics metrics = canvas->fontMetrics();
+    canvas->Show(QSize(room, static_cast<int>(kRows * RowHeight(metrics))), room, [room](QPainter &painter) {
+        for (int pin = 0; pin < kDualPins; pin++)
+            PaintScrew(painter, DualScrew(pin, room, painter.fontMetrics()), true, Ink().line);
+    });
+    PlaceTexts(canvas, room, metrics);
+    canvas->hide();
+    return canvas;
+}
+
+QRectF DualScrew(int pin, int room, const QFontMetrics &metrics)
+{
+    const QRectF row = RowOfPin(pin, room, metrics);
+    QRectF screw(0, 0, kScrew, kScrew);
+    screw.moveCenter(QPointF(row.right() - kEdge - kScrew / 2, row.center().y()));
+    return screw;
 }
 
 }  // namespace ombrix

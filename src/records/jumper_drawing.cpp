@@ -4,7 +4,6 @@
 
 #include <QFontMetrics>
 #include <QPainter>
-#include <QPalette>
 
 #include <algorithm>
 
@@ -164,9 +163,9 @@ int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics 
     return std::clamp(wanted, 0, std::max(0, room));
 }
 
-void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette)
+void PaintJumperRow(QPainter &painter, const JumperRow &row)
 {
-    const Ink ink = InkOf(palette);
+    const Ink ink;
     PaintHousings(painter, row, ink);
     PaintBracket(painter, row, ink);
     for (char letter : row.positions) {

@@ -10,7 +10,6 @@
 
 class QFontMetrics;
 class QPainter;
-class QPalette;
 
 namespace ombrix {
 
@@ -20,7 +19,7 @@ struct JumperRow {
     std::string set;        ///< letters of the positions that carry a cap; other characters don't matter
 };
 
-/// Room for the picture in logical pixels.
+/// Natural size of the picture in logical pixels.
 QSize JumperRowSize(const JumperRow &row, const QFontMetrics &metrics);
 
 /// Where the cap of a position lies, or would lie. Null for a letter that the row doesn't have.
@@ -32,6 +31,6 @@ QRectF LetterOf(const JumperRow &row, char letter, const QFontMetrics &metrics);
 /// Left end of a label "(x,y)" in its own font, so that its first letter stands over that letter's position.
 int LabelLeft(const JumperRow &row, const std::string &text, const QFontMetrics &metrics, const QFontMetrics &label);
 
-void PaintJumperRow(QPainter &painter, const JumperRow &row, const QPalette &palette);
+void PaintJumperRow(QPainter &painter, const JumperRow &row);
 
 }  // namespace ombrix

@@ -23,6 +23,31 @@ template <class Record> Record Registered(const std::map<int, Record> &table, in
 
 }  // namespace
 
+void ShowConnectionDiagram(int row)
+{
+    frameHooks.showConnectionDiagram(row);
+}
+
+void ShowAnalogDiagram(int row, bool dual)
+{
+    frameHooks.showAnalogDiagram(row, dual);
+}
+
+void HideConnectionDiagram()
+{
+    frameHooks.hideConnectionDiagram();
+}
+
+std::string CableMessage(int row)
+{
+    return frameHooks.cableMessage(row);
+}
+
+void CableConnected(int row)
+{
+    frameHooks.cableConnected(row);
+}
+
 void ShowPage(int index)
 {
     SetNavigation(Navigation::Free);

@@ -29,11 +29,21 @@ void HighlightStep(int index);
 /// Shows or hides the output panel's controls.
 void ShowCalPanel(bool on);
 
-/// Shows input connector and jumper block for a row of the board's range list. Returns the cable message of an AC3
-/// board when the cable changes, otherwise "".
-std::string ShowConnectionDiagram(int row);
-/// Hides both.
+// ---- drawn by the diagrams ----
+
+/// Shows input connector and jumper block for a row of the board's range list; nothing for a row below 0.
+void ShowConnectionDiagram(int row);
+/// Shows the block of the analog output alone: row 0 UniPolar, 1 BiPolar; with a dual converter also its two output
+/// connectors.
+void ShowAnalogDiagram(int row, bool dual);
+/// Hides whatever of them shows.
 void HideConnectionDiagram();
+
+/// What a page that has a place for it asks the operator to check before a row of an AC3 board: the cable, when it
+/// isn't the one connected last; otherwise "". Only a look.
+std::string CableMessage(int row);
+/// The range of that row was opened, so its cable is the one connected now.
+void CableConnected(int row);
 
 // ---- what stands behind it: filled by the window ----
 
@@ -45,6 +55,11 @@ struct FrameHooks {
     std::function<void(bool on)> showCalPanel = [](bool) {};
     /// Step buttons, tabs and Setup on or off; session/procedure.h works out which.
     std::function<void(bool on)> enableSteps = [](bool) {};
+    std::function<void(int)> showConnectionDiagram = [](int) {};
+    std::function<void(int, bool)> showAnalogDiagram = [](int, bool) {};
+    std::function<void()> hideConnectionDiagram = [] {};
+    std::function<std::string(int)> cableMessage = [](int) { return std::string(); };
+    std::function<void(int)> cableConnected = [](int) {};
 };
 extern FrameHooks frameHooks;
 

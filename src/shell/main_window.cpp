@@ -135,8 +135,8 @@ void BuildLayout(QWidget *centre)
 {
     auto *work = new QHBoxLayout;
     work->setSpacing(10);
-    work->addWidget(BuildMiddle(centre), 1);
-    work->addWidget(BuildSide(centre));
+    work->addWidget(BuildMiddle(centre), 3);
+    work->addWidget(BuildSide(centre), 1);
     auto *right = new QVBoxLayout;
     right->setSpacing(8);
     right->addLayout(work, 1);

@@ -42,6 +42,7 @@ void FillOutlets()
     outlets.showRemark = ShowRemark;
     outlets.keepRemark = KeepRemark;
     FaultOutlet = ShowRemark;
+    FillDiagramHooks();
 }
 
 void RegisterPages()
@@ -84,6 +85,7 @@ void CloseStation()
     frameHooks = FrameHooks();
     DestroyMainWindow();
     outlets = Outlets();
+    frameHooks = FrameHooks();
     FaultOutlet = [](const std::string &) {};
     CloseHandlers(false);
 }

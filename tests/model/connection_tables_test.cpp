@@ -24,7 +24,7 @@ protected:
     void SetUp() override { InitSessionState(); }
     void TearDown() override { InitSessionState(); }
 
-    static void ExpectRows(int board, const std::vector<JumperRow> &rows, std::size_t labels)
+    static void ExpectRows(int board, const std::vector<JumperRow> &rows)
     {
         for (std::size_t i = 0; i < rows.size(); ++i) {
             EXPECT_EQ(RangeCaption(board, static_cast<int>(i)), rows[i].caption) << board << " row " << i;
@@ -32,7 +32,7 @@ protected:
         }
         for (int row : {-1, static_cast<int>(rows.size())}) {
             EXPECT_EQ(RangeCaption(board, row), "") << board << " row " << row;
-            EXPECT_EQ(JumperLetters(board, row), Labels(labels)) << board << " row " << row;
+            EXPECT_TRUE(JumperLetters(board, row).empty()) << board << " row " << row;
         }
     }
 };
@@ -41,117 +41,105 @@ protected:
 
 TEST_F(ConnectionTables, HaveTheJumpersOfDc)
 {
-    ExpectRows(kDc,
-               {{"200 mV DC", {"A", "f", "b"}},
-                {"2 V DC", {"A", "f", "a"}},
-                {"20 V DC", {"B", "h", "b"}},
-                {"200 V DC", {"B", "h", "a"}},
-                {"660 V DC", {"B", "g", "a"}},
-                {"2 mA DC", {"A", "e,g", "b"}},
-                {"20 mA DC", {"A", "d,g", "b"}},
-                {"200 mA DC", {"A", "c,g", "b"}},
-                {"5 A DC", {"A", "a,b,g", "b"}},
-                {"600 V DC", {"", "", ""}},
-                {"200 mV DC", {"", "", ""}}},
-               3);
+    ExpectRows(kDc, {{"200 mV DC", {"A", "f", "b"}},
+                     {"2 V DC", {"A", "f", "a"}},
+                     {"20 V DC", {"B", "h", "b"}},
+                     {"200 V DC", {"B", "h", "a"}},
+                     {"660 V DC", {"B", "g", "a"}},
+                     {"2 mA DC", {"A", "e,g", "b"}},
+                     {"20 mA DC", {"A", "d,g", "b"}},
+                     {"200 mA DC", {"A", "c,g", "b"}},
+                     {"5 A DC", {"A", "a,b,g", "b"}},
+                     {"600 V DC", {}},
+                     {"200 mV DC", {}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfAcAndAc2)
 {
     for (int board : {kAc, kAc2})
-        ExpectRows(board,
-                   {{"200 mV AC", {"g", "k"}},
-                    {"2 V AC", {"g", "j"}},
-                    {"20 V AC", {"h", "k"}},
-                    {"200 V AC", {"h", "j"}},
-                    {"660 V AC", {"f", "j"}},
-                    {"2 mA AC", {"e,f", "k"}},
-                    {"20 mA AC", {"d,f", "k"}},
-                    {"200 mA AC", {"c,f", "k"}},
-                    {"5 A AC", {"a,b,f", "m"}},
-                    {"600 V AC", {"f", "j"}},
-                    {"200 mV AC", {"", ""}}},
-                   2);
+        ExpectRows(board, {{"200 mV AC", {"g", "k"}},
+                           {"2 V AC", {"g", "j"}},
+                           {"20 V AC", {"h", "k"}},
+                           {"200 V AC", {"h", "j"}},
+                           {"660 V AC", {"f", "j"}},
+                           {"2 mA AC", {"e,f", "k"}},
+                           {"20 mA AC", {"d,f", "k"}},
+                           {"200 mA AC", {"c,f", "k"}},
+                           {"5 A AC", {"a,b,f", "m"}},
+                           {"600 V AC", {"f", "j"}},
+                           {"200 mV AC", {}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfAc3)
 {
-    ExpectRows(kAc3,
-               {{"200 mV AC", {"j", ""}},
-                {"2 V AC", {"g,h", "c"}},
-                {"20 V AC", {"i", "c"}},
-                {"200 V AC", {"k", "c"}},
-                {"660 V AC", {"", ""}},
-                {"2 mA AC", {"l,k", ""}},
-                {"20 mA AC", {"m", "b"}},
-                {"200 mA AC", {"m", "a"}},
-                {"5 A AC", {"m", "c,d,e"}},
-                {"600 V AC", {"m", "c"}},
-                {"200 mV AC", {"j", "f"}}},
-               2);
+    ExpectRows(kAc3, {{"200 mV AC", {"j", ""}},
+                      {"2 V AC", {"g,h", "c"}},
+                      {"20 V AC", {"i", "c"}},
+                      {"200 V AC", {"k", "c"}},
+                      {"660 V AC", {}},
+                      {"2 mA AC", {"l,k", ""}},
+                      {"20 mA AC", {"m", "b"}},
+                      {"200 mA AC", {"m", "a"}},
+                      {"5 A AC", {"m", "c,d,e"}},
+                      {"600 V AC", {"m", "c"}},
+                      {"200 mV AC", {"j", "f"}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfLc)
 {
-    ExpectRows(kLc, {{"20 mV", {"e"}}, {"50 mV", {"a"}}, {"100 mV", {"b"}}, {"250 mV", {"c"}}, {"500 mV", {"d"}}}, 1);
+    ExpectRows(kLc, {{"20 mV", {"e"}}, {"50 mV", {"a"}}, {"100 mV", {"b"}}, {"250 mV", {"c"}}, {"500 mV", {"d"}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfTemp)
 {
-    ExpectRows(kTemp,
-               {{"J,K,E,N", {"e", "", ""}},
-                {"T,R,S", {"f", "", ""}},
-                {"J,K,E,N °F", {"e", "", ""}},
-                {"J,K,E,N °C", {"e", "", ""}},
-                {"T,R,S °F", {"f", "", ""}},
-                {"T,R,S °C", {"f", "", ""}},
-                {"Upscale", {"", "c", ""}},
-                {"Downscale", {"", "d", ""}},
-                {"4-wire", {"", "", "b,e"}},
-                {"3-wire", {"", "", "a,e"}}},
-               3);
+    ExpectRows(kTemp, {{"J,K,E,N", {"e", "", ""}},
+                       {"T,R,S", {"f", "", ""}},
+                       {"J,K,E,N °F", {"e", "", ""}},
+                       {"J,K,E,N °C", {"e", "", ""}},
+                       {"T,R,S °F", {"f", "", ""}},
+                       {"T,R,S °C", {"f", "", ""}},
+                       {"Upscale", {"", "c", ""}},
+                       {"Downscale", {"", "d", ""}},
+                       {"4-wire", {"", "", "b,e"}},
+                       {"3-wire", {"", "", "a,e"}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumperOfTc)
 {
-    ExpectRows(kTc,
-               {{"J,K,E,N", {""}},
-                {"T,R,S", {"j"}},
-                {"J,K,E,N °F", {""}},
-                {"J,K,E,N °C", {""}},
-                {"T,R,S °F", {"j"}},
-                {"T,R,S °C", {"j"}},
-                {"Upscale", {""}},
-                {"Downscale", {""}},
-                {"4-wire", {""}},
-                {"3-wire", {""}}},
-               1);
+    ExpectRows(kTc, {{"J,K,E,N", {""}},
+                     {"T,R,S", {"j"}},
+                     {"J,K,E,N °F", {""}},
+                     {"J,K,E,N °C", {""}},
+                     {"T,R,S °F", {"j"}},
+                     {"T,R,S °C", {"j"}},
+                     {"Upscale", {""}},
+                     {"Downscale", {""}},
+                     {"4-wire", {""}},
+                     {"3-wire", {""}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfRtd)
 {
-    ExpectRows(kRtd,
-               {{"4-Wire", {""}},
-                {"DIN385 °F", {"a"}},
-                {"DIN385 °C", {"a"}},
-                {"ANSI3902 °F", {"a"}},
-                {"ANSI3902 °C", {"a"}},
-                {"Ni120 °F", {"a"}},
-                {"Ni120 °C", {"a"}},
-                {"Cu10 °F", {"b"}},
-                {"Cu10 °C", {"b"}},
-                {"20 Ohms", {"b"}},
-                {"200 Ohms", {"c"}},
-                {"2 kOhms", {"d"}},
-                {"20 kOhms", {"e"}},
-                {"200 kOhms", {"f"}}},
-               1);
+    ExpectRows(kRtd, {{"4-Wire", {""}},
+                      {"DIN385 °F", {"a"}},
+                      {"DIN385 °C", {"a"}},
+                      {"ANSI3902 °F", {"a"}},
+                      {"ANSI3902 °C", {"a"}},
+                      {"Ni120 °F", {"a"}},
+                      {"Ni120 °C", {"a"}},
+                      {"Cu10 °F", {"b"}},
+                      {"Cu10 °C", {"b"}},
+                      {"20 Ohms", {"b"}},
+                      {"200 Ohms", {"c"}},
+                      {"2 kOhms", {"d"}},
+                      {"20 kOhms", {"e"}},
+                      {"200 kOhms", {"f"}}});
 }
 
 TEST_F(ConnectionTables, HaveTheJumpersOfVfAndOfTheAnalogBoard)
 {
-    ExpectRows(kVf, {{"VF 4-20 mA", {"b"}}, {"VF 0-1 mA", {"a"}}, {"VF 0-10 V", {""}}}, 1);
-    ExpectRows(kAn, {{"UniPolar", {"a"}}, {"BiPolar", {"b"}}}, 1);
+    ExpectRows(kVf, {{"VF 4-20 mA", {"b"}}, {"VF 0-1 mA", {"a"}}, {"VF 0-10 V", {""}}});
+    ExpectRows(kAn, {{"UniPolar", {"a"}}, {"BiPolar", {"b"}}});
 }
 
 TEST_F(ConnectionTables, HaveNothingForAnUnknownBoard)

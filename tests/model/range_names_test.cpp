@@ -234,3 +234,13 @@ TEST_F(RangeNames, GiveTheRtdTestPoints)
     EXPECT_EQ(RtdSimValue(-1), "0 V");
     EXPECT_EQ(RtdSimTemperature(-1), "0.0");
 }
+
+TEST_F(RangeNames, AValueIsWrittenWithTheUnitsThatPeopleWrite)
+{
+    EXPECT_EQ(ValueAsWritten("100 KOHM"), "100 kOhm");
+    EXPECT_EQ(ValueAsWritten("345.28 OHM"), "345.28 Ohm");
+    EXPECT_EQ(ValueAsWritten("0 CEL"), "0 °C");
+    EXPECT_EQ(ValueAsWritten("-32 FAR"), "-32 °F");
+    for (const char *value : {"17.475 mV", "2 V", "5 A", "20 mA", "2 V, 300 Hz", ""})
+        EXPECT_EQ(ValueAsWritten(value), value);
+}

@@ -9,7 +9,6 @@
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
-#include <QPalette>
 
 #include <algorithm>
 #include <cmath>
@@ -41,11 +40,11 @@ QImage Picture(int kind, double scale, const QFont &font)
 {
     QImage image(ConnectorSize(kind, QFontMetrics(font)) * scale, QImage::Format_RGB32);
     image.setDevicePixelRatio(scale);
-    image.fill(InkOf(QPalette()).paper);
+    image.fill(Ink().paper);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(font);
-    PaintConnector(painter, kind, QPalette());
+    PaintConnector(painter, kind);
     return image;
 }
 
@@ -56,7 +55,7 @@ QColor At(const QImage &image, const QPointF &point)
 
 QColor ColourOf(char polarity)
 {
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     return polarity == '+' ? ink.plus : polarity == '-' ? ink.line : ink.paper;
 }
 
@@ -127,7 +126,7 @@ TEST(ConnectorPicture, AWireLeavesEachUsedPlaceAndNoOther)
 
 std::vector<PaintedText> TextsOf(int kind)
 {
-    return TextsPaintedBy([&](QPainter &painter) { PaintConnector(painter, kind, QPalette()); }, QApplication::font());
+    return TextsPaintedBy([&](QPainter &painter) { PaintConnector(painter, kind); }, QApplication::font());
 }
 
 // The word that the box writes at the end of a place's wire, "" for none.
@@ -188,7 +187,7 @@ TEST(ConnectorPicture, TheSourceSaysWhatItGives)
 int LongestStroke(const QImage &image)
 {
     const QFontMetrics metrics(QApplication::font());
-    const QColor line = InkOf(QPalette()).line;
+    const QColor line = Ink().line;
     int longest = 0;
     for (int y = 0; y < image.height(); y++) {
         int run = 0;
@@ -214,7 +213,7 @@ int BoxesBetween(const QImage &image, int upperPlace)
     const QFontMetrics metrics(QApplication::font());
     const QRectF upper = TerminalOf(upperPlace, metrics);
     const double y = TerminalOf(upperPlace + 1, metrics).center().y() - 6;  // off the wires
-    const QColor paper = InkOf(QPalette()).paper;
+    const QColor paper = Ink().paper;
     int boxes = 0;
     bool onPaper = true;
     for (double x = upper.right() + 8; x < image.width() / image.devicePixelRatio() - 1; x += 0.5) {
@@ -239,7 +238,7 @@ TEST(ConnectorPicture, ExcitationHasABoxOfItsOwn)
 TEST(ConnectorPicture, AResistanceIsOneBoxForItsFourWires)
 {
     const QFontMetrics metrics(QApplication::font());
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     const QImage image = Picture(10, 2, QApplication::font());
     const double x = ConnectorSize(10, metrics).width() - 14;
     for (double y = TerminalOf(0, metrics).center().y(); y <= TerminalOf(3, metrics).center().y(); y += 0.5)
@@ -249,7 +248,7 @@ TEST(ConnectorPicture, AResistanceIsOneBoxForItsFourWires)
 TEST(ConnectorPicture, TheExcitationOfARatioStandsAtTheRightEdge)
 {
     const QFontMetrics metrics(QApplication::font());
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     const QImage image = Picture(4, 2, QApplication::font());
     const double x = ConnectorSize(4, metrics).width() - 11;
     EXPECT_EQ(At(image, QPointF(x, TerminalOf(0, metrics).center().y() - 7)), ink.body);

@@ -10,12 +10,14 @@
 
 #include <gtest/gtest.h>
 
+#include <QApplication>
 #include <QFontInfo>
 #include <QFontMetrics>
 #include <QFrame>
 #include <QImage>
 #include <QLabel>
-#include <QLayout>
+#include <QScrollArea>
+#include <QScrollBar>
 #include <QWidget>
 
 #include <algorithm>
@@ -23,6 +25,7 @@
 #include <map>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace ombrix {
@@ -154,12 +157,22 @@ protected:
     void SetUp() override
     {
         InitSessionState();
-        column = std::make_unique<QWidget>();
-        BuildDiagrams(column.get());
+        FillDiagramHooks();
+        MakeColumn();
         CurrentStepId = Step::Range2V;
     }
 
-    void TearDown() override { InitSessionState(); }
+    void TearDown() override
+    {
+        frameHooks = FrameHooks();
+        InitSessionState();
+    }
+
+    void MakeColumn()
+    {
+        column = std::make_unique<QWidget>();
+        BuildDiagrams(column.get());
+    }
 
     template <class Widget = QWidget> Widget *Find(const std::string &name)
     {
@@ -184,11 +197,40 @@ protected:
         return found;
     }
 
-    std::string Show(int board, int row, int step = Step::Range2V)
+    void Show(int board, int row, int step = Step::Range2V)
     {
         SCType = board;
         CurrentStepId = step;
-        return ShowConnectionDiagram(row);
+        ShowConnectionDiagram(row);
+    }
+
+    // Everything at its place in a column of that size, as on the screen.
+    void LayOut(int width, int height)
+    {
+        column->resize(width, height);
+        column->show();
+        for (int round = 0; round < 3; round++)
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+    }
+
+    QImage Picture(double scale = 1)
+    {
+        QImage image(column->size() * scale, QImage::Format_RGB32);
+        image.setDevicePixelRatio(scale);
+        column->render(&image);
+        return image;
+    }
+
+    // The cards in sight, as they stand in the column.
+    std::vector<QRect> Cards()
+    {
+        std::vector<QRect> found;
+        for (auto *card : Find("fraDiagramCards")->findChildren<QFrame *>()) {
+            const bool block = card->objectName().startsWith("fraJumperBlock");
+            if ((block || card->objectName() == "fraInputsCard") && card->isVisibleTo(column.get()))
+                found.emplace_back(card->mapTo(column.get(), QPoint()), card->size());
+        }
+        return found;
     }
 
     void ExpectConnector(int kind)
@@ -258,17 +300,111 @@ TEST_F(Diagrams, PlaceOneIsHiddenOnTheDcRatioWhateverWasShownBefore)
 
 TEST_F(Diagrams, WidthOfTheInputsFollowsTheKind)
 {
-    Show(kDc, 0);
-    const int narrow = Find("fraInputs")->width();
-    const auto expectWidth = [&](int units) { EXPECT_EQ(Find("fraInputs")->width() * 1400, narrow * units); };
-    for (const Range &range : kRanges) {
-        Show(range.board, range.row);
-        expectWidth(kConnectors.at(range.kind).units);
+    const auto expectWidth = [this](int board, int row, int step, int units) {
+        Show(board, row, step);
+        LayOut(420, 800);
+        EXPECT_NEAR(Find("fraInputs")->width(), Find("fraInputsCard")->contentsRect().width() * units / 2000.0, 1.0);
+    };
+    for (const Range &range : {kRanges[0], kRanges[13], kRanges[60]})
+        expectWidth(range.board, range.row, Step::Range2V, kConnectors.at(range.kind).units);
+    expectWidth(kDc, 0, Step::Ratio, 2000);
+    expectWidth(kLc, 0, Step::Ratio, 2000);
+    expectWidth(kTemp, 8, Step::RtdCurrent, 1700);
+}
+
+TEST_F(Diagrams, CardsHaveOneWidthWhateverTheyShow)
+{
+    for (const int width : {280, 340, 420}) {
+        int cards = 0;
+        for (const Range &range : kRanges) {
+            Show(range.board, range.row);
+            LayOut(width, 800);
+            for (const QRect &card : Cards()) {
+                EXPECT_EQ(card.width(), std::min(width, 402)) << range.board << " row " << range.row;
+                cards++;
+            }
+        }
+        EXPECT_EQ(cards, 2 * static_cast<int>(std::size(kRanges)));
     }
-    Show(kDc, 0, Step::Ratio);
-    expectWidth(2000);
-    Show(kLc, 0, Step::Ratio);
-    expectWidth(2000);
+}
+
+TEST_F(Diagrams, PicturesAndTheirTextsGrowWithTheColumn)
+{
+    Show(kDc, 8);
+    LayOut(280, 800);
+    const auto *canvas = static_cast<Canvas *>(Find("imgDCE2"));
+    const double zoom = canvas->Zoom();
+    const double points = Find("lblJmprE(1)")->font().pointSizeF();
+    const double caption = Find("lblRange(0)")->font().pointSizeF();
+    LayOut(420, 800);
+    EXPECT_NEAR(canvas->Zoom() / zoom, 400.0 / 278.0, 0.01);
+    EXPECT_NEAR(Find("lblJmprE(1)")->font().pointSizeF() / points, 400.0 / 278.0, 0.01);
+    EXPECT_NEAR(Find("lblRange(0)")->font().pointSizeF() / caption, 400.0 / 278.0, 0.01);
+}
+
+TEST_F(Diagrams, ALowWindowScrollsThemAndCutsNothing)
+{
+    Show(kDc, 8);
+    LayOut(280, 200);
+    EXPECT_LE(column->minimumSizeHint().height(), 200);
+    auto *cards = Find<QScrollArea>("fraDiagramCards");
+    EXPECT_GT(cards->verticalScrollBar()->maximum(), 0);
+    for (const QRect &card : Cards()) {
+        EXPECT_GE(card.width(), 260);
+        EXPECT_LE(card.right(), cards->viewport()->width());
+    }
+    EXPECT_GE(static_cast<Canvas *>(Find("imgDCE2"))->Zoom(), 1.0);
+}
+
+TEST_F(Diagrams, TakeNoRoomWhileNothingIsShown)
+{
+    EXPECT_EQ(column->sizeHint().width(), 0);
+    Show(kDc, 0);
+    EXPECT_GE(column->sizeHint().width(), 400);
+    EXPECT_GE(column->minimumSizeHint().width(), 260);
+    EXPECT_LE(column->minimumSizeHint().width(), 280);
+    HideConnectionDiagram();
+    EXPECT_EQ(column->sizeHint().width(), 0);
+}
+
+// The pictures in sight over which stands that no jumper is to be set.
+std::vector<std::string> BarePictures(QWidget *column)
+{
+    std::vector<std::string> found;
+    for (const QLabel *label : column->findChildren<QLabel *>()) {
+        if (label->text() == "no jumper" && label->isVisibleTo(column))
+            found.push_back(label->parentWidget()->objectName().toStdString());
+    }
+    return found;
+}
+
+TEST_F(Diagrams, ARowWithoutAJumperSaysSo)
+{
+    using Names = std::vector<std::string>;
+    const auto bare = [this](int board, int row) {
+        Show(board, row);
+        return BarePictures(column.get());
+    };
+    EXPECT_EQ(bare(kRtd, 0), Names{"imgRTD"});
+    EXPECT_EQ(bare(kVf, 2), Names{"imgVF"});
+    EXPECT_EQ(bare(kAc3, 0), Names{"imgAC3E2"});
+    EXPECT_EQ(bare(kAc3, 5), Names{"imgAC3E2"});
+    for (const int row : {0, 2, 3, 6, 9})
+        EXPECT_EQ(bare(kTc, row), Names{"imgTC"}) << row;
+    for (const int row : {1, 4, 5})
+        EXPECT_EQ(bare(kTc, row), Names()) << row;
+    for (const int board : {kDc, kAc, kTemp, kLc})
+        EXPECT_EQ(bare(board, 0), Names()) << board;
+}
+
+TEST_F(Diagrams, NothingIsSaidOfTheJumpersOfARowThatIsNoRangeOfTheBoard)
+{
+    Show(kAc3, 4);
+    EXPECT_TRUE(BarePictures(column.get()).empty());
+    Show(kAc2, 10);
+    EXPECT_TRUE(BarePictures(column.get()).empty());
+    Show(kVf, 3);
+    EXPECT_TRUE(BarePictures(column.get()).empty());
 }
 
 TEST_F(Diagrams, ARowBelowZeroShowsNothing)
@@ -277,7 +413,7 @@ TEST_F(Diagrams, ARowBelowZeroShowsNothing)
         CalibTab = tab;
         Show(kDc, 0);
         EXPECT_EQ(BlockInSight(), 0);
-        EXPECT_EQ(Show(kDc, -1), "");
+        Show(kDc, -1);
         EXPECT_FALSE(Shown("fraInputs"));
         EXPECT_EQ(BlockInSight(), -1);
     }
@@ -367,14 +503,14 @@ const PictureOf kPictures[] = {
 // them are filled.
 int ExpectPicture(QWidget *column, const QImage &image, const PictureOf &picture, const std::string &told)
 {
-    auto *canvas = column->findChild<QWidget *>(picture.name);
-    const QColor accent = InkOf(column->palette()).accent;
+    const auto *canvas = static_cast<Canvas *>(column->findChild<QWidget *>(picture.name));
+    const QColor accent = Ink().accent;
     int filled = 0;
     for (const char letter : picture.row.positions) {
         if (letter == ' ')
             continue;
         const QPointF centre = CapOf(picture.row, letter, canvas->fontMetrics()).center();
-        const QPointF place = (canvas->mapTo(column, QPoint()) + centre) * image.devicePixelRatio();
+        const QPointF place = (canvas->mapTo(column, QPoint()) + canvas->Shown(centre)) * image.devicePixelRatio();
         const bool set = told.find(letter) != std::string::npos;
         EXPECT_EQ(image.pixelColor(place.toPoint()) == accent, set) << picture.name << " " << letter;
         filled += set ? 1 : 0;
@@ -389,14 +525,13 @@ int CountLetters(const std::string &told)
 
 TEST_F(Diagrams, EveryRangeIsDrawnWithItsPositionsFilledAndNoOther)
 {
-    column->resize(280, 500);
-    for (const double scale : {1.0, 1.25, 2.0}) {
+    const std::pair<int, double> sizes[] = {{280, 1.0}, {330, 1.25}, {420, 2.0}};
+    for (const auto &[width, scale] : sizes) {
         for (const Range &range : kRanges) {
             SCOPED_TRACE(std::to_string(range.board) + " row " + std::to_string(range.row));
             Show(range.board, range.row);
-            QImage image(column->size() * scale, QImage::Format_RGB32);
-            image.setDevicePixelRatio(scale);
-            column->render(&image);
+            LayOut(width, 800);
+            const QImage image = Picture(scale);
             for (const PictureOf &picture : kPictures) {
                 if (picture.board != range.board)
                     continue;
@@ -411,18 +546,34 @@ TEST_F(Diagrams, EveryRangeIsDrawnWithItsPositionsFilledAndNoOther)
 
 TEST_F(Diagrams, EveryRangeIsDrawnWithItsPlacesFilledAndNoOther)
 {
-    column->resize(280, 500);
-    auto *canvas = Find("imgInputs");
-    const QColor paper = InkOf(column->palette()).paper;
+    const auto *canvas = static_cast<Canvas *>(Find("imgInputs"));
+    const QColor paper = Ink().paper;
     for (const Range &range : kRanges) {
         Show(range.board, range.row);
-        QImage image(column->size(), QImage::Format_RGB32);
-        column->render(&image);
+        LayOut(350, 800);
+        const QImage image = Picture();
         for (int place = 0; place < kPlaces; place++) {
             const QPointF beside = TerminalOf(place, canvas->fontMetrics()).center() + QPointF(3, 3);  // off the slot
-            const QPoint point = (canvas->mapTo(column.get(), QPoint()) + beside).toPoint();
+            const QPoint point = (canvas->mapTo(column.get(), QPoint()) + canvas->Shown(beside)).toPoint();
             EXPECT_EQ(image.pixelColor(point) != paper, !kConnectors.at(range.kind).pins[place].empty())
                 << range.board << " row " << range.row << " place " << place;
+        }
+    }
+}
+
+TEST_F(Diagrams, EachTextHasItsRoomInEveryWidth)
+{
+    for (const int width : {280, 300, 360, 420}) {
+        for (const Range &range : kRanges) {
+            Show(range.board, range.row);
+            LayOut(width, 800);
+            for (const QLabel *label : column->findChildren<QLabel *>()) {
+                if (!label->isVisible())
+                    continue;
+                EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString() << " at " << width;
+                EXPECT_TRUE(label->parentWidget()->rect().contains(label->geometry()))
+                    << label->text().toStdString() << " at " << width;
+            }
         }
     }
 }
@@ -442,26 +593,64 @@ TEST_F(Diagrams, AnOldWindowIsStillDrawnAfterANewOneIsMade)
 TEST_F(Diagrams, ALabelStandsOverThePositionOfItsFirstLetter)
 {
     Show(kDc, 5);
-    auto *label = Find<QLabel>("lblJmprE(1)");
-    const JumperRow row{"abcde fgh", 1, "e,g"};
-    const QFontMetrics metrics = label->fontMetrics();
-    const double letter = label->x() + metrics.horizontalAdvance("(") + metrics.horizontalAdvance("e") / 2.0;
-    EXPECT_NEAR(letter, CapOf(row, 'e', Find("imgDCE2")->fontMetrics()).center().x(), 2.0);
+    for (const int width : {280, 420}) {
+        LayOut(width, 800);
+        auto *label = Find<QLabel>("lblJmprE(1)");
+        const auto *canvas = static_cast<Canvas *>(Find("imgDCE2"));
+        const QFontMetrics metrics = label->fontMetrics();
+        const double text = label->geometry().center().x() - metrics.horizontalAdvance("(e,g)") / 2.0;
+        const double letter = text + metrics.horizontalAdvance("(") + metrics.horizontalAdvance("e") / 2.0;
+        const JumperRow row{"abcde fgh", 1, "e,g"};
+        EXPECT_NEAR(letter, canvas->Shown(CapOf(row, 'e', canvas->fontMetrics()).center()).x(), 2.0) << width;
+    }
 }
 
-TEST_F(Diagrams, StandOnPaperInAReadableFont)
+// What the program does with its theme, for as long as it lives.
+class Themed
 {
-    column->setFont(QFont(column->font().family(), 5));
-    auto other = std::make_unique<QWidget>();
-    other->setFont(QFont(column->font().family(), 5));
-    BuildDiagrams(other.get());
-    column = std::move(other);
+public:
+    explicit Themed(const QPalette &palette) { QApplication::setPalette(palette); }
+    Themed(const Themed &) = delete;
+    Themed &operator=(const Themed &) = delete;
+    ~Themed() { QApplication::setPalette(m_before); }
+
+private:
+    QPalette m_before = QApplication::palette();
+};
+
+TEST_F(Diagrams, StayOnLightPaperInADarkTheme)
+{
     Show(kRtd, 1);
-    for (const char *name : {"fraInputs", "fraJumperBlock(8)"}) {
-        const QImage image = Find(name)->grab().toImage();
-        EXPECT_EQ(image.pixelColor(3, image.height() - 4), column->palette().color(QPalette::Base)) << name;
-    }
-    for (const char *name : {"lblInp(2)", "lblJmprRTD", "imgRTD", "imgInputs"})
+    LayOut(280, 800);
+    const auto cards = [this] {
+        std::vector<QImage> pictures;
+        const QImage image = Picture();
+        for (const QRect &card : Cards())
+            pictures.push_back(image.copy(card.adjusted(2, 2, -2, -2)));  // inside the line, which is the theme's
+        return pictures;
+    };
+    const std::vector<QImage> light = cards();
+    ASSERT_EQ(light.size(), 2u);
+    for (const QImage &card : light)
+        EXPECT_EQ(card.pixelColor(1, card.height() - 2), Ink().paper);
+
+    const Themed dark(QPalette(QColor(62, 62, 66), QColor(40, 40, 43)));
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(cards(), light);
+    MakeColumn();  // one that is made in the dark
+    Show(kRtd, 1);
+    LayOut(280, 800);
+    EXPECT_EQ(cards(), light);
+}
+
+TEST_F(Diagrams, AreReadableInATinyFont)
+{
+    column = std::make_unique<QWidget>();
+    column->setFont(QFont(column->font().family(), 5));
+    BuildDiagrams(column.get());
+    Show(kRtd, 1);
+    LayOut(280, 800);
+    for (const char *name : {"lblInp(2)", "lblJmprRTD", "imgRTD", "imgInputs", "lblRange(8)"})
         EXPECT_GE(QFontInfo(Find(name)->font()).pointSizeF(), 8.8) << name;
 }
 
@@ -469,25 +658,24 @@ TEST_F(Diagrams, EveryRangeFitsTheColumn)
 {
     for (const Range &range : kRanges) {
         Show(range.board, range.row);
-        column->layout()->activate();
-        EXPECT_LE(column->minimumSizeHint().width(), 280) << range.board << " row " << range.row;
-        EXPECT_LE(column->minimumSizeHint().height(), 500) << range.board << " row " << range.row;
+        LayOut(280, 500);
+        EXPECT_EQ(Find<QScrollArea>("fraDiagramCards")->verticalScrollBar()->maximum(), 0)
+            << range.board << " row " << range.row;
     }
 }
 
-TEST_F(Diagrams, WithoutAWindowNothingIsDrawnAndTheCableIsStillTold)
+TEST_F(Diagrams, WithoutAWindowNothingIsDrawn)
 {
     column.reset();
-    EXPECT_NE(Show(kAc3, 0), "");
-    EXPECT_EQ(Show(kDc, 0), "");
+    Show(kAc3, 0);
     HideConnectionDiagram();
     ShowAnalogDiagram(0, true);
+    EXPECT_NE(CableMessage(0), "");
 }
 
 TEST_F(Diagrams, ASecondWindowHasDiagramsOfItsOwn)
 {
-    column = std::make_unique<QWidget>();
-    BuildDiagrams(column.get());
+    MakeColumn();
     Show(kRtd, 13);
     EXPECT_EQ(BlockInSight(), 8);
     EXPECT_EQ(Text("lblJmprRTD"), "(f)");
@@ -503,12 +691,26 @@ std::string MessageFor(const std::string &pins, const std::string &signal)
 
 class CableMessages : public Diagrams
 {
+protected:
+    void SetUp() override
+    {
+        Diagrams::SetUp();
+        SCType = kAc3;
+    }
+
+    // A range that is opened in full; what it asked for.
+    static std::string Opens(int row)
+    {
+        std::string message = CableMessage(row);
+        CableConnected(row);
+        return message;
+    }
 };
 
 TEST_F(CableMessages, TheFirstAc3RangeAsksForItsCable)
 {
-    EXPECT_EQ(Show(kAc3, 0), "Verify that the 2-pin cable is connected between\r\n"
-                             "the Calibrator's Voltage pins and the AC board.");
+    EXPECT_EQ(CableMessage(0), "Verify that the 2-pin cable is connected between\r\n"
+                               "the Calibrator's Voltage pins and the AC board.");
 }
 
 TEST_F(CableMessages, EachRowNeedsItsCable)
@@ -518,66 +720,84 @@ TEST_F(CableMessages, EachRowNeedsItsCable)
         {3, MessageFor("4", "Voltage")}, {5, MessageFor("2", "Current")}, {6, MessageFor("2", "Current")},
         {7, MessageFor("2", "Current")}, {8, MessageFor("2", "Current")}, {9, MessageFor("4", "Voltage")},
     };
-    for (const auto &[row, message] : messages) {
-        ForgetCable();
-        EXPECT_EQ(Show(kAc3, row), message) << row;
-    }
+    for (const auto &[row, message] : messages)
+        EXPECT_EQ(CableMessage(row), message) << row;
 }
 
 TEST_F(CableMessages, TwoRangesInARowOnTheSameCableGiveNoSecondCableMessage)
 {
-    EXPECT_EQ(Show(kAc3, 1), MessageFor("4", "Voltage"));
-    EXPECT_EQ(Show(kAc3, 2), "");
-    EXPECT_EQ(Show(kAc3, 9), "");
-    EXPECT_EQ(Show(kAc3, 5), MessageFor("2", "Current"));
-    EXPECT_EQ(Show(kAc3, 8), "");
-    EXPECT_EQ(Show(kAc3, 1), MessageFor("4", "Voltage"));
+    EXPECT_EQ(Opens(1), MessageFor("4", "Voltage"));
+    EXPECT_EQ(Opens(2), "");
+    EXPECT_EQ(Opens(9), "");
+    EXPECT_EQ(Opens(5), MessageFor("2", "Current"));
+    EXPECT_EQ(Opens(8), "");
+    EXPECT_EQ(Opens(1), MessageFor("4", "Voltage"));
+}
+
+TEST_F(CableMessages, ARangeThatWasNotOpenedAsksAgain)
+{
+    EXPECT_EQ(Opens(0), MessageFor("2", "Voltage"));
+    EXPECT_EQ(CableMessage(5), MessageFor("2", "Current"));
+    EXPECT_EQ(CableMessage(5), MessageFor("2", "Current"));
+    EXPECT_EQ(CableMessage(0), "") << "the cable is still the one of the range that was opened";
+}
+
+TEST_F(CableMessages, TheDiagramAsksForNoCable)
+{
+    Show(kAc3, 5);
+    EXPECT_EQ(CableMessage(5), MessageFor("2", "Current"));
+    Opens(5);
+    Show(kAc3, 0);
+    EXPECT_EQ(CableMessage(5), "");
 }
 
 TEST_F(CableMessages, RowsOutsideTheListsGiveNoMessage)
 {
     for (const int row : {-5, -1, 4, 10, 11, 99})
-        EXPECT_EQ(Show(kAc3, row), "") << row;
-    EXPECT_EQ(Show(kAc3, 0), MessageFor("2", "Voltage"));
+        EXPECT_EQ(Opens(row), "") << row;
+    EXPECT_EQ(Opens(0), MessageFor("2", "Voltage"));
     for (const int row : {-1, 4, 10, 99})
-        EXPECT_EQ(Show(kAc3, row), "") << row;
-    EXPECT_EQ(Show(kAc3, 0), "");  // still remembered
+        EXPECT_EQ(Opens(row), "") << row;
+    EXPECT_EQ(Opens(0), "");  // still remembered
 }
 
 TEST_F(CableMessages, OtherBoardsGiveNoneAndLeaveTheMemoryAlone)
 {
-    EXPECT_EQ(Show(kAc3, 0), MessageFor("2", "Voltage"));
-    for (const int board : {kDc, kAc, kLc, kTc, kVf, kAc2, kTemp, kRtd})
-        EXPECT_EQ(Show(board, 1), "") << board;
-    EXPECT_EQ(Show(kAc3, 0), "");
-}
-
-TEST_F(CableMessages, PagesWithoutAPlaceForItLeaveItToTheNextRange)
-{
-    const int silent[] = {Step::FirstCycle, Step::Verify,        Step::ZeroAdjust,
-                          Step::TrimR13R14, Step::MinusGainTrim, Step::TrimR38};
-    for (const int step : silent)
-        EXPECT_EQ(Show(kAc3, 0, step), "") << step;
-    EXPECT_EQ(Show(kAc3, 0, Step::SendFile), MessageFor("2", "Voltage"));
-    EXPECT_EQ(Show(kAc3, 5, Step::Verify), "");
-    EXPECT_EQ(Show(kAc3, 0, Step::Gnd), "");
+    EXPECT_EQ(Opens(0), MessageFor("2", "Voltage"));
+    for (const int board : {kDc, kAc, kLc, kTc, kVf, kAc2, kTemp, kRtd}) {
+        SCType = board;
+        EXPECT_EQ(Opens(1), "") << board;
+    }
+    SCType = kAc3;
+    EXPECT_EQ(Opens(0), "");
 }
 
 TEST_F(CableMessages, TheAnalogTabGivesNoneAndLeavesTheMemoryAlone)
 {
     CalibTab = kTabAnaCal;
-    EXPECT_EQ(Show(kAc3, 0), "");
+    EXPECT_EQ(Opens(0), "");
     CalibTab = kTabAc;
-    EXPECT_NE(Show(kAc3, 0), "");
+    EXPECT_NE(Opens(0), "");
 }
 
 TEST_F(CableMessages, ANewWindowAsksAnew)
 {
-    EXPECT_NE(Show(kAc3, 0), "");
-    column = std::make_unique<QWidget>();
-    BuildDiagrams(column.get());
-    EXPECT_NE(Show(kAc3, 0), "");
-    EXPECT_EQ(Show(kAc3, 0), "");
+    EXPECT_NE(Opens(0), "");
+    MakeColumn();
+    EXPECT_NE(Opens(0), "");
+    EXPECT_EQ(Opens(0), "");
+}
+
+TEST(DiagramHooks, DoNothingUntilTheyAreFilled)
+{
+    ASSERT_EQ(SCType, -1);
+    SCType = kAc3;
+    ShowConnectionDiagram(0);
+    ShowAnalogDiagram(0, true);
+    HideConnectionDiagram();
+    CableConnected(0);
+    EXPECT_EQ(CableMessage(0), "");
+    InitSessionState();
 }
 
 }  // namespace

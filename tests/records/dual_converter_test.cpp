@@ -12,16 +12,18 @@
 namespace ombrix {
 namespace {
 
+constexpr int kRoom = 260;
+
 TEST(DualConverter, IsBuiltHidden)
 {
     QWidget window;
-    EXPECT_TRUE(BuildDualConverter(&window)->isHidden());
+    EXPECT_TRUE(BuildDualConverter(&window, kRoom)->isHidden());
 }
 
 TEST(DualConverter, CarriesTheTitlesAndPinsOfBothConnectors)
 {
     QWidget window;
-    const QWidget *box = BuildDualConverter(&window);
+    const QWidget *box = BuildDualConverter(&window, kRoom);
     const char *titles[] = {"DAC1", "DAC2", "Dual DAC"};
     for (int i = 0; i < 3; i++)
         EXPECT_EQ(box->findChild<QLabel *>(QString("lblDAC(%1)").arg(i))->text(), titles[i]);
@@ -33,16 +35,31 @@ TEST(DualConverter, CarriesTheTitlesAndPinsOfBothConnectors)
 TEST(DualConverter, DrawsAScrewBesideEachPin)
 {
     QWidget window;
-    QWidget *box = BuildDualConverter(&window);
-    box->resize(box->sizeHint());
-    const QImage image = box->grab().toImage();
-    const QColor ink = InkOf(box->palette()).line;
-    for (int i = 0; i < 5; i++) {
-        const auto *label = box->findChild<QLabel *>(QString("lblDACPin(%1)").arg(i));
-        const auto *screw = box->findChild<QWidget *>(QString("imgDACPin(%1)").arg(i));
-        EXPECT_LT(label->geometry().right(), screw->geometry().left()) << i;
-        EXPECT_NEAR(label->geometry().center().y(), screw->geometry().center().y(), 1) << i;
-        EXPECT_EQ(image.pixelColor(screw->mapTo(box, QPoint(11, 11))), ink) << i;
+    Canvas *box = BuildDualConverter(&window, kRoom);
+    for (const double zoom : {1.0, 1.5}) {
+        box->resize(box->minimumSizeHint() * zoom);
+        const QImage image = box->grab().toImage();
+        for (int i = 0; i < kDualPins; i++) {
+            const auto *label = box->findChild<QLabel *>(QString("lblDACPin(%1)").arg(i));
+            const QPointF screw = box->Shown(DualScrew(i, kRoom, box->fontMetrics()).center());
+            EXPECT_LT(label->geometry().right(), screw.x()) << i;
+            EXPECT_NEAR(label->geometry().center().y(), screw.y(), 1) << i;
+            EXPECT_EQ(image.pixelColor((screw + QPointF(3, 3) * zoom).toPoint()), Ink().line) << i;
+        }
+    }
+}
+
+TEST(DualConverter, EachTextHasItsRoom)
+{
+    QWidget window;
+    Canvas *box = BuildDualConverter(&window, kRoom);
+    for (const double zoom : {1.0, 1.25, 1.54}) {
+        box->resize(box->minimumSizeHint() * zoom);
+        box->grab();
+        for (const QLabel *label : box->findChildren<QLabel *>()) {
+            EXPECT_GE(label->width(), label->sizeHint().width()) << label->text().toStdString();
+            EXPECT_TRUE(box->rect().contains(label->geometry())) << label->text().toStdString();
+        }
     }
 }
 

@@ -9,7 +9,6 @@
 #include <QFontMetrics>
 #include <QImage>
 #include <QPainter>
-#include <QPalette>
 
 #include <string>
 
@@ -24,14 +23,14 @@ QFontMetrics Metrics()
 QImage Picture(const JumperRow &row, double scale)
 {
     const QSize size = JumperRowSize(row, Metrics());
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     QImage image(size * scale, QImage::Format_RGB32);
     image.setDevicePixelRatio(scale);
     image.fill(ink.paper);
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setFont(QApplication::font());
-    PaintJumperRow(painter, row, QPalette());
+    PaintJumperRow(painter, row);
     return image;
 }
 
@@ -112,7 +111,7 @@ TEST(JumperRowPicture, FillsThePositionsToSetAndNoOther)
 {
     const JumperRow rows[] = {
         {"abcde fgh", 1, "a,b,g"}, {"AB", 3, "B"}, {"jkm", 1, "m"}, {"ghijklm", 1, "l,k"}, {"ab", 1, ""}};
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     for (const JumperRow &row : rows) {
         for (const double scale : {1.0, 1.25, 2.0}) {
             const QImage image = Picture(row, scale);
@@ -132,10 +131,10 @@ TEST(JumperRowPicture, FillsThePositionsToSetAndNoOther)
 
 TEST(JumperRowPicture, WritesEachLetterUnderItsPosition)
 {
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     for (const JumperRow &row : {JumperRow{"abcde fgh", 1, "a,b,g"}, JumperRow{"AB", 3, "B"}, JumperRow{"ab", 1, ""}}) {
         std::string written;
-        const auto paint = [&](QPainter &painter) { PaintJumperRow(painter, row, QPalette()); };
+        const auto paint = [&](QPainter &painter) { PaintJumperRow(painter, row); };
         for (const PaintedText &letter : TextsPaintedBy(paint, QApplication::font())) {
             ASSERT_EQ(letter.text.size(), 1u);
             const bool set = row.set.find(letter.text) != std::string::npos;
@@ -151,7 +150,7 @@ TEST(JumperRowPicture, WritesEachLetterUnderItsPosition)
 
 TEST(JumperRowPicture, ShowsThePinsThroughTheCap)
 {
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     const JumperRow row{"ab", 1, "b"};
     const QImage image = Picture(row, 2);
     for (const char letter : row.positions) {
@@ -165,7 +164,7 @@ TEST(JumperRowPicture, ShowsThePinsThroughTheCap)
 
 TEST(JumperRowPicture, ABracketJoinsThePositionsToSet)
 {
-    const Ink ink = InkOf(QPalette());
+    const Ink ink;
     const JumperRow row{"abcdef", 1, "b,e"};
     const QPointF between(CapOf(row, 'c', Metrics()).center().x(), Metrics().height() + 2);
     EXPECT_EQ(At(Picture(row, 2), between), ink.accent);
