@@ -1,7 +1,9 @@
 #include "records/diagrams.h"
 
 #include "model/connection_tables.h"
+#include "records/cable.h"
 #include "records/connector_drawing.h"
+#include "records/diagram_cards.h"
 #include "records/diagram_painting.h"
 #include "records/dual_converter.h"
 #include "records/jumper_drawing.h"
@@ -28,7 +30,6 @@ namespace {
 
 constexpr int kAnalogBlock = 5;
 constexpr int kFirstDrawnKind = 2;  // 0 and 1 have no drawing
-constexpr int kCardEdge = 6;        // free above and below what a card shows
 
 // The rows of positions on each block. A block's labels take its letters in the order in which they stand here.
 struct BlockRow {
@@ -82,83 +83,10 @@ Inputs inputs;
 std::array<Block, kJumperBlocks> blocks;
 Canvas *dualConverter = nullptr;
 
-Cable lastCable;
-
-// ---- the cards ----
-
-// Inside the line of a card: the widest input connector fills it.
-int CardRoom(const QFontMetrics &metrics)
-{
-    constexpr int kWidest = 9;
-    return InputsWidth(kWidest, metrics);
-}
-
-// A card of paper, as wide as the column within its limits.
-QFrame *Card(QWidget *parent, const QString &name)
-{
-    QFrame *card = Shape(parent, name);
-    card->setPalette(PaperPalette());
-    card->setAutoFillBackground(true);
-    card->setFont(ReadableFont(parent->font()));
-    const int line = 2 * card->frameWidth();
-    const int room = CardRoom(card->fontMetrics());
-    card->setMinimumWidth(room + line);
-    card->setMaximumWidth(static_cast<int>(room * kLargestZoom) + line);
-    card->hide();
-    parent->layout()->addWidget(card);
-    return card;
-}
-
-QVBoxLayout *Stack(QFrame *frame, int edge)
-{
-    auto *layout = new QVBoxLayout(frame);
-    layout->setContentsMargins(0, edge, 0, edge);
-    layout->setSpacing(4);
-    return layout;
-}
-
-QFont BoldFont(const QFont &font)
-{
-    QFont bold = font;
-    bold.setBold(true);
-    return bold;
-}
-
-QLabel *PaperLabel(QWidget *parent, const QString &name)
-{
-    QLabel *label = Label(parent, name);
-    label->setAlignment(Qt::AlignCenter);
-    return label;
-}
-
-QLabel *BoldLabel(QWidget *parent, const QString &name)
-{
-    QLabel *label = PaperLabel(parent, name);
-    label->setFont(BoldFont(label->font()));
-    return label;
-}
-
-// A caption over the whole width of what stands below it.
-QLabel *AddHeading(QFrame *frame, const QString &name)
-{
-    auto *heading = new Canvas(frame, "img" + name);
-    frame->layout()->addWidget(heading);
-    return BoldLabel(heading, name);
-}
-
-void ShowHeading(QLabel *caption, const std::string &text, int room)
-{
-    auto *heading = static_cast<Canvas *>(caption->parentWidget());
-    const QSize size(room, heading->fontMetrics().height() + 2);
-    heading->Show(size, room, {});
-    heading->Place(caption, QRectF(QPointF(), size));
-    caption->setText(Caption(text));
-}
-
 void BuildInputs(QWidget *parent)
 {
     inputs = Inputs();
-    inputs.card = Card(parent, "fraInputsCard");
+    inputs.card = AddCard(parent, "fraInputsCard");
     auto *row = new QHBoxLayout(inputs.card);
     row->setContentsMargins(0, kCardEdge, 0, kCardEdge);
     row->setSpacing(0);
@@ -197,34 +125,13 @@ void BuildBlock(QWidget *parent, int index)
 {
     Block &block = blocks[index];
     block = Block();
-    block.frame = Card(parent, Indexed("fraJumperBlock", index));
+    block.frame = AddCard(parent, Indexed("fraJumperBlock", index));
     Stack(block.frame, kCardEdge);
     block.caption = AddHeading(block.frame, Indexed("lblRange", index));
     for (const BlockRow &row : kBlockRows) {
         if (row.block == index)
             BuildPicture(block, row);
     }
-}
-
-// The cards scroll where the window is too low for them.
-QWidget *BuildCards(QWidget *parent)
-{
-    auto *layout = new QVBoxLayout(parent);
-    layout->setContentsMargins(0, 0, 0, 0);
-    cards = new QScrollArea(parent);
-    cards->setObjectName("fraDiagramCards");
-    cards->setFrameShape(QFrame::NoFrame);
-    cards->setFocusPolicy(Qt::NoFocus);
-    cards->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    cards->setWidgetResizable(true);
-    auto *list = new QWidget;
-    auto *stack = new QVBoxLayout(list);
-    stack->setContentsMargins(0, 0, 0, 0);
-    stack->setSpacing(8);
-    cards->setWidget(list);
-    layout->addWidget(cards);
-    cards->hide();
-    return list;
 }
 
 // ---- what they show ----
@@ -339,27 +246,6 @@ void ShowAnalog(int row, bool dual)
     ShowBlock(kAnalogBlock, RangeCaption(kAn, row), JumperLetters(kAn, row));
 }
 
-// The cable of a row of the meter in work, none where the board or the row asks for none.
-Cable CableOf(int row)
-{
-    return SCType == kAc3 && CalibTab != kTabAnaCal ? Ac3Cable(row) : Cable();
-}
-
-std::string MessageOfCable(int row)
-{
-    const Cable needed = CableOf(row);
-    if (needed == Cable() || needed == lastCable)
-        return "";
-    return "Verify that the " + needed.pins + "-pin cable is connected between\r\nthe Calibrator's " + needed.signal +
-           " pins and the AC board.";
-}
-
-void RememberCable(int row)
-{
-    if (const Cable connected = CableOf(row); connected != Cable())
-        lastCable = connected;
-}
-
 }  // namespace
 
 void FillDiagramHooks()
@@ -373,7 +259,8 @@ void FillDiagramHooks()
 
 void BuildDiagrams(QWidget *parent)
 {
-    QWidget *list = BuildCards(parent);
+    cards = BuildCardList(parent);
+    QWidget *list = cards->widget();
     BuildInputs(list);
     for (int index = 0; index < kJumperBlocks; index++)
         BuildBlock(list, index);
@@ -381,9 +268,10 @@ void BuildDiagrams(QWidget *parent)
     dualConverter = BuildDualConverter(analog, CardRoom(analog->fontMetrics()));
     analog->layout()->addWidget(dualConverter);
     static_cast<QVBoxLayout *>(list->layout())->addStretch(1);
+    // A scroll bar narrows the cards, never below their least width.
     cards->setMinimumWidth(analog->minimumWidth() + cards->verticalScrollBar()->sizeHint().width());
     column = parent;
-    lastCable = Cable();
+    ForgetCable();
 }
 
 }  // namespace ombrix
