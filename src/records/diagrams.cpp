@@ -183,7 +183,7 @@ void ShowNone(const Picture &picture, bool none)
 {
     const QFontMetrics metrics = picture.canvas->fontMetrics();
     const double middle = JumperRowSize(picture.row, metrics).width() / 2.0;
-    const double room = CardRoom(metrics);
+    const double room = CardRoom(metrics) - 2;  // what is rounded up stays on the card
     picture.canvas->Place(picture.none, QRectF(middle - room / 2, 0, room, metrics.height()));
     picture.none->setVisible(none);
 }
