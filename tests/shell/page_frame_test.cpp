@@ -69,6 +69,26 @@ TEST_F(PageFrames, ThePageHasTheRoomOfTheDiagramsWhileNoneShows)
     EXPECT_EQ(width(), alone);
 }
 
+TEST_F(PageFrames, TheDiagramsGrowWithTheWindowAndThePageKeepsMore)
+{
+    EstablishSimulated();
+    ShowConnectionDiagram(1);
+    const auto widthIn = [this](int window) {
+        frmOmbrix->resize(window, 800);
+        person.Waits(10);
+        EXPECT_TRUE(person.Runs());
+        const int card = ScriptedOperator::Find("fraJumperBlock(0)")->width();
+        EXPECT_GT(ScriptedOperator::Find("fraPages")->width(), 1.5 * card);
+        return card;
+    };
+    const int small = widthIn(1000);
+    EXPECT_GE(small, 260);
+    EXPECT_LE(small, 300);
+    EXPECT_GT(widthIn(1500), small + 30);
+    EXPECT_EQ(widthIn(1920), 402);
+    EXPECT_EQ(widthIn(1000), small);
+}
+
 TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
 {
     int built = 0;
