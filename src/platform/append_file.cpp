@@ -1,0 +1,120 @@
+#include "platform/append_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+namespace ombrix {
+namespace {
+
+std::function<FileFault(FileCall)> fileFaults;
+
+FileFault FaultOf(FileCall call)
+{
+    return fileFaults ? fileFaults(call) : FileFault();
+}
+
+// True, with errno set, when the call is not to reach the system.
+bool Fails(FileCall call)
+{
+    const int error = FaultOf(call).error;
+    if (error != 0)
+        errno = error;
+    return error != 0;
+}
+
+}  // namespace
+
+void UseFileFaults(std::function<FileFault(FileCall)> faults)
+{
+    fileFaults = std::move(faults);
+}
+
+bool MakeFolder(const std::string &path)
+{
+    if (Fails(FileCall::MakeFolder))
+        return false;
+    return mkdir(path.c_str(), 0777) == 0 || errno == EEXIST;
+}
+
+bool AppendFile::Open(const std::string &path)
+{
+    return OpenWith(path, O_RDWR | O_APPEND | O_CREAT);
+}
+
+bool AppendFile::OpenToRead(const std::string &path)
+{
+    return OpenWith(path, O_RDONLY);
+}
+
+bool AppendFile::OpenWith(const std::string &path, int flags)
+{
+    Close();
+    if (Fails(FileCall::Open))
+        return false;
+    m_handle = open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK, 0666);  // a pipe would wait for its reader
+    struct stat found {
+    };
+    if (m_handle < 0 || fstat(m_handle, &found) != 0 || !S_ISREG(found.st_mode)) {
+        Close();
+        return false;
+    }
+    m_device = found.st_dev;
+    m_number = found.st_ino;
+    m_path = path;
+    return true;
+}
+
+void AppendFile::Close()
+{
+    if (m_handle >= 0)
+        close(m_handle);
+    m_handle = -1;
+    m_path.clear();
+}
+
+bool AppendFile::IsInPlace() const
+{
+    struct stat found {
+    };
+    if (m_handle < 0 || Fails(FileCall::Look) || stat(m_path.c_str(), &found) != 0)
+        return false;
+    return found.st_dev == m_device && found.st_ino == m_number;
+}
+
+std::int64_t AppendFile::Size() const
+{
+    struct stat found {
+    };
+    if (m_handle < 0 || Fails(FileCall::Size) || fstat(m_handle, &found) != 0)
+        return -1;
+    return found.st_size;
+}
+
+std::string AppendFile::ReadAt(std::int64_t place, std::size_t count) const
+{
+    if (m_handle < 0 || Fails(FileCall::Read))
+        return "";
+    std::string bytes(count, '\0');
+    const ssize_t got = pread(m_handle, bytes.data(), count, place);
+    bytes.resize(got < 0 ? 0 : static_cast<std::size_t>(got));
+    return bytes;
+}
+
+bool AppendFile::Append(std::string_view bytes)
+{
+    if (m_handle < 0)
+        return false;
+    const FileFault fault = FaultOf(FileCall::Write);
+    if (fault.error != 0 && fault.taken == 0) {
+        errno = fault.error;
+        return false;
+    }
+    const std::size_t count = fault.error == 0 ? bytes.size() : std::min(fault.taken, bytes.size());
+    return write(m_handle, bytes.data(), count) == static_cast<ssize_t>(bytes.size());
+}
+
+}  // namespace ombrix
