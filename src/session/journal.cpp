@@ -1,0 +1,324 @@
+#include "session/journal.h"
+
+#include "platform/append_file.h"
+#include "platform/clock.h"
+#include "platform/fault.h"
+#include "session/journal_reader.h"
+#include "session/outlets.h"
+#include "session/state.h"
+
+#include <QDateTime>
+#include <QDir>
+#include <QUuid>
+
+#include <algorithm>
+#include <deque>
+#include <exception>
+#include <iterator>
+#include <unistd.h>
+#include <utility>
+#include <vector>
+
+namespace ombrix {
+namespace {
+
+constexpr const char *kEnd = "end";
+
+constexpr std::int64_t kLastMoment = 253'402'300'799'999;  // the end of the year 9999
+
+// An event that is not on file yet, and the length of its line.
+struct Waiting {
+    JournalEvent event;
+    std::size_t size = 0;
+};
+
+// Events that found no room in memory.
+struct Lost {
+    std::size_t count = 0;
+    std::string first;  // when, in UTC
+    std::string last;
+};
+
+struct Journal {
+    bool open = false;
+    std::string folder;
+    std::string station;
+    std::string version;
+
+    std::string path;         // of the file being written, "" when there is none
+    bool insideLine = false;  // it ends in a broken line
+
+    bool joined = false;   // where the folder's journal ends is known
+    std::int64_t seq = 0;  // of the last line
+    std::string lastHash;  // the last line's
+    bool goodbye = true;   // of the run before
+
+    std::deque<Waiting> waiting;
+    std::size_t waitingSize = 0;
+    Lost lost;
+    bool refused = false;  // the last try to write what waits did not come to its end
+    bool writing = false;  // listeners may record: that waits until what they were told of is dealt with
+};
+
+struct Listener {
+    int number;
+    JournalListener listener;
+};
+
+Journal journal;
+AppendFile file;
+bool remarkStands = false;
+std::string visit;
+std::vector<Listener> listeners;
+int lastListener = 0;
+bool inUse = true;
+std::function<std::int64_t()> wallClock;
+
+std::string Uuid()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
+}
+
+std::string UtcNow()
+{
+    const std::int64_t now = wallClock ? wallClock() : QDateTime::currentMSecsSinceEpoch();
+    const auto moment = QDateTime::fromMSecsSinceEpoch(std::clamp<std::int64_t>(now, 0, kLastMoment), Qt::UTC);
+    return moment.toString(Qt::ISODateWithMs).toStdString();
+}
+
+// ---- the file ----
+
+// Goes on behind an event of the file, unless more has been written since.
+void JoinAt(const std::optional<JournalEvent> &last)
+{
+    if (!last || last->seq <= journal.seq)
+        return;
+    journal.seq = last->seq;
+    journal.lastHash = last->hash;
+}
+
+// Opens the month's file unless it is open and still in its place, and looks at how it ends.
+bool ReadyFile(const std::string &path, std::optional<JournalEvent> &last)
+{
+    if (path == journal.path && file.IsInPlace())
+        return true;
+    journal.path.clear();
+    if (!MakeFolder(JournalFolder(journal.folder)) || !file.Open(path))
+        return false;
+    auto tail = ReadJournalTail(file);
+    if (!tail)
+        return false;
+    if (!journal.joined)
+        JoinAt(LastJournalEvent(journal.folder));
+    JoinAt(tail->last);
+    journal.joined = true;
+    journal.insideLine = tail->insideLine;
+    journal.path = path;
+    last = std::move(tail->last);
+    return true;
+}
+
+// Puts an event on file and completes it with what its line says. False: it is not there, or not whole.
+bool Write(JournalEvent &event)
+{
+    std::optional<JournalEvent> last;
+    if (!ReadyFile(JournalFolder(journal.folder) + "/" + JournalMonth(event.utc), last))
+        return false;
+    if (last && last->id == event.id) {  // the try before left all but the line end
+        event.seq = last->seq;
+        event.prev = last->prev;
+        event.hash = last->hash;
+        return true;
+    }
+    event.seq = journal.seq + 1;
+    event.prev = journal.lastHash;
+    const std::string line = JournalLine(event);
+    if (!file.Append((journal.insideLine ? "\n" : "") + line + "\n")) {
+        journal.path.clear();  // what stands there now, the next try finds out
+        return false;
+    }
+    event.hash = HashOfLine(line);
+    journal.insideLine = false;
+    journal.seq = event.seq;
+    journal.lastHash = event.hash;
+    return true;
+}
+
+// ---- what waits ----
+
+Waiting NewEvent(std::string_view kind, const JournalFields &fields)
+{
+    JournalEvent event{
+        0,      Uuid(), UtcNow(), NowMicros() / 1000, journal.station, journal.version, visit, std::string(kind),
+        fields, "",     ""};
+    const std::size_t size = JournalLine(event).size();
+    return {std::move(event), size};
+}
+
+void CountLost(const std::string &utc)
+{
+    if (journal.lost.count++ == 0)
+        journal.lost.first = utc;
+    journal.lost.last = utc;
+}
+
+// Puts an event behind those that wait. What was lost before it is told where it is missing, so both must find room.
+void TakeIn(std::string_view kind, const JournalFields &fields)
+{
+    const Lost &lost = journal.lost;
+    std::vector<Waiting> taken;
+    if (lost.count > 0)
+        taken.push_back(NewEvent("lost", {{"count", lost.count}, {"first", lost.first}, {"last", lost.last}}));
+    taken.push_back(NewEvent(kind, fields));
+    std::size_t size = 0;
+    for (const Waiting &one : taken)
+        size += one.size;
+    if (journal.waitingSize + size > kJournalMemory)
+        return CountLost(taken.back().event.utc);
+    journal.lost = {};
+    journal.waitingSize += size;
+    std::move(taken.begin(), taken.end(), std::back_inserter(journal.waiting));
+}
+
+void Tell(const JournalListener &listener, const JournalEvent &event)
+{
+    try {
+        listener(event);
+    } catch (const std::exception &fault) {
+        // The outlet may show a box and wait: not in here.
+        CallAfter(0, [words = std::string(fault.what())] { RunHandler([&words] { FaultOutlet(words); }); });
+    } catch (const Shutdown &) {
+        // On its way down: the next pump throws again.
+    }
+}
+
+void TellListeners(const JournalEvent &event)
+{
+    std::vector<int> numbers;  // listeners may come and go meanwhile
+    numbers.reserve(listeners.size());
+    for (const Listener &one : listeners)
+        numbers.push_back(one.number);
+    for (const int number : numbers) {
+        const auto one = std::find_if(listeners.begin(), listeners.end(),
+                                      [number](const Listener &other) { return other.number == number; });
+        if (one == listeners.end())
+            continue;
+        const JournalListener listener = one->listener;
+        Tell(listener, event);
+    }
+}
+
+// Writes what waits, oldest first, until the system refuses. True when nothing waits any more.
+bool WriteWaiting()
+{
+    const ScopedFlag writing(journal.writing);
+    while (!journal.waiting.empty() && Write(journal.waiting.front().event)) {
+        const Waiting done = std::move(journal.waiting.front());
+        journal.waiting.pop_front();
+        journal.waitingSize -= done.size;
+        TellListeners(done.event);
+    }
+    journal.refused = !journal.waiting.empty();
+    return !journal.refused;
+}
+
+void ShowWhetherBehind()
+{
+    if (JournalIsBehind() == remarkStands)
+        return;
+    remarkStands = !remarkStands;
+    outlets.keepRemark(remarkStands ? "not recorded" : "");
+}
+
+}  // namespace
+
+void OpenJournal(const std::string &folder, const std::string &station, const std::string &version)
+{
+    if (!inUse)
+        return;
+    file.Close();
+    visit.clear();
+    journal = {};
+    journal.open = true;
+    journal.folder = QDir(QString::fromStdString(folder)).absolutePath().toStdString();
+    journal.station = station;
+    journal.version = version;
+
+    const auto last = LastJournalEvent(journal.folder);
+    JoinAt(last);
+    journal.joined = last.has_value();
+    journal.goodbye = !last || last->kind == kEnd;
+    Record("start", {{"folder", journal.folder}, {"pid", getpid()}});
+    if (!journal.goodbye)
+        Record("no goodbye", {{"seq", last->seq}, {"utc", last->utc}, {"kind", last->kind}});
+}
+
+bool LastRunEndedWithoutGoodbye()
+{
+    return !journal.goodbye;
+}
+
+std::size_t CloseJournal()
+{
+    Record(kEnd, {});
+    const std::size_t gone = journal.waiting.size() + journal.lost.count;
+    file.Close();
+    journal = {};
+    return gone;
+}
+
+void Record(std::string_view kind, const JournalFields &fields)
+{
+    if (!journal.open || !inUse)
+        return;
+    try {
+        if (journal.writing)
+            return TakeIn(kind, fields);
+        const bool works = WriteWaiting();
+        TakeIn(kind, fields);
+        if (works)
+            WriteWaiting();
+    } catch (const std::exception &) {
+        CountLost("");  // no memory
+    }
+    ShowWhetherBehind();
+}
+
+void OpenVisit(const JournalFields &meter)
+{
+    visit = Uuid();
+    Record("visit", meter);
+}
+
+std::string CurrentVisit()
+{
+    return visit;
+}
+
+int ListenToJournal(JournalListener listener)
+{
+    listeners.push_back({++lastListener, std::move(listener)});
+    return lastListener;
+}
+
+void StopListening(int number)
+{
+    std::erase_if(listeners, [number](const Listener &one) { return one.number == number; });
+}
+
+bool JournalIsBehind()
+{
+    return journal.refused || journal.lost.count > 0;
+}
+
+void UseJournal(bool on)
+{
+    inUse = on;
+}
+
+void UseWallClock(std::function<std::int64_t()> clock)
+{
+    wallClock = std::move(clock);
+}
+
+}  // namespace ombrix
