@@ -26,10 +26,10 @@ constexpr const char *kEnd = "end";
 
 constexpr std::int64_t kLastMoment = 253'402'300'799'999;  // the end of the year 9999
 
-// An event that is not on file yet, and the length of its line.
+// An event that is not on file yet. Its place in the chain comes with the file.
 struct Waiting {
     JournalEvent event;
-    std::size_t size = 0;
+    std::string content;
 };
 
 // Events that found no room in memory.
@@ -119,8 +119,9 @@ bool ReadyFile(const std::string &path, std::optional<JournalEvent> &last)
 }
 
 // Puts an event on file and completes it with what its line says. False: it is not there, or not whole.
-bool Write(JournalEvent &event)
+bool Write(Waiting &waiting)
 {
+    JournalEvent &event = waiting.event;
     std::optional<JournalEvent> last;
     if (!ReadyFile(JournalFolder(journal.folder) + "/" + JournalMonth(event.utc), last))
         return false;
@@ -132,7 +133,7 @@ bool Write(JournalEvent &event)
     }
     event.seq = journal.seq + 1;
     event.prev = journal.lastHash;
-    const std::string line = JournalLine(event);
+    const std::string line = JournalLine(event.seq, waiting.content, event.prev);
     if (!file.Append((journal.insideLine ? "\n" : "") + line + "\n")) {
         journal.path.clear();  // what stands there now, the next try finds out
         return false;
@@ -151,8 +152,8 @@ Waiting NewEvent(std::string_view kind, const JournalFields &fields)
     JournalEvent event{
         0,      Uuid(), UtcNow(), NowMicros() / 1000, journal.station, journal.version, visit, std::string(kind),
         fields, "",     ""};
-    const std::size_t size = JournalLine(event).size();
-    return {std::move(event), size};
+    std::string content = JournalContent(event);
+    return {std::move(event), std::move(content)};
 }
 
 void CountLost(const std::string &utc)
@@ -172,7 +173,7 @@ void TakeIn(std::string_view kind, const JournalFields &fields)
     taken.push_back(NewEvent(kind, fields));
     std::size_t size = 0;
     for (const Waiting &one : taken)
-        size += one.size;
+        size += one.content.size();
     if (journal.waitingSize + size > kJournalMemory)
         return CountLost(taken.back().event.utc);
     journal.lost = {};
@@ -212,10 +213,10 @@ void TellListeners(const JournalEvent &event)
 bool WriteWaiting()
 {
     const ScopedFlag writing(journal.writing);
-    while (!journal.waiting.empty() && Write(journal.waiting.front().event)) {
+    while (!journal.waiting.empty() && Write(journal.waiting.front())) {
         const Waiting done = std::move(journal.waiting.front());
         journal.waiting.pop_front();
-        journal.waitingSize -= done.size;
+        journal.waitingSize -= done.content.size();
         TellListeners(done.event);
     }
     journal.refused = !journal.waiting.empty();

@@ -16,6 +16,8 @@ namespace {
 constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 
 constexpr qint64 kLastSeq = qint64{1} << 53;  // beyond it other readers of JSON round
+constexpr std::size_t kUsualLine = 512;
+constexpr std::size_t kAroundContent = 64;
 
 template <class Number> std::string ShortestText(Number number)
 {
@@ -59,21 +61,37 @@ void AppendByte(std::string &json, std::string_view prefix, unsigned char byte)
     json += kHexDigits[byte % 16u];
 }
 
+// Of nearly every character of nearly every text nothing need be known.
+bool IsPlain(char c)
+{
+    return c >= 0x20 && c < 0x7f && c != '"' && c != '\\';
+}
+
+// One character that isn't plain, or a byte that is none. Returns how many bytes it took.
+std::size_t AppendCharacter(std::string &json, std::string_view text)
+{
+    const std::size_t length = CharacterLength(text);
+    const auto first = static_cast<unsigned char>(text.front());
+    if (length == 0)
+        AppendByte(json, R"(\\x)", first);
+    else if (first < 0x20 || first == 0x7f)
+        AppendByte(json, R"(\u00)", first);
+    else if (length == 1)
+        (json += '\\') += text.front();
+    else
+        json += text.substr(0, length);
+    return std::max<std::size_t>(length, 1);
+}
+
 void AppendText(std::string &json, std::string_view text)
 {
     json += '"';
-    while (!text.empty()) {
-        const std::size_t length = CharacterLength(text);
-        const auto first = static_cast<unsigned char>(text.front());
-        if (length == 0)
-            AppendByte(json, R"(\\x)", first);
-        else if (first < 0x20 || first == 0x7f)
-            AppendByte(json, R"(\u00)", first);
-        else if (first == '"' || first == '\\')
-            (json += '\\') += text.front();
-        else
-            json += text.substr(0, length);
-        text.remove_prefix(std::max<std::size_t>(length, 1));
+    for (std::size_t place = 0; place < text.size();) {
+        std::size_t end = place;
+        while (end < text.size() && IsPlain(text[end]))
+            ++end;
+        json += text.substr(place, end - place);
+        place = end == text.size() ? end : end + AppendCharacter(json, text.substr(end));
     }
     json += '"';
 }
@@ -105,23 +123,18 @@ struct ValueAppender {
     void operator()(const std::vector<std::string> &texts) const { AppendList(json, texts); }
 };
 
-void AppendMember(std::string &json, std::string_view name, const JournalValue &value)
+void AppendName(std::string &json, std::string_view name)
 {
-    if (json.back() != '{')
+    if (!json.empty() && json.back() != '{')
         json += ',';
     AppendText(json, name);
     json += ':';
-    std::visit(ValueAppender{json}, value.is);
 }
 
-// Counts are written digit by digit: a double would round them from 2 to the 53rd on.
-void AppendCount(std::string &json, std::string_view name, std::int64_t count)
+void AppendMember(std::string &json, std::string_view name, std::string_view text)
 {
-    if (json.back() != '{')
-        json += ',';
-    AppendText(json, name);
-    json += ':';
-    json += std::to_string(count);
+    AppendName(json, name);
+    AppendText(json, text);
 }
 
 std::optional<JournalValue> ValueOf(const QJsonValue &json)
@@ -178,22 +191,35 @@ double NumberOf(const JournalEvent &event, std::string_view name)
     return number ? *number : 0;
 }
 
-std::string JournalLine(const JournalEvent &event)
+std::string JournalContent(const JournalEvent &event)
 {
-    std::string json = "{";
-    AppendCount(json, "seq", event.seq);
+    std::string json;
+    json.reserve(kUsualLine);
     AppendMember(json, "id", event.id);
     AppendMember(json, "utc", event.utc);
-    AppendCount(json, "monotonicMs", event.monotonicMs);
+    AppendName(json, "monotonicMs");
+    json += std::to_string(event.monotonicMs);
     AppendMember(json, "station", event.station);
     AppendMember(json, "version", event.version);
     AppendMember(json, "visit", event.visit);
     AppendMember(json, "kind", event.kind);
     json += R"(,"body":{)";
-    for (const auto &[name, value] : event.body)
-        AppendMember(json, name, value);
+    for (const auto &[name, value] : event.body) {
+        AppendName(json, name);
+        std::visit(ValueAppender{json}, value.is);
+    }
     json += '}';
-    AppendMember(json, "prev", event.prev);
+    return json;
+}
+
+std::string JournalLine(std::int64_t seq, std::string_view content, std::string_view prev)
+{
+    std::string json = R"({"seq":)";
+    json.reserve(content.size() + prev.size() + kAroundContent);
+    json += std::to_string(seq);
+    json += ',';
+    json += content;
+    AppendMember(json, "prev", prev);
     json += '}';
     return json;
 }

@@ -56,9 +56,13 @@ const JournalValue *FieldOf(const JournalEvent &event, std::string_view name);
 std::string TextOf(const JournalEvent &event, std::string_view name);
 double NumberOf(const JournalEvent &event, std::string_view name);
 
-/// The event as one line of JSON, without its line end: always valid UTF-8, whatever an instrument sent. A byte that
-/// belongs to no character becomes the four characters "\x9F"; a number that JSON doesn't know becomes a text, "nan".
-std::string JournalLine(const JournalEvent &event);
+/// What a line says of an event itself, as members of a JSON object without its braces: always valid UTF-8, whatever an
+/// instrument sent. A byte that belongs to no character becomes the four characters "\x9F"; a number that JSON doesn't
+/// know becomes a text, "nan".
+std::string JournalContent(const JournalEvent &event);
+
+/// The line of an event without its line end, from its content and its place in the chain.
+std::string JournalLine(std::int64_t seq, std::string_view content, std::string_view prev);
 
 /// A line longer than this is no event; none that is written comes near it.
 constexpr std::size_t kLongestJournalLine = std::size_t{5} << 20;

@@ -20,6 +20,11 @@ JournalEvent Sample()
     return {7, "an-id", "2026-11-22T01:39:00.123Z", 1'000'000, "Bench 7", "1.2.3", "a-visit", "round", {}, "0a1b", ""};
 }
 
+std::string Line(const JournalEvent &event)
+{
+    return JournalLine(event.seq, JournalContent(event), event.prev);
+}
+
 JournalEvent With(const JournalValue &value)
 {
     JournalEvent event = Sample();
@@ -29,7 +34,7 @@ JournalEvent With(const JournalValue &value)
 
 QJsonValue InJson(const JournalValue &value)
 {
-    const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(JournalLine(With(value))));
+    const auto document = QJsonDocument::fromJson(QByteArray::fromStdString(Line(With(value))));
     EXPECT_TRUE(document.isObject());
     return document.object()["body"].toObject()["value"];
 }
@@ -49,17 +54,17 @@ TEST(JournalLine, IsJsonInTheOrderOfTheEvent)
                   {"limited", false},
                   {"reading", "1 2"},
                   {"list", std::vector<std::string>{"a", "\"b\""}}};
-    EXPECT_EQ(JournalLine(event), R"({"seq":7,"id":"an-id","utc":"2026-11-22T01:39:00.123Z","monotonicMs":1000000,)"
-                                  R"("station":"Bench 7","version":"1.2.3","visit":"a-visit","kind":"round",)"
-                                  R"("body":{"word":35,"asked":200.5,"limited":false,"reading":"1 2",)"
-                                  R"("list":["a","\"b\""]},"prev":"0a1b"})");
+    EXPECT_EQ(Line(event), R"({"seq":7,"id":"an-id","utc":"2026-11-22T01:39:00.123Z","monotonicMs":1000000,)"
+                           R"("station":"Bench 7","version":"1.2.3","visit":"a-visit","kind":"round",)"
+                           R"("body":{"word":35,"asked":200.5,"limited":false,"reading":"1 2",)"
+                           R"("list":["a","\"b\""]},"prev":"0a1b"})");
 }
 
 TEST(JournalLine, ReadBackIsTheEventWithItsFieldsByName)
 {
     JournalEvent event = Sample();
     event.body = {{"word", 65535}, {"asked", -0.25}, {"limited", true}, {"reading", " 1999\r"}, {"none", ""}};
-    const std::string line = JournalLine(event);
+    const std::string line = Line(event);
     JournalEvent expected = event;
     expected.hash = HashOfLine(line);
     expected.body = {{"asked", -0.25}, {"limited", true}, {"none", ""}, {"reading", " 1999\r"}, {"word", 65535}};
@@ -78,7 +83,7 @@ TEST(JournalLine, KeepsListsAndLongCounts)
     JournalEvent event = With(std::vector<std::string>{"0060", "", "FFFF"});
     event.seq = 9'007'199'254'740'991;
     event.monotonicMs = 9'007'199'254'740'993;
-    const auto read = ParseJournalLine(JournalLine(event));
+    const auto read = ParseJournalLine(Line(event));
     ASSERT_TRUE(read);
     EXPECT_EQ(read->body, event.body);
     EXPECT_EQ(read->seq, event.seq);
@@ -105,7 +110,7 @@ TEST(JournalLine, TakesEveryByteAnInstrumentMaySend)
         char hex[8];
         std::snprintf(hex, sizeof hex, "<\\x%02X>", byte);
         EXPECT_EQ(TextInJson(text), byte < 128 ? text : std::string(hex)) << byte;
-        EXPECT_EQ(JournalLine(With(text)).find('\n'), std::string::npos) << byte;
+        EXPECT_EQ(Line(With(text)).find('\n'), std::string::npos) << byte;
     }
 }
 
@@ -127,7 +132,7 @@ TEST(JournalLine, KeepsCharactersAndShowsBytesThatAreNone)
 
 TEST(JournalLine, IsNoEventWhenAnythingIsMissing)
 {
-    const auto whole = QJsonDocument::fromJson(QByteArray::fromStdString(JournalLine(Sample()))).object();
+    const auto whole = QJsonDocument::fromJson(QByteArray::fromStdString(Line(Sample()))).object();
     const auto read = [](const QJsonObject &object) {
         return ParseJournalLine(QJsonDocument(object).toJson(QJsonDocument::Compact).toStdString()).has_value();
     };
@@ -146,8 +151,8 @@ TEST(JournalLine, IsNoEventWhenAnythingIsMissing)
     }
     EXPECT_FALSE(ParseJournalLine(""));
     EXPECT_FALSE(ParseJournalLine("[]"));
-    EXPECT_FALSE(ParseJournalLine(JournalLine(Sample()) + "}"));
-    EXPECT_FALSE(ParseJournalLine(std::string(1, '\0') + JournalLine(Sample())));
+    EXPECT_FALSE(ParseJournalLine(Line(Sample()) + "}"));
+    EXPECT_FALSE(ParseJournalLine(std::string(1, '\0') + Line(Sample())));
     EXPECT_FALSE(ParseJournalLine(std::string(100'000, '[')));
 }
 

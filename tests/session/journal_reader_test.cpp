@@ -27,6 +27,11 @@ struct JournalReader : JournalTest {
         return ReadJournalFile(kFile);
     }
 
+    static std::string Line(const JournalEvent &event)
+    {
+        return JournalLine(event.seq, JournalContent(event), event.prev);
+    }
+
     static std::optional<JournalTail> Tail()
     {
         AppendFile file;
@@ -118,7 +123,7 @@ TEST_F(JournalReader, ALineThatIsTooLongIsNoEventAndHidesNoOther)
 {
     JournalEvent big = all[1];
     big.body = {{"text", std::string(kLongestJournalLine, 'x')}};
-    const std::string tooLong = JournalLine(big) + "\n";
+    const std::string tooLong = Line(big) + "\n";
     EXPECT_EQ(Read(whole + tooLong + whole).size(), 6u);
     EXPECT_EQ(TailOf(whole + tooLong)->last, all[2]);
     // Neither what stands at the end of such a line nor at its beginning becomes one.
@@ -128,8 +133,8 @@ TEST_F(JournalReader, ALineThatIsTooLongIsNoEventAndHidesNoOther)
     EXPECT_EQ(TailOf(one + filling)->last, std::nullopt);
     JournalEvent fits = all[1];
     fits.body = {{"text", std::string(kLongestJournalLine / 2, 'x')}};
-    EXPECT_EQ(Read(JournalLine(fits)).size(), 1u);
-    EXPECT_EQ(TailOf(JournalLine(fits) + "\n")->last->kind, "round");
+    EXPECT_EQ(Read(Line(fits)).size(), 1u);
+    EXPECT_EQ(TailOf(Line(fits) + "\n")->last->kind, "round");
 }
 
 TEST_F(JournalReader, ReadsAFileLongerThanItsPieces)
