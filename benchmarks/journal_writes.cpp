@@ -23,7 +23,7 @@ using namespace std::chrono_literals;
 constexpr std::size_t kEvents = 20'000;
 constexpr auto kPause = 800us;            // so that they meet many syncs, in all their states
 constexpr auto kPatience = 20s;           // until the other process is at it
-constexpr std::size_t kSynced = 1 << 20;  // bytes written before each sync
+constexpr std::size_t kSynced = 1 << 16;  // bytes written before each sync
 constexpr int kPlaces = 64;               // in turn
 
 // A round as a range page tells it.

@@ -104,7 +104,7 @@ std::string AppendFile::ReadAt(std::int64_t place, std::size_t count) const
     return bytes;
 }
 
-bool AppendFile::Append(std::string_view bytes)
+bool AppendFile::Append(std::string_view bytes) const
 {
     if (m_handle < 0)
         return false;

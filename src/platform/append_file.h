@@ -38,7 +38,7 @@ public:
     /// Up to `count` bytes from `place` on; "" at the end of the file and when it can't be read.
     std::string ReadAt(std::int64_t place, std::size_t count) const;
     /// One write at the end of the file. False unless all of it was taken; a part may then stand there.
-    bool Append(std::string_view bytes);
+    bool Append(std::string_view bytes) const;
 
 private:
     bool OpenWith(const std::string &path, int flags);
