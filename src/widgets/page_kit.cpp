@@ -1,10 +1,14 @@
 #include "widgets/page_kit.h"
 
+#include "widgets/key_guard.h"
 #include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QLabel>
+#include <QPushButton>
 #include <QVBoxLayout>
+
+#include <utility>
 
 namespace ombrix {
 
@@ -12,6 +16,7 @@ void EnableAndFocus(QWidget *button)
 {
     button->setEnabled(true);
     button->setFocus();
+    DeafenToKeys(button);
 }
 
 void DropFocus(QWidget *page)
@@ -35,10 +40,17 @@ void MakeLarge(QWidget *button)
     button->setMinimumSize(metrics.averageCharWidth() * 20, metrics.height() * 5 / 2);
 }
 
-QFrame *Instruction(QWidget *parent, int index, int lines)
+QPushButton *DoneButton(QWidget *parent, int index, std::function<void()> click)
 {
-    QFrame *shape = Shape(parent, Indexed("shpInst", index));
-    QLabel *label = Label(shape, Indexed("lblInst", index));
+    QPushButton *button = Button(parent, Indexed("cmdDone", index), "Done", std::move(click));
+    MakeLarge(button);
+    return button;
+}
+
+QFrame *StatusBar(QWidget *parent, const QString &stem, int lines)
+{
+    QFrame *shape = Shape(parent, "shp" + stem);
+    QLabel *label = Label(shape, "lbl" + stem);
     QFont font = label->font();
     font.setPointSizeF(font.pointSizeF() * 1.25);
     label->setFont(font);
@@ -48,14 +60,30 @@ QFrame *Instruction(QWidget *parent, int index, int lines)
     auto *layout = new QVBoxLayout(shape);
     layout->addWidget(label);
     shape->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    shape->hide();
     return shape;
+}
+
+void ShowStatusBar(QFrame *bar, const std::string &text, const QColor &colour)
+{
+    bar->findChild<QLabel *>()->setText(Caption(text));
+    SetFill(bar, colour);
+    bar->setVisible(!text.empty());
+}
+
+QFrame *Instruction(QWidget *parent, int index, int lines)
+{
+    return StatusBar(parent, Indexed("Inst", index), lines);
 }
 
 void ShowInstruction(QFrame *instruction, const std::string &text, const QColor &colour)
 {
-    instruction->findChild<QLabel *>()->setText(Caption(text));
-    SetFill(instruction, colour);
-    instruction->setVisible(!text.empty());
+    ShowStatusBar(instruction, text, colour);
+}
+
+void ShowPrompt(QFrame *bar, const Prompt &prompt)
+{
+    ShowStatusBar(bar, prompt.text, prompt.colour());
 }
 
 }  // namespace ombrix

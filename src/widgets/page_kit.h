@@ -1,13 +1,15 @@
 // What the pages show alike: a title, buttons on and off, an instruction in its shape.
 #pragma once
 
+#include <QColor>
 #include <QString>
 
+#include <functional>
 #include <string>
 
-class QColor;
 class QFrame;
 class QLabel;
+class QPushButton;
 class QWidget;
 
 namespace ombrix {
@@ -22,6 +24,7 @@ template <class... Widgets> void Disable(Widgets *...widgets)
     (widgets->setEnabled(false), ...);
 }
 
+/// The button is deaf to Enter and Space for a moment, also when it had the focus already: see key_guard.h.
 void EnableAndFocus(QWidget *button);
 
 /// Takes the focus off a button that is about to go off. Else the next button gets it, and an impatient second Enter
@@ -34,8 +37,23 @@ QLabel *Title(QWidget *parent, const QString &name);
 /// A button of a page's bottom row: large enough to be hit without looking twice.
 void MakeLarge(QWidget *button);
 
-/// shpInst(index) with lblInst(index) in its middle, as wide as its place and `lines` lines high.
+/// cmdDone(index), "Done", in a page's bottom row.
+QPushButton *DoneButton(QWidget *parent, int index, std::function<void()> click);
+
+/// A status bar: "shp" + stem with "lbl" + stem in its middle, as wide as its place and `lines` lines high. Hidden
+/// while it says nothing.
+QFrame *StatusBar(QWidget *parent, const QString &stem, int lines);
+void ShowStatusBar(QFrame *bar, const std::string &text, const QColor &colour);
+
+/// shpInst(index) with lblInst(index): the status bar that says what to do.
 QFrame *Instruction(QWidget *parent, int index, int lines);
 void ShowInstruction(QFrame *instruction, const std::string &text, const QColor &colour);
+
+/// A row of a page's table of prompts. The colour is a procedure, since the theme in force decides it.
+struct Prompt {
+    const char *text;
+    QColor (*colour)();
+};
+void ShowPrompt(QFrame *bar, const Prompt &prompt);
 
 }  // namespace ombrix

@@ -1,6 +1,7 @@
 #include "widgets/widgets.h"
 
 #include "platform/fault.h"
+#include "widgets/key_guard.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -8,12 +9,12 @@
 #include <QEvent>
 #include <QFrame>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QShortcut>
 
 #include <utility>
 
@@ -60,20 +61,19 @@ private:
     Handler m_handler;
 };
 
-// A held Enter repeats, and the button that got the focus meanwhile is another one.
-class HeldEnterFilter : public QObject
+// Clicks at once, where the toolkit's own shortcut of a button would first show it pressed for a while. The focus goes
+// along, so that a field that is left this way is left before the click.
+void AddShortcut(QPushButton *button, const QString &keys)
 {
-public:
-    using QObject::QObject;
-
-    bool eventFilter(QObject *, QEvent *event) override
-    {
-        if (event->type() != QEvent::KeyPress)
-            return false;
-        const auto *key = static_cast<QKeyEvent *>(event);
-        return key->isAutoRepeat() && (key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter);
-    }
-};
+    auto *shortcut = new QShortcut(QKeySequence(keys), button);
+    shortcut->setAutoRepeat(false);
+    QObject::connect(shortcut, &QShortcut::activated, button, [button] {
+        if (button->focusPolicy() != Qt::NoFocus)
+            button->setFocus(Qt::ShortcutFocusReason);
+        button->click();
+    });
+    button->setToolTip(keys);
+}
 
 }  // namespace
 
@@ -87,11 +87,14 @@ QString Indexed(const char *name, int index)
     return QString("%1(%2)").arg(name).arg(index);
 }
 
-QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click)
+QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click,
+                    const char *shortcut)
 {
     auto *button = Clickable(new QPushButton(Caption(caption), parent), name, std::move(click));
     button->setAutoDefault(true);  // Enter works the focused button, as Space does
-    button->installEventFilter(new HeldEnterFilter(button));
+    GuardKeys(button);
+    if (*shortcut != '\0')
+        AddShortcut(button, shortcut);
     return button;
 }
 
@@ -193,6 +196,18 @@ QColor ScrollBarColour()
 QColor ButtonFace()
 {
     return QApplication::palette().color(QPalette::Active, QPalette::Button);
+}
+
+void ShowUse(QWidget *widget, Use use)
+{
+    switch (use) {
+    case Use::InWork:
+        return SetFill(widget, Cyan());
+    case Use::Idle:
+        return SetFill(widget, InfoBackground());
+    case Use::NotInUse:
+        return SetFill(widget, ButtonFace());
+    }
 }
 
 QColor Cyan()

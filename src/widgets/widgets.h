@@ -28,7 +28,9 @@ QString Caption(const std::string &text);
 /// Name of one widget of an array: "cmdCalib", 3 is "cmdCalib(3)".
 QString Indexed(const char *name, int index);
 
-QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click);
+/// `shortcut` as "Alt+R": it clicks the button while that is seen and on. The tooltip tells it, the caption doesn't.
+QPushButton *Button(QWidget *parent, const QString &name, const std::string &caption, Handler click,
+                    const char *shortcut = "");
 QRadioButton *Option(QWidget *parent, const QString &name, const std::string &caption, Handler click);
 QCheckBox *Check(QWidget *parent, const QString &name, const std::string &caption, Handler click);
 QLabel *Label(QWidget *parent, const QString &name, const std::string &text = "");
@@ -56,6 +58,10 @@ QColor InfoBackground();
 QColor ScrollBarColour();
 QColor ButtonFace();
 bool IsDark(const QPalette &palette);
+
+/// What an item of a page is at this moment, told by its colour: cyan, information background, button face.
+enum class Use { InWork, Idle, NotInUse };
+void ShowUse(QWidget *widget, Use use);
 
 /// Keys of the system's colours.
 QColor Cyan();

@@ -51,5 +51,42 @@ TEST_F(PageKit, FocusIsOnNoButtonOnceDropped)
     EXPECT_NE(page.focusWidget(), button);
 }
 
+TEST_F(PageKit, AStatusBarIsHiddenUntilItSaysSomething)
+{
+    QFrame *bar = StatusBar(&page, "InitStatus", 1);
+    page.show();
+    const auto *label = page.findChild<QLabel *>("lblInitStatus");
+    ASSERT_NE(label, nullptr);
+    EXPECT_EQ(bar->objectName(), "shpInitStatus");
+    EXPECT_FALSE(bar->isVisible());
+    ShowStatusBar(bar, "Initializing NVM", Cyan());
+    EXPECT_TRUE(label->isVisible());
+    EXPECT_EQ(bar->palette().color(QPalette::Window), Cyan());
+    ShowStatusBar(bar, "", Cyan());
+    EXPECT_FALSE(bar->isVisible());
+}
+
+TEST_F(PageKit, APromptComesWithItsColour)
+{
+    static constexpr Prompt kPrompts[] = {{"Click \"Ready\"", InfoBackground}, {"Stopped", Red}};
+    QFrame *bar = StatusBar(&page, "Prompt", 1);
+    page.show();
+    for (const Prompt &prompt : kPrompts) {
+        ShowPrompt(bar, prompt);
+        EXPECT_EQ(page.findChild<QLabel *>("lblPrompt")->text(), prompt.text);
+        EXPECT_EQ(bar->palette().color(QPalette::Window), prompt.colour());
+    }
+}
+
+TEST_F(PageKit, ADoneButtonCarriesItsIndexAndItsWord)
+{
+    int clicks = 0;
+    QPushButton *done = DoneButton(&page, 4, [&] { ++clicks; });
+    EXPECT_EQ(done->objectName(), "cmdDone(4)");
+    EXPECT_EQ(done->text(), "Done");
+    done->click();
+    EXPECT_EQ(clicks, 1);
+}
+
 }  // namespace
 }  // namespace ombrix::test

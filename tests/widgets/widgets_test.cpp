@@ -7,7 +7,6 @@
 #include <QCheckBox>
 #include <QFrame>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPalette>
@@ -65,21 +64,6 @@ TEST(Widgets, OnlyTheOperatorsClickCallsTheHandler)
     EXPECT_EQ(clicks, 0);
     option->click();
     EXPECT_EQ(clicks, 1);
-}
-
-TEST(Widgets, AHeldEnterPressesAButtonOnce)
-{
-    int clicks = 0;
-    QWidget page;
-    QPushButton *button = Button(&page, "cmdReady", "Ready", [&] { ++clicks; });
-    for (const int key : {Qt::Key_Return, Qt::Key_Enter}) {
-        clicks = 0;
-        for (const bool repeated : {false, true, true}) {
-            QKeyEvent event(QEvent::KeyPress, key, Qt::NoModifier, "\r", repeated);
-            QApplication::sendEvent(button, &event);
-        }
-        EXPECT_EQ(clicks, 1);
-    }
 }
 
 TEST(Widgets, AFaultInAHandlerDoesNotReachTheToolkit)
@@ -179,6 +163,18 @@ TEST(Widgets, IdleServiceAndUnusedItemsAreToldApartInLightAndDark)
     }
     QApplication::setPalette(QPalette());
     QCoreApplication::sendPostedEvents();
+}
+
+TEST(Widgets, TheThreeUsesOfAnItemHaveTheirColours)
+{
+    QLabel label("text");
+    ShowUse(&label, Use::InWork);
+    EXPECT_EQ(label.palette().color(QPalette::Window), Cyan());
+    ShowUse(&label, Use::Idle);
+    EXPECT_EQ(label.palette().color(QPalette::Window), InfoBackground());
+    ShowUse(&label, Use::NotInUse);
+    EXPECT_EQ(label.palette().color(QPalette::Window), ButtonFace());
+    EXPECT_TRUE(label.autoFillBackground());
 }
 
 TEST(Widgets, MixTakesItsShareOfEach)

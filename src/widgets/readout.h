@@ -1,0 +1,28 @@
+// A number to be watched from where the wires are: as large as the output panel's, and never in doubt whether it lives.
+#pragma once
+
+#include <QString>
+
+#include <string>
+
+class QFrame;
+class QWidget;
+
+namespace ombrix {
+
+/// What an operator reads across a room.
+constexpr int kRoomPoints = 30;
+
+/// The number is a label `name`, the word beside it a label `name` + "Mark". Empty at first.
+QFrame *Readout(QWidget *parent, const QString &name);
+
+/// The number as it is at this moment, marked "live".
+void ShowLive(QFrame *readout, const std::string &number);
+/// The number stays, dim and marked "frozen"; nothing when there is none.
+void Freeze(QFrame *readout);
+/// In red why no number lives here: "silent", "over range". The last number stays, dim.
+void ShowTrouble(QFrame *readout, const std::string &words);
+/// No number, no word.
+void ClearReadout(QFrame *readout);
+
+}  // namespace ombrix
