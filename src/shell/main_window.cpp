@@ -4,7 +4,10 @@
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "shell/alert_bar.h"
 #include "shell/board_chooser.h"
+#include "shell/input_gate.h"
+#include "shell/operator_guide.h"
 #include "shell/output_panel.h"
 #include "shell/quit.h"
 #include "shell/setup_page.h"
@@ -12,10 +15,13 @@
 #include "shell/status_line.h"
 #include "shell/step_buttons.h"
 #include "shell/tab_strip.h"
+#include "shell/window_icon.h"
 #include "version.h"
+#include "widgets/page_kit.h"
 #include "widgets/widgets.h"
 
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -24,11 +30,15 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QScrollArea>
+#include <QScrollBar>
+#include <QShortcut>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
+#include <utility>
 
 namespace ombrix {
 
@@ -41,13 +51,71 @@ QStackedWidget *pageStack = nullptr;
 namespace {
 
 constexpr QSize kDefaultSize(1100, 760);
+constexpr int kPageWidth = 1200;     // wider, the eye loses its row
+constexpr int kSideWidth = 420;      // as wide as what stands beside the page gets
+constexpr double kSideShare = 0.24;  // of the window
 
 std::array<QFrame *, kPages> pages{};
-QVBoxLayout *sideColumn = nullptr;
+QWidget *side = nullptr;
+QLabel *lblNoPage = nullptr;
+
+// Beside the page: no room while nothing stands there, else its share of the window.
+class Side : public QWidget
+{
+public:
+    using QWidget::QWidget;
+
+    QSize sizeHint() const override
+    {
+        const QSize least = minimumSizeHint();
+        if (least.width() <= 0)
+            return least;
+        const int share = std::min(static_cast<int>(frmOmbrix->width() * kSideShare), kSideWidth);
+        return {std::max(share, least.width()), QWidget::sizeHint().height()};
+    }
+};
+
+// Scrolls up and down where its content finds no room; as wide as that.
+class Shaft : public QScrollArea
+{
+public:
+    Shaft(QWidget *parent, QWidget *content) : QScrollArea(parent)
+    {
+        setWidget(content);
+        setWidgetResizable(true);
+        setFrameShape(QFrame::NoFrame);
+        setFocusPolicy(Qt::NoFocus);
+        setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+        setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
+    }
+
+    QSize sizeHint() const override { return {Width(), QScrollArea::sizeHint().height()}; }
+    QSize minimumSizeHint() const override { return {Width(), QScrollArea::minimumSizeHint().height()}; }
+
+protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QScrollArea::resizeEvent(event);
+        updateGeometry();
+    }
+
+private:
+    int Width() const
+    {
+        const bool scrolls = height() < widget()->minimumSizeHint().height();
+        return widget()->sizeHint().width() + (scrolls ? verticalScrollBar()->sizeHint().width() : 0);
+    }
+};
 
 class StationWindow : public QMainWindow
 {
 protected:
+    void resizeEvent(QResizeEvent *event) override
+    {
+        QMainWindow::resizeEvent(event);
+        side->updateGeometry();
+    }
+
     void closeEvent(QCloseEvent *event) override
     {
         event->ignore();
@@ -75,15 +143,28 @@ void BuildPageFrames(QWidget *parent)
         place->setFocusPolicy(Qt::NoFocus);
         pages[index] = new QFrame;
         pages[index]->setObjectName(Indexed("fraCalib", index));
+        pages[index]->setMaximumWidth(kPageWidth);
+        place->setAlignment(Qt::AlignHCenter);
         place->setWidget(pages[index]);
         pageStack->addWidget(place);
     }
+}
+
+// What stands where a step has no page yet.
+void BuildEmptyPage(QFrame *page)
+{
+    lblNoPage = Title(page, "lblNoPage");
+    lblNoPage->setAlignment(Qt::AlignCenter);
+    lblNoPage->setWordWrap(true);
+    auto *column = new QVBoxLayout(page);
+    column->addWidget(lblNoPage);
 }
 
 QWidget *BuildMiddle(QWidget *parent)
 {
     auto *middle = new QWidget(parent);
     BuildPageFrames(middle);
+    BuildEmptyPage(pages[0]);
     auto *column = new QVBoxLayout(middle);
     column->setContentsMargins(0, 0, 0, 0);
     column->addWidget(BuildBoardChooser(middle));
@@ -93,11 +174,20 @@ QWidget *BuildMiddle(QWidget *parent)
 
 QWidget *BuildSide(QWidget *parent)
 {
-    auto *side = new QWidget(parent);
-    side->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
-    sideColumn = new QVBoxLayout(side);
-    sideColumn->setContentsMargins(0, 0, 0, 0);
+    side = new Side(parent);
+    auto *column = new QVBoxLayout(side);
+    column->setContentsMargins(0, 0, 0, 0);
     return side;
+}
+
+// A key of the whole program, also while a box is up.
+void Everywhere(QWidget *parent, const char *keys, Handler handler)
+{
+    auto *shortcut = new QShortcut(QKeySequence(keys), parent);
+    shortcut->setContext(Qt::ApplicationShortcut);
+    shortcut->setAutoRepeat(false);
+    KeepOpen(shortcut);
+    QObject::connect(shortcut, &QShortcut::activated, parent, [handler = std::move(handler)] { RunHandler(handler); });
 }
 
 // Setup and Quit. Quit never takes the focus by itself: a button that goes off passes its focus on, and the next
@@ -106,10 +196,12 @@ QWidget *BuildCommands(QWidget *parent)
 {
     auto *commands = new QWidget(parent);
     cmdSetup = Button(commands, "cmdSetup", "Setup", cmdSetup_Click);
+    cmdSetup->setToolTip("Removes the input and goes back to the wiring");
     cmdQuit = Button(commands, "cmdQuit", "Quit", [] { Quit(QuitBy::Operator); });
     cmdQuit->setFocusPolicy(Qt::NoFocus);
-    cmdQuit->setShortcut(QKeySequence("Ctrl+Q"));
-    cmdQuit->setToolTip("Ctrl+Q");
+    cmdQuit->setToolTip("Standby, then the end of the program (Ctrl+Q)");
+    KeepOpen(cmdQuit);
+    Everywhere(cmdQuit, "Ctrl+Q", [] { Quit(QuitBy::Operator); });
     auto *row = new QHBoxLayout(commands);
     row->setContentsMargins(0, 0, 0, 0);
     for (QPushButton *button : {cmdSetup, cmdQuit}) {
@@ -137,28 +229,23 @@ void BuildLayout(QWidget *centre)
     work->setSpacing(10);
     work->addWidget(BuildMiddle(centre), 3);
     work->addWidget(BuildSide(centre), 1);
-    auto *right = new QVBoxLayout;
-    right->setSpacing(8);
-    right->addLayout(work, 1);
-    right->addWidget(BuildBottom(centre));
-    auto *below = new QHBoxLayout;
-    below->setSpacing(10);
-    below->addWidget(BuildStepButtons(centre));
-    below->addLayout(right, 1);
+    auto *above = new QHBoxLayout;
+    above->setSpacing(10);
+    above->addWidget(new Shaft(centre, BuildStepButtons(centre)));
+    above->addLayout(work, 1);
     auto *all = new QVBoxLayout(centre);
     all->setContentsMargins(8, 6, 8, 4);
     all->addWidget(BuildTabStrip(centre));
-    all->addLayout(below, 1);
+    all->addLayout(above, 1);
+    all->addWidget(BuildAlertBar(centre));
+    all->addWidget(BuildBottom(centre));
 }
 
-// Not larger than the screen, as long as the smallest window fits there at all.
+// Not larger than the screen.
 QSize FirstSize()
 {
     const QScreen *screen = QGuiApplication::primaryScreen();
-    const QSize room = screen ? screen->availableSize() : kDefaultSize;
-    const QSize least = frmOmbrix->minimumSizeHint();
-    const bool fits = room.width() >= least.width() && room.height() >= least.height();
-    return fits ? kDefaultSize.boundedTo(room) : kDefaultSize;
+    return screen ? kDefaultSize.boundedTo(screen->availableSize()) : kDefaultSize;
 }
 
 }  // namespace
@@ -173,6 +260,8 @@ void BuildMainWindow()
     BuildLayout(centre);
     frmOmbrix->setCentralWidget(centre);
     BuildStatusLine(frmOmbrix->statusBar());
+    frmOmbrix->setWindowIcon(WindowIcon());
+    Everywhere(frmOmbrix, "F1", [] { OpenGuide(QCoreApplication::applicationDirPath()); });
     frmOmbrix->resize(FirstSize());
 }
 
@@ -193,20 +282,27 @@ void DestroyMainWindow()
     lblRev = nullptr;
     pageStack = nullptr;
     pages = {};
-    sideColumn = nullptr;
+    side = nullptr;
+    lblNoPage = nullptr;
 }
 
 QWidget *AddSideFrame(const QString &name)
 {
     auto *frame = new QWidget(frmOmbrix);
     frame->setObjectName(name);
-    sideColumn->addWidget(frame);
+    side->layout()->addWidget(frame);
     return frame;
 }
 
 QFrame *PageFrame(int index)
 {
     return index >= 0 && index < kPages ? pages[index] : nullptr;
+}
+
+void ShowNoPage(const std::string &step)
+{
+    if (lblNoPage)
+        lblNoPage->setText(step.empty() ? "" : Caption(step + "\r\nThis version has no page for this step."));
 }
 
 QString VersionText(int major, int minor, int revision)

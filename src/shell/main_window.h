@@ -1,8 +1,11 @@
 // frmOmbrix: where everything stands. Tab strip on top, step buttons at the left, the page in the middle, what
-// belongs beside it to its right, the output panel below, Setup and Quit at the bottom right, the status line.
+// belongs beside it to its right; below, over the whole width, the alert, the output panel with Setup and Quit, and the
+// status line. The window fits any screen from 960 by 540 on: what finds no room scrolls.
 #pragma once
 
 #include <QString>
+
+#include <string>
 
 class QFrame;
 class QLabel;
@@ -30,6 +33,9 @@ void DestroyMainWindow();
 QWidget *AddSideFrame(const QString &name);
 
 QFrame *PageFrame(int index);
+
+/// On page 0: that this version has no page for a step; blank for "".
+void ShowNoPage(const std::string &step);
 
 /// " 1.0", or " 1.0.3" for a revision other than 0.
 QString VersionText(int major, int minor, int revision);

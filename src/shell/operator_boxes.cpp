@@ -1,13 +1,16 @@
 #include "shell/operator_boxes.h"
 
 #include "platform/clock.h"
-#include "session/procedure.h"
-#include "session/state.h"
+#include "shell/input_gate.h"
 #include "shell/main_window.h"
+#include "widgets/key_guard.h"
+#include "widgets/readout.h"
 #include "widgets/widgets.h"
 
+#include <QAbstractButton>
 #include <QMainWindow>
 #include <QMessageBox>
+#include <QRegularExpression>
 #include <QShortcut>
 
 #include <vector>
@@ -15,54 +18,84 @@
 namespace ombrix {
 namespace {
 
-std::vector<QMessageBox *> openBoxes;
+std::vector<QDialog *> openBoxes;
 bool silenced = false;
 
 class OpenBox
 {
 public:
-    explicit OpenBox(QMessageBox *box) { openBoxes.push_back(box); }
+    explicit OpenBox(QDialog *box) : m_gate(box) { openBoxes.push_back(box); }
     ~OpenBox() { openBoxes.pop_back(); }
     OpenBox(const OpenBox &) = delete;
     OpenBox &operator=(const OpenBox &) = delete;
+
+private:
+    InputGate m_gate;
 };
 
-// Shown and pumped, never run in a loop of its own: the program's one way to wait stays the only one.
-bool AskForOk(QMessageBox::Icon icon, const std::string &text, const std::string &title)
+// The first quantity in a text, "" when there is none: "-200 mV", "2 mV, 300 Hz", "100 Ohms".
+QString QuantityIn(const QString &text)
 {
-    if (silenced)
-        return false;
-    QMessageBox box(icon, Caption(title), Caption(text), QMessageBox::Ok, frmOmbrix);
+    static const QRegularExpression quantity("[-+]?\\d*\\.?\\d+ ?(?:[mk]?(?:V|A|Hz|Ohms?)|°?[CF])\\b"
+                                             "(?:, ?\\d*\\.?\\d+ ?k?Hz\\b)?");
+    return quantity.match(text).captured();
+}
+
+bool AskForButton(QMessageBox::Icon icon, const std::string &text, const std::string &title,
+                  QMessageBox::StandardButtons buttons, const QString &below)
+{
+    QMessageBox box(icon, Caption(title), Caption(text), buttons, frmOmbrix);
     box.setTextFormat(Qt::PlainText);
-    box.setWindowModality(Qt::ApplicationModal);
-    // Esc says no: it takes the box away, but what was asked for counts as not done.
+    box.setInformativeText(below);
+    for (QAbstractButton *button : box.buttons())
+        GuardKeys(button);
+    // The box itself takes Esc and its close box for its only button. What counts here is a click on OK.
     QShortcut esc(Qt::Key_Escape, &box);
-    QObject::connect(&esc, &QShortcut::activated, &box, [&box] {
-        Abort = Abort || ProcedureRunning();
-        box.hide();
-    });
-    const OpenBox scope(&box);
-    box.show();
-    while (box.isVisible())
-        PumpEvents(kForever);
-    return box.clickedButton() != nullptr;
+    esc.setAutoRepeat(false);
+    QObject::connect(&esc, &QShortcut::activated, &box, &QMessageBox::hide);
+    bool confirmed = false;
+    QObject::connect(box.button(QMessageBox::Ok), &QAbstractButton::clicked, &box, [&confirmed] { confirmed = true; });
+    ShowAndWait(&box);
+    return confirmed;
 }
 
 }  // namespace
 
 bool PromptOperator(const std::string &text, const std::string &title)
 {
-    return AskForOk(QMessageBox::Warning, text, title);
+    QString below = "Esc: not done";
+    if (const QString value = QuantityIn(Caption(text)); !value.isEmpty())
+        below = QString("<p style=\"font-size:%1pt; font-weight:bold; white-space:nowrap\">%2</p><p>%3</p>")
+                    .arg(kRoomPoints)
+                    .arg(value.toHtmlEscaped(), below);
+    return AskForButton(QMessageBox::Warning, text, title, QMessageBox::Ok, below);
 }
 
 void WarnOperator(const std::string &text, const std::string &title)
 {
-    AskForOk(QMessageBox::Critical, text, title);
+    AskForButton(QMessageBox::Critical, text, title, QMessageBox::Ok, "");
+}
+
+bool AskOperator(const std::string &text, const std::string &title)
+{
+    return AskForButton(QMessageBox::Question, text, title, QMessageBox::Ok | QMessageBox::Cancel, "");
+}
+
+bool ShowAndWait(QDialog *dialog)
+{
+    if (silenced)
+        return false;
+    const OpenBox scope(dialog);
+    dialog->setResult(QDialog::Rejected);
+    dialog->show();
+    while (dialog->isVisible())
+        PumpEvents(kForever);
+    return dialog->result() == QDialog::Accepted;
 }
 
 void CloseBoxes()
 {
-    for (QMessageBox *box : openBoxes)
+    for (QDialog *box : openBoxes)
         box->hide();
 }
 

@@ -2,6 +2,7 @@
 
 #include "session/state.h"
 #include "shell/simulation_switch.h"
+#include "widgets/readout.h"
 #include "widgets/widgets.h"
 
 #include <QApplication>
@@ -13,8 +14,6 @@
 
 namespace ombrix {
 namespace {
-
-constexpr int kPanelPoints = 30;  // readable across a room
 
 QPointer<QFrame> fraCalOut;
 QLabel *lblCalOut = nullptr;
@@ -53,7 +52,7 @@ QLabel *LargeLabel(QFrame *shape, const QString &name, const QString &widest, bo
 {
     QLabel *label = Label(shape, name);
     QFont font = label->font();
-    font.setPointSize(kPanelPoints);
+    font.setPointSize(kRoomPoints);
     font.setBold(bold);
     label->setFont(font);
     label->setAlignment(Qt::AlignCenter);

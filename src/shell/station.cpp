@@ -14,9 +14,11 @@
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "shell/alert_bar.h"
 #include "shell/board_chooser.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
+#include "shell/operator_dialogs.h"
 #include "shell/output_panel.h"
 #include "shell/page_frame.h"
 #include "shell/setup_page.h"
@@ -34,13 +36,18 @@ void FillOutlets()
 {
     outlets.showOutput = ShowOutput;
     outlets.showDangerFlag = ShowDangerFlag;
-    outlets.promptOperator = PromptOperator;
-    outlets.warnOperator = WarnOperator;
+    outlets.showAlert = ShowAlert;
     outlets.showSwitchText = ShowSwitchText;
     outlets.showSwitch = ShowSwitch;
     outlets.showWait = ShowWait;
     outlets.showRemark = ShowRemark;
     outlets.keepRemark = KeepRemark;
+    outlets.beep = Beep;
+    outlets.promptOperator = PromptOperator;
+    outlets.warnOperator = WarnOperator;
+    outlets.askOperator = AskOperator;
+    outlets.chooseFile = ChooseFile;
+    outlets.print = PrintLines;
     FaultOutlet = ShowRemark;
     FillDiagramHooks();
 }

@@ -1,33 +1,44 @@
 #include "shell/status_line.h"
 
 #include "platform/clock.h"
+#include "shell/summary_window.h"
 #include "widgets/widgets.h"
 
 #include <QFrame>
 #include <QLabel>
+#include <QPushButton>
 #include <QStatusBar>
+
+#include <algorithm>
+#include <vector>
 
 namespace ombrix {
 namespace {
 
 constexpr int kLookMs = 1000;
 
+QLabel *lblProgress = nullptr;
 QFrame *shpBusy = nullptr;  // the busy mark
 QLabel *lblWait = nullptr;
 QLabel *lblRemark = nullptr;
 QLabel *lblKeptRemark = nullptr;
 
-std::string waitText;
-std::int64_t waitStart = 0;
+struct Wait {
+    std::string text;
+    std::int64_t start;
+};
+std::vector<Wait> waits;  // the one in front last, behind it those that stand around it
 bool lookPlanned = false;
 int lineNumber = 0;  // tells a look planned for an earlier window
 
 void ShowWaitText()
 {
-    QString text = QString::fromStdString(waitText);
-    const auto seconds = (NowMicros() - waitStart) / 1'000'000;
-    if (!waitText.empty() && seconds > 0)
-        text += QString("  %1 s").arg(seconds);
+    QString text;
+    if (!waits.empty()) {
+        text = QString::fromStdString(waits.back().text);
+        if (const auto seconds = (NowMicros() - waits.back().start) / 1'000'000; seconds > 0)
+            text += QString("  %1 s").arg(seconds);
+    }
     if (lblWait->text() == text)
         return;
     lblWait->setText(text);
@@ -52,7 +63,7 @@ void PlanLook()
             return;
         lookPlanned = false;
         ShowWaitText();
-        if (!waitText.empty())
+        if (!waits.empty())
             PlanLook();
     });
 }
@@ -74,18 +85,23 @@ void BuildStatusLine(QStatusBar *line)
     lblKeptRemark = Label(line, "lblKeptRemark");
     lblKeptRemark->setMinimumWidth(1);  // nor does this one
     lblKeptRemark->setContentsMargins(16, 0, 0, 0);
+    lblProgress = Label(line, "lblProgress");
+    lblProgress->setContentsMargins(0, 0, 16, 0);
+    lblProgress->hide();
+    line->addWidget(lblProgress);
     line->addWidget(shpBusy);
     line->addWidget(lblWait);
     line->addWidget(lblRemark, 1);
     line->addWidget(lblKeptRemark);
-    waitText.clear();
+    line->addPermanentWidget(BuildSummaryButton(line));
+    waits.clear();
     lookPlanned = false;
     ++lineNumber;
 }
 
 void DropStatusLine()
 {
-    lblWait = lblRemark = lblKeptRemark = nullptr;
+    lblProgress = lblWait = lblRemark = lblKeptRemark = nullptr;
     shpBusy = nullptr;
 }
 
@@ -93,12 +109,23 @@ void ShowWait(const std::string &text)
 {
     if (!lblWait)
         return;
-    waitText = text;
-    waitStart = NowMicros();
     if (text.empty())
-        return;  // the planned look takes it away
+        return waits.clear();  // the planned look takes it away
+    const auto known = std::find_if(waits.begin(), waits.end(), [&](const Wait &wait) { return wait.text == text; });
+    if (known == waits.end())
+        waits.push_back({text, NowMicros()});
+    else
+        waits.erase(known + 1, waits.end());
     ShowWaitText();
     PlanLook();
+}
+
+void ShowProgress(const std::string &text)
+{
+    if (!lblProgress)
+        return;
+    lblProgress->setText(Caption(text));
+    lblProgress->setVisible(!text.empty());
 }
 
 void ShowRemark(const std::string &text)

@@ -1,5 +1,5 @@
-// The thin line at the window's foot: what the station waits for and for how long, the last remark, and
-// the one that is kept.
+// The thin line at the window's foot: how far the work is, what the station waits for and for how long, the last remark,
+// the one that is kept, and the way to the summary.
 #pragma once
 
 #include <string>
@@ -13,8 +13,10 @@ void BuildStatusLine(QStatusBar *line);
 void DropStatusLine();
 
 /// What is waited for, "" nothing. The line looks at it once a second and only while something is waited for, so
-/// waits that follow each other closely do not flicker.
+/// waits that follow each other closely do not flicker. A wait that comes to the front again counts from its own start.
 void ShowWait(const std::string &text);
+/// How far the work is ("range 4 of 11"); "" nothing.
+void ShowProgress(const std::string &text);
 /// Takes the place of the remark before.
 void ShowRemark(const std::string &text);
 /// Stands at the right, whatever is remarked later; "" takes it away.

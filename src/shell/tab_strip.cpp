@@ -15,6 +15,7 @@
 
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMainWindow>
 #include <QPushButton>
 #include <QTabBar>
 #include <QWheelEvent>
@@ -128,6 +129,19 @@ QWidget *BuildTabStrip(QWidget *parent)
     QObject::connect(tabCalib, &QTabBar::tabBarClicked, tabCalib,
                      [](int tab) { RunHandler([tab] { tabCalib_Press(tab); }); });
     return tabCalib;
+}
+
+void ShowTabsAllowed(bool on)
+{
+    if (!frmOmbrix)
+        return;
+    const QPalette page = frmOmbrix->palette();
+    const QColor text = page.color(QPalette::Active, QPalette::WindowText);
+    QPalette palette = page;
+    for (const auto role : {QPalette::WindowText, QPalette::ButtonText})
+        palette.setColor(role, on ? text : Mix(text, page.color(QPalette::Active, QPalette::Window), 0.4));
+    tabCalib->setPalette(on ? QPalette() : palette);
+    tabCalib->setAttribute(Qt::WA_Hover, on);
 }
 
 void PutStripOn(int tab)

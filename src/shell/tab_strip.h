@@ -7,6 +7,9 @@ namespace ombrix {
 
 QWidget *BuildTabStrip(QWidget *parent);
 
+/// Tabs look as they are: off, they are dim and don't answer the mouse.
+void ShowTabsAllowed(bool on);
+
 /// Moves the strip without any reaction.
 void PutStripOn(int tab);
 /// The same to the tab that is open: an operator who clicked a tab and then something else has left it.

@@ -1,11 +1,17 @@
 #include "shell/operator_boxes.h"
 
 #include "session/procedure.h"
+#include "shell/main_window.h"
 #include "shell/shell_fixture.h"
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QMainWindow>
 #include <QMessageBox>
+#include <QRegularExpression>
+#include <QtTest/QTest>
+
+#include <functional>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -15,7 +21,7 @@ namespace {
 class OperatorBoxes : public ShellTest
 {
 protected:
-    static QMessageBox *Box() { return qobject_cast<QMessageBox *>(QApplication::activeModalWidget()); }
+    static QMessageBox *Box() { return ScriptedOperator::Box(); }
 };
 
 }  // namespace
@@ -43,19 +49,125 @@ TEST_F(OperatorBoxes, APromptCarriesAnExclamationMarkAndWaitsForOk)
     EXPECT_TRUE(returned);
 }
 
-TEST_F(OperatorBoxes, EscAtAPromptStopsTheProcedureInsteadOfConfirming)
+TEST_F(OperatorBoxes, EscAtAPromptSaysNotDoneAndStopsNothing)
 {
-    bool stopped = false;
+    bool done = true;
+    bool stopped = true;
     person.Does([&] {
         RunProcedure([&] {
-            outlets.promptOperator("Apply an accurate input signal of 660 V to the Meter", "Apply Input Signal");
+            done = outlets.promptOperator("Apply an accurate input signal of 660 V to the Meter", "Apply Input Signal");
             stopped = Abort;
         });
     });
     person.WaitsUntil("the box is up", [] { return Box() != nullptr; }).Presses(Qt::Key_Escape);
     ASSERT_TRUE(person.Runs());
-    EXPECT_TRUE(stopped);
+    EXPECT_FALSE(done);
+    EXPECT_FALSE(stopped) << "what follows from it is for those who asked";
     EXPECT_EQ(Box(), nullptr);
+}
+
+TEST_F(OperatorBoxes, ThePromptsOwnCloseBoxSaysNotDone)
+{
+    bool done = true;
+    person.Does([&] { done = outlets.promptOperator("Remove any input signal from the meter", "Remove Input"); });
+    person.WaitsUntil("the box is up", [] { return Box() != nullptr; }).Does([] { Box()->close(); });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_FALSE(done);
+}
+
+TEST_F(OperatorBoxes, APromptShowsItsValueLargeAndSaysWhatEscDoes)
+{
+    const auto below = [this](const std::string &text) {
+        QString shown;
+        person.Does([text] { outlets.promptOperator(text, "Apply Input Signal"); })
+            .WaitsUntil("the box is up", [] { return Box() != nullptr; })
+            .Does([&shown] { shown = Box()->informativeText(); })
+            .AnswersBox("OK");
+        EXPECT_TRUE(person.Runs());
+        EXPECT_TRUE(shown.contains("Esc: not done"));
+        static const QRegularExpression value("font-size:30pt[^>]*>([^<]*)<");
+        return value.match(shown).captured(1).toStdString();
+    };
+    for (const char *value :
+         {"660 V", "200 mV", "-75.6 mV", "17.475 mV", "5 A", "2 mV, 300 Hz", "100 Ohms", "1356.4 F"})
+        EXPECT_EQ(below("Apply an accurate input signal of " + std::string(value) + " to the Meter"), value);
+    EXPECT_EQ(below("Remove any input signal from the meter"), "");
+}
+
+TEST_F(OperatorBoxes, AHandThatPressedEnterForSomethingElseConfirmsNothing)
+{
+    bool done = false;
+    person.Does([&] { done = outlets.promptOperator("Remove any input signal from the meter", "Remove Input"); })
+        .WaitsUntil("the box is up", [] { return Box() != nullptr; })
+        .PressesAtOnce(Qt::Key_Return)
+        .Does([] { EXPECT_NE(Box(), nullptr); })
+        .Presses(Qt::Key_Return)
+        .Does([] { EXPECT_EQ(Box(), nullptr); });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(done);
+}
+
+TEST_F(OperatorBoxes, AQuestionIsAnsweredYesByOkAlone)
+{
+    const auto answer = [this](const std::function<void()> &tell) {
+        bool yes = false;
+        person.Does([&yes] { yes = outlets.askOperator("This meter will be initialized.", "Extended Meter"); });
+        person.WaitsUntil("the box is up", [] { return Box() != nullptr; });
+        tell();
+        EXPECT_TRUE(person.Runs());
+        return yes;
+    };
+    EXPECT_TRUE(answer([this] { person.AnswersBox("OK"); }));
+    EXPECT_FALSE(answer([this] { person.AnswersBox("Cancel"); }));
+    EXPECT_FALSE(answer([this] { person.Presses(Qt::Key_Escape); }));
+    EXPECT_FALSE(answer([this] { person.Does([] { Box()->close(); }); }));
+    EXPECT_FALSE(answer([this] { person.Does(CloseBoxes); }));
+}
+
+TEST_F(OperatorBoxes, TheWindowBehindABoxTakesNoInputButQuit)
+{
+    ScriptedOperator::Find("optAutomatic")->setFocus();
+    person.Does([] { outlets.promptOperator("Remove any input signal from the meter", "Remove Input"); })
+        .WaitsUntil("the box is up", [] { return Box() != nullptr; })
+        .Clicks("optManual")
+        .ClicksTab(kTabLc)
+        .Does([] {
+            EXPECT_FALSE(IsOn("optManual"));
+            EXPECT_EQ(Strip()->currentIndex(), kTabDc);
+            frmOmbrix->activateWindow();
+        })
+        .PressesAtOnce(Qt::Key_Down)
+        .Does([] {
+            EXPECT_FALSE(IsOn("optManual"));
+            EXPECT_NE(Box(), nullptr);
+        })
+        .Clicks("cmdQuit");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(Quitting);
+    EXPECT_EQ(Box(), nullptr);
+}
+
+TEST_F(OperatorBoxes, TheCloseBoxOfTheWindowAndCtrlQAreOpenWhileABoxIsUp)
+{
+    for (const bool byKey : {false, true}) {
+        CloseStation();
+        RequestShutdown(false);
+        OpenWholeStation();
+        bool done = true;
+        person.Does([&] { done = outlets.promptOperator("Remove any input signal from the meter", "Remove Input"); })
+            .WaitsUntil("the box is up", [] { return Box() != nullptr; })
+            .Does([byKey] {
+                // The toolkit drops the desktop's wish to close a window that stands behind a modal one.
+                EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+                if (byKey)
+                    QTest::keyClick(Box()->button(QMessageBox::Ok), Qt::Key_Q, Qt::ControlModifier);
+                else
+                    frmOmbrix->close();
+            });
+        ASSERT_TRUE(person.Runs());
+        EXPECT_TRUE(Quitting) << byKey;
+        EXPECT_EQ(Box(), nullptr) << byKey;
+    }
 }
 
 TEST_F(OperatorBoxes, AWarningCarriesAStopSign)

@@ -55,6 +55,28 @@ TEST_F(StatusLine, EachWaitCountsFromItsOwnStart)
     EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply");
 }
 
+TEST_F(StatusLine, AWaitThatStandsAroundOthersCountsThrough)
+{
+    const WaitNote restart("Meter restarts");
+    Passes(3000);
+    for (int i = 0; i < 2; ++i) {
+        const WaitNote reply("Meter: waiting for reply");
+        Passes(2000);
+        EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply  2 s");
+    }
+    EXPECT_EQ(Text("lblWait"), "Meter restarts  7 s");
+}
+
+TEST_F(StatusLine, SaysHowFarTheWorkIs)
+{
+    EXPECT_FALSE(Sees("lblProgress"));
+    ShowProgress("range 4 of 11");
+    EXPECT_TRUE(Sees("lblProgress"));
+    EXPECT_EQ(Text("lblProgress"), "range 4 of 11");
+    ShowProgress("");
+    EXPECT_FALSE(Sees("lblProgress"));
+}
+
 TEST_F(StatusLine, LooksOnceASecondAtMostAndNotAtAllWhenNothingIsWaitedFor)
 {
     for (int i = 0; i < 50; i++) {

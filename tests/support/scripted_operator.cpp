@@ -6,9 +6,14 @@
 
 #include "platform/clock.h"
 #include "support/virtual_clock.h"
+#include "widgets/key_guard.h"
 
 #include <QAbstractButton>
+#include <QAbstractPrintDialog>
 #include <QApplication>
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFileDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -20,6 +25,7 @@
 
 #include <iostream>
 #include <map>
+#include <stdexcept>
 #include <utility>
 
 namespace ombrix::test {
@@ -28,9 +34,24 @@ namespace {
 constexpr int kTickMs = 5;                          // real time between two looks at the script
 constexpr std::int64_t kGraceMicros = 120'000'000;  // what a started procedure may still take after the last step
 
-QMessageBox *OpenBox()
+// The one in front where several stand.
+template <class Dialog> Dialog *Open()
 {
-    return qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+    if (auto *active = qobject_cast<Dialog *>(QApplication::activeWindow()))
+        return active;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        auto *dialog = qobject_cast<Dialog *>(window);
+        if (dialog && dialog->isVisible())
+            return dialog;
+    }
+    return nullptr;
+}
+
+void ClickButton(QWidget *dialog, QDialogButtonBox::StandardButton which, QDialogButtonBox::StandardButton orElse)
+{
+    auto *box = dialog->findChild<QDialogButtonBox *>();
+    QAbstractButton *button = box->button(which) ? box->button(which) : box->button(orElse);
+    QTest::mouseClick(button, Qt::LeftButton);
 }
 
 QString Name(const std::string &name)
@@ -131,9 +152,52 @@ ScriptedOperator &ScriptedOperator::Types(const std::string &name, const std::st
 
 ScriptedOperator &ScriptedOperator::Presses(int key)
 {
+    const bool pressesButtons = key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Space;
+    return pressesButtons ? Waits(kDeafMs).PressesAtOnce(key) : PressesAtOnce(key);
+}
+
+ScriptedOperator &ScriptedOperator::PressesAtOnce(int key)
+{
     return Then(
         "press a key", [] { return QApplication::focusWidget() != nullptr; },
         [key] { QTest::keyClick(QApplication::focusWidget(), static_cast<Qt::Key>(key)); });
+}
+
+ScriptedOperator &ScriptedOperator::AnswersBox(const std::string &caption)
+{
+    return Then(
+        "answer the box with " + caption, [] { return Box() != nullptr; },
+        [caption] {
+            for (QAbstractButton *button : Box()->buttons()) {
+                if (button->text().remove('&').toStdString() == caption)
+                    return QTest::mouseClick(button, Qt::LeftButton);
+            }
+            throw std::runtime_error("the box has no button " + caption);
+        });
+}
+
+ScriptedOperator &ScriptedOperator::ChoosesFile(const std::string &path)
+{
+    return Then(
+        "choose the file " + path, [] { return Open<QFileDialog>() != nullptr; },
+        [path] {
+            auto *dialog = Open<QFileDialog>();
+            dialog->findChild<QLineEdit *>("fileNameEdit")->setText(Name(path));
+            ClickButton(dialog, path.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Open, QDialogButtonBox::Ok);
+        });
+}
+
+ScriptedOperator &ScriptedOperator::PrintsTo(const std::string &path)
+{
+    return Then(
+        "print to " + path, [] { return Open<QAbstractPrintDialog>() != nullptr; },
+        [path] {
+            auto *dialog = Open<QAbstractPrintDialog>();
+            auto *printers = dialog->findChild<QComboBox *>("printers");
+            printers->setCurrentIndex(printers->findText("PDF", Qt::MatchContains));
+            dialog->findChild<QLineEdit *>("filename")->setText(Name(path));
+            ClickButton(dialog, path.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Ok, QDialogButtonBox::Ok);
+        });
 }
 
 ScriptedOperator &ScriptedOperator::WaitsFor(const std::string &name)
@@ -195,9 +259,9 @@ void ScriptedOperator::Fails(const std::string &why)
     RequestShutdown();
 }
 
-bool ScriptedOperator::AnswersBox()
+bool ScriptedOperator::ObeysBox()
 {
-    QMessageBox *box = OpenBox();
+    QMessageBox *box = Box();
     if (!box || !onBox)
         return false;
     onBox(box->windowTitle().toStdString(), box->text().toStdString());
@@ -209,7 +273,7 @@ bool ScriptedOperator::Tick()
 {
     if (!m_running)
         return false;
-    if (AnswersBox())
+    if (ObeysBox())
         return true;
     const std::int64_t now = NowMicros();
     if (m_script.empty()) {
@@ -358,15 +422,20 @@ std::string ScriptedOperator::Fill(const std::string &name)
     return widget->palette().color(QPalette::Active, role).name().toStdString();
 }
 
+QMessageBox *ScriptedOperator::Box()
+{
+    return Open<QMessageBox>();
+}
+
 std::string ScriptedOperator::BoxText()
 {
-    const QMessageBox *box = OpenBox();
+    const QMessageBox *box = Box();
     return box ? box->text().toStdString() : "";
 }
 
 std::string ScriptedOperator::BoxTitle()
 {
-    const QMessageBox *box = OpenBox();
+    const QMessageBox *box = Box();
     return box ? box->windowTitle().toStdString() : "";
 }
 

@@ -38,8 +38,16 @@ public:
     ScriptedOperator &ClicksCell(const std::string &grid, int row, int column);
     /// Puts text into a field, key by key, in place of what stood there.
     ScriptedOperator &Types(const std::string &name, const std::string &text);
-    /// A key to the widget that has the focus.
+    /// A key to the widget that has the focus. Enter and Space come after the moment in which a button is deaf to them.
     ScriptedOperator &Presses(int key);
+    /// The same with no moment between.
+    ScriptedOperator &PressesAtOnce(int key);
+    /// Clicks the button of the open message box that carries this caption.
+    ScriptedOperator &AnswersBox(const std::string &caption);
+    /// Types a path into the open file dialog and accepts it; "" cancels the dialog.
+    ScriptedOperator &ChoosesFile(const std::string &path);
+    /// Prints to a file in the open print dialog; "" cancels the dialog.
+    ScriptedOperator &PrintsTo(const std::string &path);
     /// Until the widget is seen and enabled.
     ScriptedOperator &WaitsFor(const std::string &name);
     ScriptedOperator &WaitsForText(const std::string &name, const std::string &text);
@@ -71,6 +79,8 @@ public:
     static int Columns(const std::string &grid);
     /// The colour a shape or button is filled with, "#rrggbb".
     static std::string Fill(const std::string &name);
+    /// The message box in front, null when none is open.
+    static QMessageBox *Box();
     /// Text of the open message box, "" when none is open.
     static std::string BoxText();
     static std::string BoxTitle();
@@ -87,7 +97,7 @@ private:
     bool Tick();
     static QWidget *Search(const std::string &name);
     void TicksLater();
-    bool AnswersBox();
+    bool ObeysBox();
     void Fails(const std::string &why);
     std::string Waiting() const;
 

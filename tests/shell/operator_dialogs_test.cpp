@@ -1,0 +1,138 @@
+#include "shell/operator_dialogs.h"
+
+#include "platform/safe_file.h"
+#include "session/outlets.h"
+#include "session/state.h"
+#include "shell/operator_boxes.h"
+#include "shell/station.h"
+#include "support/station.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QLineEdit>
+
+namespace ombrix::test {
+namespace {
+
+class OperatorDialogs : public testing::Test
+{
+protected:
+    OperatorDialogs()
+    {
+        QDir().mkdir("images");
+        WriteFile("images/one.dpm", "1");
+        WriteFile("images/two.dpm", "2");
+    }
+
+    static std::string Path(const char *name) { return QDir::current().filePath(name).toStdString(); }
+
+    /// Opens the file dialog; what the script says next runs while it waits.
+    ScriptedOperator &Opens(const std::string &start)
+    {
+        return person.Does([this, start] { path = outlets.chooseFile("Open", "Meter files (*.dpm)", start); });
+    }
+
+    static QByteArray Written(const char *name)
+    {
+        QFile file(name);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    Station station;
+    ScriptedOperator &person = station.person;
+    std::string path = "?";
+};
+
+TEST_F(OperatorDialogs, AFileIsChosenByItsPath)
+{
+    Opens("images").ChoosesFile(Path("images/two.dpm"));
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(path, Path("images/two.dpm"));
+}
+
+TEST_F(OperatorDialogs, TheFileDialogBeginsAtTheFileBefore)
+{
+    Opens(Path("images/one.dpm"))
+        .WaitsUntil("it is up", [] { return ScriptedOperator::Sees("dlgOpen"); })
+        .Does([] {
+            auto *dialog = qobject_cast<QFileDialog *>(ScriptedOperator::Find("dlgOpen"));
+            EXPECT_EQ(dialog->directory().dirName(), "images");
+            EXPECT_EQ(dialog->findChild<QLineEdit *>("fileNameEdit")->text(), "one.dpm");
+            EXPECT_EQ(dialog->nameFilters(), QStringList("Meter files (*.dpm)"));
+            EXPECT_EQ(dialog->windowTitle(), "Open");
+        })
+        .ChoosesFile("");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(path, "");
+}
+
+TEST_F(OperatorDialogs, AFileThatIsNotThereIsToldAndAskedAgain)
+{
+    std::string told;
+    Opens("images")
+        .ChoosesFile(Path("images/three.dpm"))
+        .WaitsUntil("it is told", [] { return ScriptedOperator::Box() != nullptr; })
+        .Does([&] { told = ScriptedOperator::BoxText(); })
+        .AnswersBox("OK")
+        .ChoosesFile(Path("images/one.dpm"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_EQ(told, "There is no such file: " + Path("images/three.dpm"));
+    EXPECT_EQ(path, Path("images/one.dpm"));
+}
+
+TEST_F(OperatorDialogs, TheEndOfTheProgramChoosesNoFile)
+{
+    Opens(Path("images/one.dpm"))
+        .WaitsUntil("it is up", [] { return ScriptedOperator::Sees("dlgOpen"); })
+        .Does(CloseBoxes);
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(path, "");
+}
+
+TEST_F(OperatorDialogs, QuitTakesTheFileDialogAway)
+{
+    Opens("images").WaitsUntil("it is up", [] { return ScriptedOperator::Sees("dlgOpen"); }).Clicks("cmdQuit");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(Quitting);
+    EXPECT_EQ(path, "?") << "whoever asked is unwound";
+}
+
+TEST_F(OperatorDialogs, LinesArePrintedToAFileWithoutAPrinter)
+{
+    std::string trouble = "?";
+    person.Does([&] {
+              trouble = outlets.print("Verification", {{""}, {"INPUT   200mV", true}, {" +DC   79990"}}, 12);
+          })
+        .PrintsTo(Path("page.pdf"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_EQ(trouble, "");
+    const QByteArray pdf = Written("page.pdf");
+    EXPECT_TRUE(pdf.startsWith("%PDF"));
+    EXPECT_EQ(pdf.count("/Type /Page\n"), 1) << "one page";
+    EXPECT_TRUE(pdf.contains("Mono") || pdf.contains("Courier")) << "a fixed pitch";
+}
+
+TEST_F(OperatorDialogs, WhatFindsNoRoomOnAPageGoesToTheNext)
+{
+    std::string trouble = "?";
+    const std::vector<PrintedLine> lines(150, {"a line"});
+    person.Does([&] { trouble = outlets.print("Long", lines, 12); }).PrintsTo(Path("long.pdf"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_EQ(trouble, "");
+    EXPECT_EQ(Written("long.pdf").count("/Type /Page\n"), 3);
+}
+
+TEST_F(OperatorDialogs, ACancelledPrintWritesNothingAndIsNoTrouble)
+{
+    std::string trouble = "?";
+    person.Does([&] { trouble = outlets.print("Verification", {{"text"}}, 12); }).PrintsTo("");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(trouble, "");
+    EXPECT_EQ(QDir::current().entryList({"*.pdf"}).size(), 0);
+}
+
+}  // namespace
+}  // namespace ombrix::test
