@@ -51,6 +51,7 @@ QStackedWidget *pageStack = nullptr;
 namespace {
 
 constexpr QSize kDefaultSize(1100, 760);
+constexpr int kTitleBar = 36;        // what the desktop puts above the window
 constexpr int kPageWidth = 1200;     // wider, the eye loses its row
 constexpr int kSideWidth = 420;      // as wide as what stands beside the page gets
 constexpr double kSideShare = 0.24;  // of the window
@@ -241,13 +242,6 @@ void BuildLayout(QWidget *centre)
     all->addWidget(BuildBottom(centre));
 }
 
-// Not larger than the screen.
-QSize FirstSize()
-{
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    return screen ? kDefaultSize.boundedTo(screen->availableSize()) : kDefaultSize;
-}
-
 }  // namespace
 
 void BuildMainWindow()
@@ -262,7 +256,8 @@ void BuildMainWindow()
     BuildStatusLine(frmOmbrix->statusBar());
     frmOmbrix->setWindowIcon(WindowIcon());
     Everywhere(frmOmbrix, "F1", [] { OpenGuide(QCoreApplication::applicationDirPath()); });
-    frmOmbrix->resize(FirstSize());
+    if (const QScreen *screen = QGuiApplication::primaryScreen())
+        frmOmbrix->resize(FirstSize(screen->availableSize()));
 }
 
 void BuildPages()
@@ -303,6 +298,11 @@ void ShowNoPage(const std::string &step)
 {
     if (lblNoPage)
         lblNoPage->setText(step.empty() ? "" : Caption(step + "\r\nThis version has no page for this step."));
+}
+
+QSize FirstSize(const QSize &room)
+{
+    return kDefaultSize.boundedTo(room - QSize(0, kTitleBar));
 }
 
 QString VersionText(int major, int minor, int revision)

@@ -3,6 +3,7 @@
 // status line. The window fits any screen from 960 by 540 on: what finds no room scrolls.
 #pragma once
 
+#include <QSize>
 #include <QString>
 
 #include <string>
@@ -36,6 +37,9 @@ QFrame *PageFrame(int index);
 
 /// On page 0: that this version has no page for a step; blank for "".
 void ShowNoPage(const std::string &step);
+
+/// How large the window opens where a screen leaves so much room.
+QSize FirstSize(const QSize &room);
 
 /// " 1.0", or " 1.0.3" for a revision other than 0.
 QString VersionText(int major, int minor, int revision);

@@ -86,6 +86,7 @@ bool ShowAndWait(QDialog *dialog)
     if (silenced)
         return false;
     const OpenBox scope(dialog);
+    dialog->setWindowModality(Qt::NonModal);  // the gate bars the window, all but what is always open
     dialog->setResult(QDialog::Rejected);
     dialog->show();
     while (dialog->isVisible())

@@ -7,7 +7,7 @@
 #include <QHeaderView>
 #include <QTableWidget>
 
-#include <numeric>
+#include <algorithm>
 #include <utility>
 
 namespace ombrix {
@@ -24,15 +24,32 @@ int Share(const QTableWidget *grid, int column)
     return grid->horizontalHeaderItem(column)->data(kShareRole).toInt();
 }
 
+// What a header needs to be read in full.
+int HeaderWidth(const QTableWidget *grid, int column)
+{
+    constexpr int kMargin = 10;
+    const QString text = grid->horizontalHeaderItem(column)->text();
+    return grid->horizontalHeader()->fontMetrics().size(0, text).width() + kMargin;
+}
+
+// By the shares of the columns, but no header is cut as long as all of them find room.
 void ShareWidth(QTableWidget *grid)
 {
     int sharesLeft = 0;
-    for (int column = 0; column < grid->columnCount(); ++column)
-        sharesLeft += Share(grid, column);
     int widthLeft = grid->viewport()->width();
+    int spare = widthLeft;
+    for (int column = 0; column < grid->columnCount(); ++column) {
+        sharesLeft += Share(grid, column);
+        spare -= HeaderWidth(grid, column);
+    }
     for (int column = 0; column < grid->columnCount(); ++column) {
         const int share = Share(grid, column);
-        const int width = widthLeft * share / sharesLeft;  // of what is left: the last column ends at the edge
+        int width = widthLeft * share / sharesLeft;  // of what is left: the last column ends at the edge
+        if (spare >= 0) {
+            const int least = HeaderWidth(grid, column);
+            width = std::clamp(width, least, least + spare);
+            spare -= width - least;
+        }
         grid->setColumnWidth(column, width);
         widthLeft -= width;
         sharesLeft -= share;

@@ -43,13 +43,12 @@ QFrame *Readout(QWidget *parent, const QString &name)
     number->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     number->setMinimumWidth(QFontMetrics(font).horizontalAdvance("-88888."));  // stands still while it runs
     QLabel *mark = Label(readout, name + "Mark");
-    mark->setAlignment(Qt::AlignRight);
     mark->setContentsMargins(4, 0, 4, 0);
     auto *column = new QVBoxLayout(readout);
     column->setContentsMargins(0, 0, 0, 0);
     column->setSpacing(0);
     column->addWidget(number);
-    column->addWidget(mark);
+    column->addWidget(mark, 0, Qt::AlignRight);
     readout->setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
     return readout;
 }

@@ -63,7 +63,7 @@ TEST_F(AlertBar, StaysThroughAChangeOfPageUntilItIsTakenAway)
 TEST_F(AlertBar, IsReadInFullOnASmallScreen)
 {
     outlets.showAlert(kAlert);
-    for (const QSize size : {QSize(1024, 700), QSize(960, 510)}) {
+    for (const QSize size : {QSize(1024, 700), QSize(960, 504)}) {
         frmOmbrix->resize(size);
         Settles();
         EXPECT_EQ(frmOmbrix->size(), size);

@@ -83,6 +83,8 @@ TEST_F(OutputPanel, HiddenItSaysNothingAndKeepsItsRoom)
 {
     Automatic = false;
     const auto place = [] { return ScriptedOperator::Find("cmdQuit")->mapToGlobal(QPoint(0, 0)); };
+    person.Waits(10);
+    ASSERT_TRUE(person.Runs());
     const QPoint before = place();
     ShowCalPanel(false);
     EXPECT_FALSE(Sees("fraCalOut"));

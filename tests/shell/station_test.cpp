@@ -107,9 +107,15 @@ TEST_F(StartUp, QuitNeverGetsTheFocusFromAButtonThatGoesOff)
     EXPECT_FALSE(HasFocus("cmdQuit"));
 }
 
-TEST_F(StartUp, TheWindowIs1100By760)
+TEST_F(StartUp, TheWindowOpensAt1100By760OrAsLargeAsTheScreenLets)
 {
     EXPECT_EQ(frmOmbrix->size(), QSize(1100, 760));
+    EXPECT_EQ(FirstSize(QSize(1920, 1050)), QSize(1100, 760));
+    const QSize small = FirstSize(QSize(960, 540));
+    EXPECT_EQ(small.width(), 960);
+    EXPECT_LT(small.height(), 540) << "the desktop's title bar finds room";
+    frmOmbrix->resize(small);
+    EXPECT_EQ(frmOmbrix->size(), small);
 }
 
 TEST_F(StartUp, NothingIsSentBeforeEstablish)

@@ -61,10 +61,10 @@ TEST_F(StatusLine, AWaitThatStandsAroundOthersCountsThrough)
     Passes(3000);
     for (int i = 0; i < 2; ++i) {
         const WaitNote reply("Meter: waiting for reply");
-        Passes(2000);
+        Passes(2600);
         EXPECT_EQ(Text("lblWait"), "Meter: waiting for reply  2 s");
     }
-    EXPECT_EQ(Text("lblWait"), "Meter restarts  7 s");
+    EXPECT_EQ(Text("lblWait"), "Meter restarts  8 s");
 }
 
 TEST_F(StatusLine, SaysHowFarTheWorkIs)

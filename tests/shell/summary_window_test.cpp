@@ -1,12 +1,14 @@
 #include "shell/summary_window.h"
 
 #include "session/outlets.h"
+#include "shell/main_window.h"
 #include "support/station.h"
 
 #include <gtest/gtest.h>
 
 #include <QApplication>
 #include <QClipboard>
+#include <QMainWindow>
 #include <QPlainTextEdit>
 
 namespace ombrix::test {
@@ -61,8 +63,12 @@ TEST_F(SummaryWindow, OpensWhileABoxIsUp)
 TEST_F(SummaryWindow, LeavesTheKeysWithTheWork)
 {
     SetSummarySource([] { return std::string("text"); });
-    ASSERT_TRUE(ScriptedOperator::HasFocus("cmdEstablish"));
-    EXPECT_EQ(ScriptedOperator::Find("cmdSummary")->focusPolicy(), Qt::NoFocus);
+    person.WaitsUntil("Establish has the focus", [] { return ScriptedOperator::HasFocus("cmdEstablish"); })
+        .Clicks("cmdSummary")
+        .Clicks("cmdSummaryClose")
+        .Does([] { frmOmbrix->activateWindow(); })  // as a desktop does when the window in front has gone
+        .WaitsUntil("Establish has it again", [] { return ScriptedOperator::HasFocus("cmdEstablish"); });
+    EXPECT_TRUE(person.Runs()) << person.Trouble();
 }
 
 }  // namespace

@@ -19,6 +19,7 @@
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
+#include <QPushButton>
 #include <QTabBar>
 #include <QTableWidget>
 #include <QTimer>
@@ -50,8 +51,7 @@ template <class Dialog> Dialog *Open()
 void ClickButton(QWidget *dialog, QDialogButtonBox::StandardButton which, QDialogButtonBox::StandardButton orElse)
 {
     auto *box = dialog->findChild<QDialogButtonBox *>();
-    QAbstractButton *button = box->button(which) ? box->button(which) : box->button(orElse);
-    QTest::mouseClick(button, Qt::LeftButton);
+    QTest::mouseClick(box->button(box->button(which) ? which : orElse), Qt::LeftButton);
 }
 
 QString Name(const std::string &name)

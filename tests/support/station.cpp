@@ -1,9 +1,12 @@
 #include "support/station.h"
 
 #include "session/state.h"
+#include "shell/main_window.h"
 #include "shell/station.h"
 
+#include <QCoreApplication>
 #include <QDir>
+#include <QMainWindow>
 
 namespace ombrix::test {
 
@@ -12,6 +15,8 @@ void OpenWholeStation()
     FillOutlets();
     RegisterPages();
     OpenStation();
+    frmOmbrix->resize(FirstSize(QSize(1920, 1080)));  // the screen without a screen is a small one
+    QCoreApplication::sendPostedEvents();
 }
 
 WorkFolder::WorkFolder() : m_before(QDir::currentPath())

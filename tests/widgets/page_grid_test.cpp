@@ -45,6 +45,18 @@ TEST_F(PageGrid, HoldsTextsInTheMiddleOfItsCells)
     EXPECT_GT(grid->rowHeight(0), grid->rowHeight(1));
 }
 
+TEST_F(PageGrid, NoHeaderIsCutWhereAllFindRoom)
+{
+    SetGridColumns(grid, {{"", 1}, {"Turnover", 1}, {"Last", 30}});
+    grid->resize(302, 300);
+    page.show();
+    QCoreApplication::sendPostedEvents();
+    const QFontMetrics metrics = grid->horizontalHeader()->fontMetrics();
+    EXPECT_GT(grid->columnWidth(1), metrics.horizontalAdvance("Turnover"));
+    EXPECT_EQ(grid->columnWidth(0) + grid->columnWidth(1) + grid->columnWidth(2), grid->viewport()->width());
+    EXPECT_GT(grid->columnWidth(2), grid->columnWidth(1));
+}
+
 TEST_F(PageGrid, HasNothingOutsideItsRowsAndColumns)
 {
     AddGridRow(grid, {"1"}, 1);
