@@ -4,26 +4,36 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <filesystem>
+#include <iterator>
 #include <string>
 #include <sys/stat.h>
 #include <system_error>
+#include <utility>
 
 namespace ombrix {
 namespace {
 
 namespace fs = std::filesystem;
 
-bool HasOpen(const fs::path &process, const fs::path &device)
+// Whoever has a pseudo-terminal open together with the maker of such terminals serves its far end.
+constexpr const char *kPtyMakers[] = {"/dev/ptmx", "/dev/pts/ptmx"};
+
+bool HoldsAsRival(const fs::path &process, const fs::path &device)
 {
+    const bool pty = device.string().starts_with("/dev/pts/");
+    bool holds = false;
     std::error_code failed;
     // A process may end while it is looked at.
     for (fs::directory_iterator at(process / "fd", failed), end; !failed && at != end; at.increment(failed)) {
         std::error_code closed;
-        if (fs::read_symlink(at->path(), closed) == device)
-            return true;
+        const fs::path open = fs::read_symlink(at->path(), closed);
+        if (pty && std::find(std::begin(kPtyMakers), std::end(kPtyMakers), open) != std::end(kPtyMakers))
+            return false;
+        holds = holds || open == device;
     }
-    return false;
+    return holds;
 }
 
 // Name of another process that has the device open, "" when none is seen. Without rights other users' processes hide.
@@ -36,7 +46,7 @@ QString HolderOf(const QString &device)
         const fs::path &process = at->path();
         const std::string number = process.filename().string();
         const bool isProcess = number.find_first_not_of("0123456789") == std::string::npos;
-        if (!isProcess || number == own || !HasOpen(process, wanted))
+        if (!isProcess || number == own || !HoldsAsRival(process, wanted))
             continue;
         QFile name(QString::fromStdString(process / "comm"));
         return name.open(QIODevice::ReadOnly) ? QString::fromUtf8(name.readAll()).trimmed()
@@ -52,6 +62,31 @@ bool IsCharacterDevice(const QString &path)
     return stat(path.toLocal8Bit().constData(), &status) == 0 && S_ISCHR(status.st_mode);
 }
 
+// "rw-rw----" of a mode.
+std::string ModeText(QFile::Permissions mode)
+{
+    constexpr std::pair<QFile::Permission, char> kRights[] = {
+        {QFile::ReadOwner, 'r'}, {QFile::WriteOwner, 'w'}, {QFile::ExeOwner, 'x'},
+        {QFile::ReadGroup, 'r'}, {QFile::WriteGroup, 'w'}, {QFile::ExeGroup, 'x'},
+        {QFile::ReadOther, 'r'}, {QFile::WriteOther, 'w'}, {QFile::ExeOther, 'x'}};
+    std::string text;
+    for (const auto &[right, letter] : kRights)
+        text += mode.testFlag(right) ? letter : '-';
+    return text;
+}
+
+// A group helps only where it has the right itself.
+std::string RightsCure(const QFileInfo &device)
+{
+    const std::string group =
+        (device.group().isEmpty() ? QString::number(device.groupId()) : device.group()).toStdString();
+    const bool groupMay = device.permission(QFile::ReadGroup | QFile::WriteGroup);
+    if (groupMay)
+        return "join group " + group + " (sudo usermod -aG " + group + " $USER) and log in again.";
+    return "its mode is " + ModeText(device.permissions()) + ", which keeps group " + group +
+           " out too. Give the group both rights (sudo chmod g+rw " + device.filePath().toStdString() + ").";
+}
+
 }  // namespace
 
 std::string PortTrouble(const std::string &device)
@@ -64,12 +99,8 @@ std::string PortTrouble(const std::string &device)
     const QString path = info.canonicalFilePath();
     if (!IsCharacterDevice(path))
         return "No serial line: name another device in section Ports of Ombrix.ini.";
-    if (!info.isReadable() || !info.isWritable()) {
-        const QString group = info.group().isEmpty() ? QString::number(info.groupId()) : info.group();
-        return ("Closed to this user: join group " + group + " (sudo usermod -aG " + group +
-                " $USER) and log in again.")
-            .toStdString();
-    }
+    if (!info.isReadable() || !info.isWritable())
+        return "Closed to this user: " + RightsCure(info);
     const QString holder = HolderOf(path);
     if (!holder.isEmpty())
         return ("In use by " + holder + ": end that program.").toStdString();
