@@ -1,0 +1,14 @@
+// What the status line keeps saying for as long as it is so. Each subject has one remark; those of several subjects
+// stand beside each other.
+#pragma once
+
+#include <string>
+
+namespace ombrix {
+
+enum class Subject { Settings, Board };
+
+/// Keeps a remark on a subject in place of the one before; "" takes it away and leaves those of other subjects.
+void KeepRemarkOn(Subject subject, const std::string &text);
+
+}  // namespace ombrix
