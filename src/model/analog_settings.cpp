@@ -7,6 +7,7 @@
 #include "model/old_files.h"
 #include "model/settings.h"
 #include "platform/text.h"
+#include "session/state.h"
 
 namespace ombrix {
 namespace {
@@ -77,7 +78,7 @@ void SaveAnaCal()
 {
     IniSet(kSection, "COffCalibPt", CurrentOffsetPoint);
     IniSet(kSection, "DACType", DacTypeText);
-    for (int i = 0; i < kAnalogWords; ++i)
+    for (int i = 0; HardwareMode && i < kAnalogWords; ++i)  // no simulated meter teaches what is kept
         IniSet(kSection, AnalogWordTitle(i), StoredAnalogWords[static_cast<std::size_t>(i)]);
     WordsDirty = false;
     SaveIni();

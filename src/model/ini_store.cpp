@@ -6,6 +6,7 @@
 
 #include "platform/safe_file.h"
 #include "platform/text.h"
+#include "session/kept_remarks.h"
 #include "session/outlets.h"
 
 namespace ombrix {
@@ -161,6 +162,15 @@ bool IsOneLine(const std::string &text)
     return !text.empty() && text.find_first_of("\r\n") == std::string::npos;
 }
 
+// The next save takes the place of a file that holds no settings: what it was stays beside it.
+bool KeptBeside(const std::string &path, const std::string &bytes)
+{
+    if (!WriteFile(path + ".old", bytes).empty())
+        return false;
+    outlets.showRemark(path + " held no settings. It is kept as " + path + ".old.");
+    return true;
+}
+
 // What a line of the file can hold and give back.
 bool CanBeKept(const std::string &section, const IniPair &pair)
 {
@@ -180,13 +190,12 @@ void LoadIni(const std::string &path)
     std::string obstacle;
     if (!bytes && StateOfFile(path) != FileState::Missing)
         obstacle = " can't be read.";
-    else if (!understood)
-        obstacle = " holds no settings.";
     else if (!folderHold.TakeFolderOf(path))
         obstacle = " is in use by another station.";
+    else if (!understood && !KeptBeside(path, *bytes))
+        obstacle = " holds no settings, and " + path + ".old can't be written.";
     fileUsable = obstacle.empty();
-    if (!fileUsable)
-        outlets.keepRemark(path + obstacle + " Settings of this session won't be kept.");
+    KeepRemarkOn(Subject::Settings, fileUsable ? "" : path + obstacle + " Settings of this session won't be kept.");
     IniDirty = false;
 }
 
@@ -196,7 +205,14 @@ void SaveIni()
         return;
     const std::string error = WriteFile(iniPath, FileText());
     IniDirty = !error.empty();
-    outlets.keepRemark(IniDirty ? iniPath + " can't be written: " + error + ". The settings aren't saved." : "");
+    KeepRemarkOn(Subject::Settings,
+                 IniDirty ? iniPath + " can't be written: " + error + ". The settings aren't saved." : "");
+}
+
+void ReleaseIni()
+{
+    folderHold.Release();
+    fileUsable = false;
 }
 
 std::string IniGet(const std::string &section, const std::string &key)

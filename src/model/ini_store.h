@@ -12,12 +12,15 @@ constexpr int kIniKeys = 512;
 extern bool IniDirty;  ///< a value changed since the last save
 extern bool IniReady;  ///< saves go to the file
 
-/// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read or
-/// understood also makes the store unusable, so that it is never overwritten. So does another station in the same
-/// folder: each would write the whole file over what the other has learned.
+/// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read also makes
+/// the store unusable, so that it is never overwritten. So does another station in the same folder: each would write
+/// the whole file over what the other has learned. A file with text but no section reads as empty and is copied to
+/// `path`.old before anything takes its place.
 void LoadIni(const std::string &path = "Ombrix.ini");
 /// Writes only when something changed and the store is usable. On a write error it stays dirty and says so.
 void SaveIni();
+/// Lets the folder go for another program. Nothing is saved any more until the next LoadIni.
+void ReleaseIni();
 
 std::string IniGet(const std::string &section, const std::string &key);
 /// True when the value changed. Adds section and key as needed; both are kept without blanks around them. What a line

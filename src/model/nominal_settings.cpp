@@ -2,6 +2,8 @@
 #include "model/settings.h"
 
 #include <algorithm>
+#include <array>
+#include <memory>
 #include <set>
 #include <vector>
 
@@ -156,6 +158,13 @@ void AddWordsOfBoard(std::vector<IniPair> &pairs, int board)
                 {KeyOf(board, pair.rest), NominalWordOf(board, pair.first) + NominalWordOf(board, pair.second)});
 }
 
+// What real meters taught, while simulated ones teach.
+struct Learned {
+    std::shared_ptr<const NominalTables> nominals;
+    std::array<std::string, kAnalogWords> analogWords;
+};
+Learned aside;
+
 }  // namespace
 
 void LoadGains()
@@ -172,6 +181,8 @@ void LoadGains()
 
 void SaveGains()
 {
+    if (!HardwareMode)
+        return;
     std::vector<IniPair> pairs;
     for (int board = 0; board < kBoards; ++board)
         for (int word = kFirstNominalWord; word <= kLastNominalWord; ++word) {
@@ -198,6 +209,8 @@ void LoadCalibValues()
 
 void SaveCalibValues()
 {
+    if (!HardwareMode)
+        return;
     std::vector<IniPair> pairs;
     for (int board = kDc; board <= kRtd; ++board)
         AddWordsOfBoard(pairs, board);
@@ -206,6 +219,22 @@ void SaveCalibValues()
     IniRefill(kCalibValues, pairs);
     NominalDirty = false;
     SaveIni();
+}
+
+void SetLearnedAside()
+{
+    SaveGains();
+    SaveCalibValues();
+    aside = {CopyNominals(), StoredAnalogWords};
+}
+
+void TakeLearnedBack()
+{
+    if (!aside.nominals)
+        return;
+    RestoreNominals(*aside.nominals);
+    StoredAnalogWords = aside.analogWords;
+    aside = {};
 }
 
 }  // namespace ombrix

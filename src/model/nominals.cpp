@@ -12,11 +12,17 @@ namespace ombrix {
 bool SlopesDirty = false;
 bool NominalDirty = false;
 
+struct NominalTables {
+    std::array<std::array<float, kBoards>, kNominalRows> slopes{};
+    std::array<std::array<std::string, kBoards>, kNominalRows> words;
+    std::array<std::string, kVfGroups> vfGroups;
+    bool slopesDirty = false;
+    bool wordsDirty = false;
+};
+
 namespace {
 
-std::array<std::array<float, kBoards>, kNominalRows> slopes{};
-std::array<std::array<std::string, kBoards>, kNominalRows> words;
-std::array<std::string, kVfGroups> vfGroups;
+NominalTables inForce;
 
 bool IsCell(int board, int word)
 {
@@ -33,9 +39,9 @@ std::string *NominalText(int board, int word)
 {
     if (board == kVf) {
         const int index = VfGroupOfWord(word);
-        return index < 0 ? nullptr : &vfGroups[static_cast<std::size_t>(index)];
+        return index < 0 ? nullptr : &inForce.vfGroups[static_cast<std::size_t>(index)];
     }
-    return IsCell(board, word) ? &words[RowOf(word)][static_cast<std::size_t>(board)] : nullptr;
+    return IsCell(board, word) ? &inForce.words[RowOf(word)][static_cast<std::size_t>(board)] : nullptr;
 }
 
 }  // namespace
@@ -44,7 +50,7 @@ void InitNominalSlopes()
 {
     for (int word = kFirstNominalWord; word <= kLastNominalWord; ++word)
         for (int board = 0; board < kBoards; ++board)
-            slopes[RowOf(word)][static_cast<std::size_t>(board)] = DefaultSlopeOf(board, word);
+            inForce.slopes[RowOf(word)][static_cast<std::size_t>(board)] = DefaultSlopeOf(board, word);
     SlopesDirty = false;
 }
 
@@ -52,9 +58,9 @@ void InitNominalWords()
 {
     for (int word = kFirstNominalWord; word <= kLastNominalWord; ++word)
         for (int board = 0; board < kBoards; ++board)
-            words[RowOf(word)][static_cast<std::size_t>(board)] = DefaultNominalWordOf(board, word);
+            inForce.words[RowOf(word)][static_cast<std::size_t>(board)] = DefaultNominalWordOf(board, word);
     for (int i = 0; i < kVfGroups; ++i)
-        vfGroups[static_cast<std::size_t>(i)] = FirstCyclePattern(i);
+        inForce.vfGroups[static_cast<std::size_t>(i)] = FirstCyclePattern(i);
     NominalDirty = false;
 }
 
@@ -62,6 +68,21 @@ void InitNominals()
 {
     InitNominalSlopes();
     InitNominalWords();
+}
+
+std::shared_ptr<const NominalTables> CopyNominals()
+{
+    auto copy = std::make_shared<NominalTables>(inForce);
+    copy->slopesDirty = SlopesDirty;
+    copy->wordsDirty = NominalDirty;
+    return copy;
+}
+
+void RestoreNominals(const NominalTables &nominals)
+{
+    inForce = nominals;
+    SlopesDirty = nominals.slopesDirty;
+    NominalDirty = nominals.wordsDirty;
 }
 
 float GetNominalSlope(int word)
@@ -76,14 +97,14 @@ void SetNominalSlope(int word, float value)
 
 float NominalSlopeOf(int board, int word)
 {
-    return IsCell(board, word) ? slopes[RowOf(word)][static_cast<std::size_t>(board)] : 0.0f;
+    return IsCell(board, word) ? inForce.slopes[RowOf(word)][static_cast<std::size_t>(board)] : 0.0f;
 }
 
 void SetNominalSlopeOf(int board, int word, float value)
 {
     if (!IsCell(board, word) || !std::isfinite(value))
         return;
-    float &slope = slopes[RowOf(word)][static_cast<std::size_t>(board)];
+    float &slope = inForce.slopes[RowOf(word)][static_cast<std::size_t>(board)];
     if (slope == value)
         return;
     slope = value;

@@ -2,6 +2,7 @@
 // them.
 #pragma once
 
+#include <memory>
 #include <string>
 
 namespace ombrix {
@@ -28,6 +29,11 @@ void SetNominalWord(int word, const std::string &hex);
 std::string NominalWordOf(int board, int word);
 void SetNominalWordOf(int board, int word, const std::string &hex);
 std::string DefaultNominalWordOf(int board, int word);
+
+/// All slopes and words as they stand, and back to them.
+struct NominalTables;
+std::shared_ptr<const NominalTables> CopyNominals();
+void RestoreNominals(const NominalTables &nominals);
 
 /// The constant 12-digit texts of the VF ranges, index 0..2.
 std::string FirstCyclePattern(int index);

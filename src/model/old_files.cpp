@@ -16,6 +16,12 @@ std::vector<std::string> LinesOfFile(const std::string &path)
     return Split(bytes, '\n');
 }
 
+std::string WithoutQuotes(const std::string &text)
+{
+    const bool quoted = text.size() >= 2 && text.front() == '"' && text.back() == '"';
+    return quoted ? Trim(std::string_view(text).substr(1, text.size() - 2)) : text;
+}
+
 // Takes one field off the front of a line. A comma between quotes belongs to the field.
 std::string TakeField(std::string_view &line)
 {
@@ -23,9 +29,7 @@ std::string TakeField(std::string_view &line)
     const bool quoted = start != std::string_view::npos && line[start] == '"';
     const std::size_t quote = quoted ? line.find('"', start + 1) : std::string_view::npos;
     const std::size_t comma = line.find(',', quote == std::string_view::npos ? 0 : quote);
-    std::string field = Trim(line.substr(0, comma));
-    if (field.size() >= 2 && field.front() == '"' && field.back() == '"')
-        field = Trim(std::string_view(field).substr(1, field.size() - 2));
+    const std::string field = WithoutQuotes(Trim(line.substr(0, comma)));
     line.remove_prefix(comma == std::string_view::npos ? line.size() : comma + 1);
     return field;
 }
@@ -53,7 +57,7 @@ std::string FieldOfOldFile(const std::string &path, std::size_t index)
 
 std::string FirstLineOfOldFile(const std::string &path)
 {
-    return Trim(LinesOfFile(path).front());
+    return WithoutQuotes(Trim(LinesOfFile(path).front()));
 }
 
 }  // namespace ombrix

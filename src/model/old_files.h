@@ -13,7 +13,7 @@ std::vector<std::string> FieldsOfOldFile(const std::string &path);
 /// Field `index`, "" when there are fewer.
 std::string FieldOfOldFile(const std::string &path, std::size_t index);
 
-/// The first line whole, "" when there is none.
+/// The first line whole, without blanks and one pair of double quotes around it; "" when there is none.
 std::string FirstLineOfOldFile(const std::string &path);
 
 }  // namespace ombrix

@@ -22,6 +22,7 @@ void LoadAnaCal();
 void LoadPorts();
 
 void SaveCommSettings();
+/// Slopes and nominal words. What simulated meters taught is not saved: what real ones taught before stays.
 void SaveGains();
 void SaveCalibValues();
 void SaveRatios();
@@ -29,7 +30,13 @@ void SaveISource();
 void SaveQDTarget();
 void SaveVFLimits();
 void SaveSendFileNames();
+/// The operator's choices; the analog words too unless a simulated meter taught them.
 void SaveAnaCal();
+
+/// Before a simulation: saves what real meters taught (slopes, nominal words, analog words) and remembers it.
+void SetLearnedAside();
+/// After it: what real meters taught holds again.
+void TakeLearnedBack();
 
 /// The device behind COM1 or COM2 (section Ports), by number 1 or 2.
 std::string PortDevice(int port);

@@ -297,19 +297,55 @@ TEST_F(IniStore, NeverOverwritesAFileThatItCouldNotRead)
     EXPECT_EQ(remarks.size(), 1u) << "said once, not at every save";
 }
 
-TEST_F(IniStore, NeverOverwritesAFileOfWhichItUnderstandsNothing)
+TEST_F(IniStore, KeepsAFileOfWhichItUnderstandsNothingBesideTheNewOne)
 {
     std::string wide = "\xFF\xFE";  // the same settings, two bytes a character
     for (const char c : std::string("[Gains]\r\nDC.19=3.2961\r\n"))
         wide += {c, '\0'};
+    std::string said;
+    outlets.showRemark = [&said](const std::string &text) { said = text; };
     for (const std::string &text : {wide, std::string("%PDF-1.4\nA=1\n"), std::string("=xyz\n")}) {
-        remarks.clear();
+        said.clear();
         Load(text);
-        ASSERT_EQ(remarks.size(), 1u);
-        EXPECT_EQ(remarks[0], "Ombrix.ini holds no settings. Settings of this session won't be kept.");
+        EXPECT_EQ(said, "Ombrix.ini held no settings. It is kept as Ombrix.ini.old.");
+        EXPECT_EQ(IniGet("A", "1"), "");
         IniSet("A", "One", "1");
-        EXPECT_EQ(Saved(), text);
+        EXPECT_EQ(Saved(), "[A]\nOne=1\n");
+        EXPECT_EQ(Read("Ombrix.ini.old"), text);
     }
+    EXPECT_TRUE(remarks.empty());
+}
+
+TEST_F(IniStore, OverwritesNoFileThatItCannotKeepBeside)
+{
+    QDir().mkdir("Ombrix.ini.old");
+    Load("nothing that is known\n");
+    EXPECT_EQ(kept,
+              "Ombrix.ini holds no settings, and Ombrix.ini.old can't be written. Settings of this session won't be "
+              "kept.");
+    IniSet("A", "One", "1");
+    EXPECT_EQ(Saved(), "nothing that is known\n");
+}
+
+TEST_F(IniStore, KeepsNothingBesideAFileOfAnotherStation)
+{
+    Write("Ombrix.ini", "nothing that is known\n");
+    LoadIni("elsewhere/Ombrix.ini");
+    FolderHold other;
+    ASSERT_TRUE(other.TakeFolderOf("Ombrix.ini"));
+    LoadIni();
+    EXPECT_FALSE(Exists("Ombrix.ini.old"));
+}
+
+TEST_F(IniStore, LetsTheFolderGoForAnotherProgram)
+{
+    Load("[A]\nOne=1\n");
+    FolderHold other;
+    EXPECT_FALSE(other.TakeFolderOf("Ombrix.ini"));
+    ReleaseIni();
+    EXPECT_TRUE(other.TakeFolderOf("Ombrix.ini"));
+    IniSet("A", "One", "2");
+    EXPECT_EQ(Saved(), "[A]\nOne=1\n") << "what is the other's now is not written";
 }
 
 TEST_F(IniStore, FillsAnEmptyFileAndOneWithASectionAlone)

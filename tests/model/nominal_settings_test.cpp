@@ -2,6 +2,8 @@
 
 #include "model/settings.h"
 
+#include "model/analog_settings.h"
+
 #include "model/settings_folder.h"
 
 using namespace ombrix;
@@ -22,6 +24,12 @@ protected:
         LoadIni();
         IniReady = true;
         return IniGet(section, key);
+    }
+
+    static std::string Replaced(std::string text, const std::string &part, const std::string &by)
+    {
+        const std::size_t place = text.find(part);
+        return place == std::string::npos ? text : text.replace(place, part.size(), by);
     }
 };
 
@@ -209,4 +217,53 @@ TEST_F(NominalSettings, BringEveryLearnedStepWordBack)
             }
     }
     EXPECT_EQ(words, 69) << "steps that trim a word, AC's two doubles counted twice";
+}
+
+// ---- simulation ----
+
+TEST_F(NominalSettings, KeepWhatSimulatedMetersTaughtForTheSessionAlone)
+{
+    Start();
+    const std::string before = Read("Ombrix.ini");
+    const std::string word = NominalWordOf(kDc, 25);
+    SetLearnedAside();
+    HardwareMode = false;
+    SetNominalSlopeOf(kDc, 25, 1.5f);
+    SetNominalWordOf(kDc, 25, "1234");
+    StoreAnalogWordsHex("1111222233334444555566667777888899990000");
+    SaveGains();
+    SaveCalibValues();
+    CurrentOffsetPoint = "4000";
+    SaveAnaCal();
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), 1.5f);
+    EXPECT_EQ(NominalWordOf(kDc, 25), "1234");
+    EXPECT_EQ(StoredAnalogImage(), "1111222233334444555566667777888899990000");
+    const std::string after = Read("Ombrix.ini");
+    EXPECT_EQ(Replaced(after, "COffCalibPt=4000", "COffCalibPt=200"), before) << "the operator's choice alone is saved";
+    EXPECT_NE(after, before);
+
+    HardwareMode = true;
+    TakeLearnedBack();
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), DefaultSlopeOf(kDc, 25));
+    EXPECT_EQ(NominalWordOf(kDc, 25), word);
+    SaveGains();
+    SaveCalibValues();
+    SaveAnaCal();
+    EXPECT_EQ(Read("Ombrix.ini"), after);
+}
+
+TEST_F(NominalSettings, SaveWhatRealMetersTaughtBeforeASimulationBegins)
+{
+    Start();
+    SetNominalSlopeOf(kDc, 25, 1.5f);
+    SetNominalWordOf(kDc, 25, "1234");
+    SetLearnedAside();
+    HardwareMode = false;
+    SetNominalSlopeOf(kDc, 25, 9.5f);
+    EXPECT_EQ(Stored("Gains", "DC.19"), "1.5000");
+    EXPECT_EQ(IniGet("CalibValues", "DC.19"), "1234");
+    HardwareMode = true;
+    TakeLearnedBack();
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), 1.5f);
+    EXPECT_EQ(NominalWordOf(kDc, 25), "1234");
 }

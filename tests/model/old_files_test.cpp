@@ -54,6 +54,10 @@ TEST_F(OldFiles, GiveTheirFirstLineWhole)
 {
     Write("old", "2,1,1\r\nmore");
     EXPECT_EQ(FirstLineOfOldFile("old"), "2,1,1");
+    Write("old", " \"2,1,1\" \r\n");
+    EXPECT_EQ(FirstLineOfOldFile("old"), "2,1,1");
+    Write("old", "\"\"x\"\"");
+    EXPECT_EQ(FirstLineOfOldFile("old"), "\"x\"") << "one pair of quotes alone";
     Write("old", "\nsecond");
     EXPECT_EQ(FirstLineOfOldFile("old"), "");
 }
