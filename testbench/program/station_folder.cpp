@@ -18,6 +18,7 @@ std::string TellStation(const std::string &folder, const DevicePaths &paths, con
     IniSet("Comms", "DPMPort", setup.uut ? "0" : "1");
     IniSet("Comms", "Switch", setup.outputSwitch ? "1" : "0");
     SaveIni();
+    ReleaseIni();  // the settings are the station's again
     return IniDirty ? file + " can't be written" : "";
 }
 

@@ -12,6 +12,7 @@
 
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "platform/port_check.h"
 #include "platform/safe_file.h"
 #include "platform/serial_port.h"
 #include "testbench/program/station_folder.h"
@@ -173,6 +174,9 @@ TEST_F(Program, WritesItsDevicesIntoTheStationsSettings)
     Starts({"--station", folder.path(), "--uut"});
     const std::string meter = PathIn(Line());
     EXPECT_EQ(meter, station + "/COM1");
+    FolderHold hold;
+    EXPECT_TRUE(hold.TakeFolderOf(station + "/Ombrix.ini")) << "the station's settings are its own to save";
+    EXPECT_EQ(PortTrouble(meter), "") << "whoever serves a port does not keep the station from it";
     const std::string ini = ReadFile(station + "/Ombrix.ini").value_or("");
     EXPECT_THAT(ini, HasSubstr("[CalibValues]\nDC.19=52A7\n"));
     EXPECT_THAT(ini, HasSubstr("COM1=" + station + "/COM1\n"));
