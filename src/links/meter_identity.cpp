@@ -2,6 +2,7 @@
 
 #include "links/meter_operations.h"
 #include "links/meter_protocol.h"
+#include "model/nvm_map.h"
 #include "platform/text.h"
 #include "session/state.h"
 
@@ -56,10 +57,12 @@ std::string RevisionText(int number)
 
 }  // namespace
 
-void ReadMeterType()
+bool ReadMeterType()
 {
-    DecodeMeterType(MeterQuery('X', kTypeWord, 1, ""));
+    const std::string word = MeterQuery('X', kTypeWord, 1, "");
+    DecodeMeterType(word);
     WaitMeterRestart();
+    return IsWordText(word);
 }
 
 void DecodeMeterType(std::string_view word)
@@ -90,20 +93,40 @@ void BuildMeterName()
         MeterName = kNames[static_cast<std::size_t>(MeterKind - kDpm)] + (XmtrFlag ? " Xmtr" : "");
 }
 
-void ReadMeterIdentity()
+bool ReadMeterIdentity()
 {
     MeterSCType = -1;
-    ReadMeterType();
+    if (!ReadMeterType() || Abort)
+        return false;
     if (MeterKind == kCtr) {
         MeterSCType = kVf;
-        return;
+        return true;
     }
     const std::string word = ReadNvmWords(kBoardWord, 1, "Z");
-    const std::string boardByte = ReadBoardCodeByte();
-    if (word.empty())
-        return;
+    if (word.empty() || Abort)
+        return false;
+    const std::string range = ReadNvmWords(kRangeWord, 1, "");  // its byte tells Temp from DC: silence is none of both
+    if (range.empty() || Abort)
+        return false;
     BoardCode = Right(word, 2);
-    MeterSCType = BoardOf(BoardCode, boardByte.front());
+    MeterSCType = BoardOf(BoardCode, Right(range, 2).front());
+    return true;
+}
+
+KnownMeter MeterAsKnown()
+{
+    return {MeterKind, XmtrFlag, MeterRevNumber, MeterRevText, MeterSCType, BoardCode, MeterName};
+}
+
+void TakeMeter(const KnownMeter &meter)
+{
+    MeterKind = meter.kind;
+    XmtrFlag = meter.xmtr;
+    MeterRevNumber = meter.revNumber;
+    MeterRevText = meter.revText;
+    MeterSCType = meter.board;
+    BoardCode = meter.boardCode;
+    MeterName = meter.name;
 }
 
 void WriteMeterIdentity(int kind, bool xmtr, int board, const std::string &code)
@@ -112,9 +135,10 @@ void WriteMeterIdentity(int kind, bool xmtr, int board, const std::string &code)
     SetWordLowByte(kTypeWord, "0" + Right(std::to_string(type), 1));
     if (kind != kCtr) {
         const std::string boardByte = BoardCodeByteFor(board);
-        if (!boardByte.empty())
+        if (!boardByte.empty() && !Abort)
             WriteBoardCodeByte(boardByte);
-        SetWordLowByte(kBoardWord, code);
+        if (!Abort)
+            SetWordLowByte(kBoardWord, code);
     }
     MeterKind = kind;
     XmtrFlag = xmtr;
@@ -160,7 +184,7 @@ void SetWordLowByte(int word, std::string_view twoDigits)
     if (twoDigits.size() != 2)
         return;
     const std::string now = ReadNvmWords(word, 1, "");
-    if (!now.empty())
+    if (!now.empty() && !Abort)
         WriteNvmWords(word, Left(now, 2) + std::string(twoDigits), "");
 }
 
@@ -168,7 +192,7 @@ void WriteBoardConfigWords(std::string_view boardByte)
 {
     const std::string code = boardByte.starts_with("6") ? "0001" : "0031";
     const std::string between = ReadNvmWords(20, 4, "");
-    if (!between.empty())
+    if (!between.empty() && !Abort)
         WriteNvmWords(kBoardWord, code + between + "00" + std::string(boardByte), "");
 }
 

@@ -14,12 +14,29 @@ extern int MeterSCType;           ///< board found in the meter, -1 unknown
 extern std::string BoardCode;     ///< low byte of word 21, two hex digits
 extern std::string MeterName;     ///< "DPM", "WtMtr", "CTR", with " Xmtr"; "???" unknown
 
-void ReadMeterType();
+/// True when the meter answered with four digits. The meter restarts.
+bool ReadMeterType();
 /// Takes word 109 apart; a text that isn't 4 characters leaves kind and revision unknown.
 void DecodeMeterType(std::string_view word);
 void BuildMeterName();
-void ReadMeterIdentity();
+/// True when the meter answered each question. False on silence and on Abort: nothing more is asked then, and what is
+/// known of the meter is half old and half unknown until somebody puts it right (TakeMeter).
+bool ReadMeterIdentity();
+/// Ends after the exchange in work on Abort; then the identity in here is no longer the meter's either.
 void WriteMeterIdentity(int kind, bool xmtr, int board, const std::string &code);
+
+/// Who the meter is, as one value: kept before a reading, taken again when the meter was silent.
+struct KnownMeter {
+    int kind;
+    bool xmtr;
+    int revNumber;
+    std::string revText;
+    int board;
+    std::string boardCode;
+    std::string name;
+};
+KnownMeter MeterAsKnown();
+void TakeMeter(const KnownMeter &meter);
 
 /// Low byte of word 16, "00" when it can't be read. The meter restarts.
 std::string ReadBoardCodeByte();

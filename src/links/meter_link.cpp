@@ -55,7 +55,8 @@ int LookForMeter()
     }
     SendMeterCommand("X16DZ");
     DecodeMeterType(ReadMeterLine());
-    SetSetupBit(answer);
+    if (!Abort)  // a stop while the type was asked for: nothing is written after it
+        SetSetupBit(answer);
     return 0;
 }
 

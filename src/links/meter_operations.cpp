@@ -154,6 +154,12 @@ std::string ReadDisplayDigits()
     return point == std::string::npos ? "" : text.erase(point, 1);
 }
 
+int RestartLeftMs()
+{
+    const std::int64_t gone = (NowMicros() - LastRestartMicros) / 1000;
+    return HardwareMode && gone >= 0 && gone < kRestartMs ? static_cast<int>(kRestartMs - gone) : 0;
+}
+
 void WaitMeterRestart()
 {
     if (!HardwareMode || MeterKind != kCtr) {
@@ -180,7 +186,7 @@ void WaitPlainRestart()
 void WriteFilterCode(std::string_view filterCode)
 {
     const std::string byte = ReadRamBytes(48, 1);
-    if (!byte.empty())
+    if (!byte.empty() && !Abort)
         WriteNvmWords(17, byte + EncodeFilterCode(filterCode), "");
 }
 
@@ -203,7 +209,8 @@ void WriteDisplaySetupWords(int value)
 
 void WriteDisplaySetupForward(int value)
 {
-    if (MeterKind != kCtr)
+    const bool counter = MeterKind == kCtr || SessionMeterKind == kCtr;
+    if (MeterKind >= kDpm && !counter)
         WriteDisplaySetupWords(value);
 }
 
@@ -229,8 +236,10 @@ bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, in
 void LoadFactoryMeterSetup()
 {
     WriteNvmWords(18, "21D1", "");
-    WriteFilterCode("00116");
-    WriteDisplaySetupWords(4);
+    if (!Abort)
+        WriteFilterCode("00116");
+    if (!Abort)
+        WriteDisplaySetupWords(4);
 }
 
 void MeterCommandA1()

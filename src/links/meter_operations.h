@@ -33,6 +33,9 @@ std::string ReadDisplay();
 /// ReadDisplay without its ".".
 std::string ReadDisplayDigits();
 
+/// What is left of a restart, by the clock: milliseconds since the last command without Z. 0 when none is under way.
+int RestartLeftMs();
+
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();
 /// The same for a meter that is no CTR: 1750 ms.
@@ -43,12 +46,13 @@ void WriteFilterCode(std::string_view filterCode);
 std::string EncodeFilterCode(std::string_view filterCode);
 /// Words 5, 4, 3 with the value in word 3's end.
 void WriteDisplaySetupWords(int value);
-/// The same, and nothing on a CTR, where these words are the customer's.
+/// The same, and nothing on a counter, where these words are the customer's, nor on a meter of unknown kind.
 void WriteDisplaySetupForward(int value);
 /// Puts the meter on a range, with one restart at the end: filter code (5 characters), range code (2 hex digits),
 /// value of the display setup words. False, with nothing written, when a code or the meter's answer has the wrong
 /// length.
 bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
+/// Ends after the exchange in work on Abort.
 void LoadFactoryMeterSetup();
 
 void MeterCommandA1();  ///< first command after opening the link; 200 ms

@@ -13,6 +13,7 @@ namespace ombrix {
 SerialPort comDPM;
 std::string MeterAddr = "1";
 std::string MeterReply;
+std::int64_t LastRestartMicros = 0;
 
 namespace {
 
@@ -108,6 +109,8 @@ std::string MeterQuery(char letter, int address, int count, std::string_view tex
 void MeterSend(char letter, int address, int count, std::string_view text)
 {
     SendMeterCommand(MeterPayload(letter, address, count, text));
+    if ((letter == 'X' || letter == 'W') && !text.ends_with('Z') && MeterAddr == "1")
+        LastRestartMicros = NowMicros();
 }
 
 char CountChar(int count)

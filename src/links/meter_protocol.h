@@ -7,6 +7,7 @@
 #include "platform/serial_port.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -38,6 +39,9 @@ void FlushMeterInput();
 
 /// Flush, command (letter, count, address, text), 500 ms, reply line.
 std::string MeterQuery(char letter, int address, int count, std::string_view text);
+
+/// When the meter under calibration was last sent a read or write without Z, at which it restarts.
+extern std::int64_t LastRestartMicros;
 
 /// Command without flush, wait or reply.
 void MeterSend(char letter, int address, int count, std::string_view text);

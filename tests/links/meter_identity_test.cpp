@@ -121,7 +121,7 @@ TEST_F(MeterIdentity, TheBoardFollowsWord21AndWord16)
                 meter.Says(std::string(row.word16) + "\r", 10);
         };
         clock.Restart();
-        ReadMeterIdentity();
+        EXPECT_TRUE(ReadMeterIdentity());
         EXPECT_EQ(MeterSCType, row.board) << row.word21 << " " << row.word16;
         EXPECT_EQ(BoardCode, std::string(row.word21).substr(2));
         EXPECT_THAT(Payloads(), ElementsAre("X16D", "X115Z", "X110"));
@@ -139,7 +139,7 @@ TEST_F(MeterIdentity, ACounterCarriesTheVfBoardAndNothingElseIsAsked)
             meter.Says("!", 1300);
         }
     };
-    ReadMeterIdentity();
+    EXPECT_TRUE(ReadMeterIdentity());
     meter.onWrite = nullptr;
     EXPECT_EQ(MeterSCType, kVf);
     EXPECT_EQ(BoardCode, "41") << "keeps what it was";
@@ -151,12 +151,45 @@ TEST_F(MeterIdentity, OfASilentMeterIsUnknown)
 {
     MeterSCType = kRtd;
     BoardCode = "41";
-    ReadMeterIdentity();
+    EXPECT_FALSE(ReadMeterIdentity());
     EXPECT_EQ(MeterKind, -1);
     EXPECT_EQ(MeterSCType, -1);
     EXPECT_EQ(MeterName, "???");
     EXPECT_EQ(BoardCode, "41");
-    EXPECT_EQ(clock.Elapsed(), (1500 + 1750) + 1500 + (1500 + 1750));
+    EXPECT_THAT(Payloads(), ElementsAre("X16D")) << "nothing more is asked";
+    EXPECT_EQ(clock.Elapsed(), 1500 + 1750);
+}
+
+TEST_F(MeterIdentity, IsUnansweredWhenOneAnswerIsMissingOrNoWord)
+{
+    const std::vector<std::string> questions = {"X16D", "X115Z", "X110"};
+    const std::vector<std::vector<std::string>> rows = {
+        {"32"}, {"32O1"}, {"3201", ""}, {"3201", "01"}, {"3201", "0001", ""}, {"3201", "0001", "00"}};
+    for (const auto &answers : rows) {
+        Start();
+        for (std::size_t i = 0; i < answers.size(); ++i)
+            Answers(questions[i], answers[i]);
+        EXPECT_FALSE(ReadMeterIdentity()) << answers.back() << " to question " << answers.size();
+        EXPECT_EQ(MeterSCType, -1);
+        EXPECT_EQ(Payloads().size(), answers.size()) << "the next one is not asked";
+    }
+}
+
+TEST_F(MeterIdentity, ComesBackAsItWasKnown)
+{
+    DecodeMeterType("3207");
+    MeterSCType = kVf;
+    BoardCode = "41";
+    const KnownMeter known = MeterAsKnown();
+    EXPECT_FALSE(ReadMeterIdentity());
+    TakeMeter(known);
+    EXPECT_EQ(MeterKind, kCtr);
+    EXPECT_TRUE(XmtrFlag);
+    EXPECT_EQ(MeterRevNumber, 0x32);
+    EXPECT_EQ(MeterRevText, "X2");
+    EXPECT_EQ(MeterSCType, kVf);
+    EXPECT_EQ(BoardCode, "41");
+    EXPECT_EQ(MeterName, "CTR Xmtr");
 }
 
 TEST_F(MeterIdentity, TheBoardByteIs00WhenItCannotBeRead)
