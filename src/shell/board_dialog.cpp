@@ -4,6 +4,7 @@
 #include "links/meter_simulator.h"
 #include "platform/clock.h"
 #include "session/state.h"
+#include "shell/input_gate.h"
 #include "shell/main_window.h"
 #include "widgets/widgets.h"
 
@@ -11,6 +12,7 @@
 #include <QCloseEvent>
 #include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
@@ -33,15 +35,7 @@ constexpr BoardChoice kBoardChoices[] = {
 };
 constexpr std::array<const char *, 3> kKinds = {"DPM", "Weight", "CTR"};
 
-// Neither a close box nor Esc ends it: it needs an answer.
-class Dialog : public QWidget
-{
-public:
-    explicit Dialog(QWidget *parent) : QWidget(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {}
-
-protected:
-    void closeEvent(QCloseEvent *event) override { event->ignore(); }
-};
+class Dialog;
 
 // One showing of the dialog: what is chosen, and its widgets.
 struct Asking {
@@ -59,6 +53,24 @@ struct Asking {
     QCheckBox *chkXmtr = nullptr;
 };
 Asking *asking = nullptr;  // the one that is up
+
+// Neither a close box nor Esc ends it: it needs an answer. While the answer is written Esc is a stop, as anywhere.
+class Dialog : public QWidget
+{
+public:
+    explicit Dialog(QWidget *parent) : QWidget(parent, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint) {}
+
+protected:
+    void closeEvent(QCloseEvent *event) override { event->ignore(); }
+
+    void keyPressEvent(QKeyEvent *event) override
+    {
+        if (event->key() == Qt::Key_Escape && asking->answered && !event->isAutoRepeat())
+            Abort = true;
+        else
+            QWidget::keyPressEvent(event);
+    }
+};
 
 void optSC_Click(int index)
 {
@@ -91,8 +103,11 @@ void optMeter_Click(int index)
 
 void OKButton_Click()
 {
-    asking->window->setEnabled(false);  // the writes behind it take their time, and the answer stands
     asking->answered = true;
+    // The writes behind it take their time, and the answer stands.
+    for (QWidget *part : asking->window->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        part->setEnabled(false);
+    asking->window->setFocus();
 }
 
 void lblMsg_DoubleClick()
@@ -139,7 +154,6 @@ void BuildDialog(bool asksMeter)
     Dialog *window = asking->window;
     window->setObjectName("dlgSCType");
     window->setWindowTitle("S/C Board");
-    window->setWindowModality(Qt::ApplicationModal);
     QLabel *lblMsg = Label(window, "lblMsg",
                            "The Signal Conditioner Board has not been initialized. "
                            "Please specify which type of S/C Board is installed.");
@@ -187,6 +201,7 @@ void AskBoard()
         ~Done() { asking = nullptr; }
     } done;
     BuildDialog(asksMeter);
+    const InputGate gate(&window);
     window.show();
     while (!ask.answered && !ask.dropped)
         PumpEvents(kForever);

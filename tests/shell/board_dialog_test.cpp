@@ -84,7 +84,6 @@ TEST_F(BoardDialog, SaysWhatItWants)
         EXPECT_EQ(ScriptedOperator::Find("fraMeter")->property("title").toString(), "Meter Type");
         EXPECT_EQ(Text("chkXmtr"), "Xmtr");
         EXPECT_EQ(Text("OKButton"), "OK");
-        EXPECT_TRUE(ScriptedOperator::Find("dlgSCType")->isModal());
     });
     person.Clicks("OKButton");
     ASSERT_TRUE(person.Runs());
