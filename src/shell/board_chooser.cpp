@@ -47,6 +47,7 @@ void optTabSelect_Click(int index)
     SCType = board;
     (CalibTab == kTabAc ? LastAcBoard : LastTempBoard) = board;
     CaptionBoardTab();
+    RemarkOnBoard();
     FillStepTable();
 }
 

@@ -12,6 +12,7 @@
 #include "session/state.h"
 #include "shell/board_dialog.h"
 #include "shell/navigation_lock.h"
+#include "shell/quit.h"
 #include "shell/setup_page.h"
 #include "shell/tab_strip.h"
 #include "widgets/widgets.h"
@@ -20,6 +21,10 @@
 
 namespace ombrix {
 namespace {
+
+constexpr char kStopped[] = "Stopped";
+
+int openCalPort = 0;  // where the calibrator's link was opened last
 
 // The wiring that is being verified, in the words of the status line.
 struct Wiring {
@@ -43,15 +48,35 @@ std::string MeterTrouble(const Wiring &wiring)
     return wiring.uut ? MeterError + " on Calibrator UUT port" : "Error on " + wiring.meterText + ": " + MeterError;
 }
 
+// A calibrator that the operator has wired otherwise since keeps no output behind the station's back.
+void CloseOldLinks()
+{
+    if (comCAL.IsOpen() && CalPort != openCalPort)
+        ReleaseLinks();
+    CloseLinks();
+    openCalPort = CalPort;
+}
+
 // Opens both links and identifies the meter. "" when all is there, otherwise the words for lblStatus.
 std::string OpenLinks(const Wiring &wiring)
 {
-    CloseLinks();
-    if (OpenCalibratorLink() != 0)
+    CloseOldLinks();
+    if (CalPort != 0)
+        ShowProgress("Calibrator: reset ...");
+    const int calibrator = OpenCalibratorLink();
+    if (Abort)  // before the meter's link opens, which forgets it
+        return kStopped;
+    if (calibrator != 0)
         return "Error on " + wiring.calText + ": " + CalError;
-    if (OpenMeterLink() != 0)
+    ShowProgress("Meter: first answer ...");
+    const int meter = OpenMeterLink();
+    if (Abort)
+        return kStopped;
+    if (meter != 0)
         return MeterTrouble(wiring);
-    IdentifyMeter();
+    ShowProgress("Meter: identity ...");
+    if (!IdentifyMeter())
+        return Abort ? kStopped : kMeterSilent;
     if (SCType < 0) {
         MeterError = "Meter not found";
         return MeterTrouble(wiring);
@@ -64,20 +89,29 @@ void PrepareMeter()
 {
     if (SCType == kVf)
         return;
+    ShowProgress("Meter: setup ...");
     WriteNvmWords(16, "0060", "Z");
-    LoadFactoryMeterSetup();
+    if (!Abort)
+        LoadFactoryMeterSetup();
 }
 
-void TakeLinks(const Wiring &wiring)
+// What follows when both links are there. False when the operator stopped it.
+bool TakeLinks(const Wiring &wiring)
 {
     Established = true;
-    if (UseSwitch)
+    if (UseSwitch) {
+        ShowProgress("Output switch: reset ...");
         OpenOutputSwitch();
+    }
+    if (!Abort)
+        PrepareMeter();
+    if (Abort)
+        return false;
     const std::string calText = Automatic ? "Calibrator on " + wiring.calText + " and " : wiring.calText;
-    PrepareMeter();
     SaveCommSettings();
     SimToggleAllowed = false;
-    ShowStatus("Communications established  --  " + calText + SessionMeterName + " on " + wiring.meterText, Green());
+    ShowEstablished("Communications established  --  " + calText + SessionMeterName + " on " + wiring.meterText);
+    return true;
 }
 
 void OpenFirstTab()
@@ -92,10 +126,10 @@ void Establish()
     const NavigationLock lock;
     HideStatus();
     const Wiring wiring = ChosenWiring();
-    const std::string trouble = OpenLinks(wiring);
-    if (trouble.empty()) {
-        TakeLinks(wiring);
-    } else {
+    std::string trouble = OpenLinks(wiring);
+    if (trouble.empty() && !TakeLinks(wiring))
+        trouble = kStopped;
+    if (!trouble.empty()) {
         ResetSession();
         ShowStatus(trouble, Red());
     }
@@ -111,18 +145,22 @@ void cmdEstablish_Click()
     RunProcedure(Establish);
 }
 
-void IdentifyMeter()
+bool IdentifyMeter()
 {
-    ReadIdentity();
-    if ((MeterKind < 0 || MeterSCType < 0) && !Abort) {  // Esc ends an Establish, it asks for no answer
+    if (!ReadIdentity())
+        return false;
+    if (MeterKind < 0 || MeterSCType < 0) {
         ShowSCDialogFull = 1;
         AskBoard();
         MeterTab = TabOfBoard(MeterSCType);
     }
+    if (Abort)  // the meter is half written: it is no session's
+        return false;
     SessionXmtrFlag = XmtrFlag;
     SessionMeterKind = MeterKind;
     SessionMeterName = MeterName;
     SCType = MeterSCType;
+    return true;
 }
 
 }  // namespace ombrix

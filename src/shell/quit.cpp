@@ -7,13 +7,15 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/delays.h"
-#include "session/procedure.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
+#include "widgets/widgets.h"
 
 #include <QCoreApplication>
 #include <QMainWindow>
+#include <QMessageBox>
+#include <QPointer>
 #include <QSocketNotifier>
 #include <QThread>
 
@@ -22,11 +24,17 @@
 #include <csignal>
 #include <exception>
 #include <fcntl.h>
+#include <iostream>
 #include <memory>
 #include <unistd.h>
 
 namespace ombrix {
+
+std::function<std::string()> AlertAtQuit = [] { return std::string(); };
+
 namespace {
+
+constexpr int kAlertMs = 10'000;
 
 // Closing a port takes its speed away at once: what was said last must have left by then.
 constexpr int kLastBytesMs = 100;
@@ -39,21 +47,58 @@ void CloseDoors()
     CloseBoxes();
 }
 
-// While an Establish runs, and after a failed or dropped one, there is no session, but the calibrator may hold its
-// output: whoever has its port open puts it down.
-void SpeakLastWords()
+// Says standby and local once to whoever has its port open. While an Establish runs, and after a failed or dropped
+// one, there is no session, but the calibrator may hold its output.
+void ReleaseCalibrator()
 {
-    if (!Established && !comCAL.IsOpen())
-        return;
-    if (comCAL.IsOpen() && CalPort == 0)
+    const ScopedFlag lastWord(Quitting);
+    const int chosen = CalPort;
+    if (CalPort == 0)
         CalPort = 1;  // dropped on the Setup page since: the port that is open is still the calibrator's
-    RequestStop();
     CalibratorStandby();
     CalibratorLocal();
-    if (Established)
+    CalPort = chosen;
+}
+
+void SpeakLastWords()
+{
+    if (comCAL.IsOpen()) {
+        ReleaseCalibrator();
+    } else if (Established) {
+        CalibratorStandby();
+        CalibratorLocal();
+    }
+    if (Established) {
+        DelayMs(RestartLeftMs());  // a meter that restarts hears nothing
         WriteDisplaySetupForward(1);
+    }
     if (comCAL.IsOpen())
         DelayAlways(kLastBytesMs);
+}
+
+// ---- the alert ----
+
+QPointer<QMessageBox> alertBox;
+
+// A box that nobody need answer: the program ends without.
+void ShowAlertBox(const std::string &alert)
+{
+    QMessageBox box(QMessageBox::Critical, "Ombrix", Caption(alert), QMessageBox::Ok, frmOmbrix);
+    box.setTextFormat(Qt::PlainText);
+    box.setWindowModality(Qt::NonModal);
+    alertBox = &box;
+    box.show();
+    for (const Deadline end(kAlertMs); box.isVisible() && !end.Passed();)
+        PumpEvents(end.LeftMs());
+}
+
+void TellAlert(const std::string &alert, QuitBy by)
+{
+    if (alert.empty())
+        return;
+    std::cerr << "ombrix: " << alert << std::endl;
+    if (by == QuitBy::Operator)
+        ShowAlertBox(alert);
 }
 
 void SaveSettings()
@@ -111,22 +156,35 @@ void Quit(QuitBy by)
     if (by == QuitBy::Signal) {
         SilenceBoxes(true);
         CloseBoxes();
+        if (alertBox)
+            alertBox->hide();
     }
     if (Quitting)
         return;
     Quitting = true;
     Abort = false;
+    const std::string alert = AlertAtQuit();
     {
         const NoShutdownScope lastWords;
         CloseDoors();
         Safely(SpeakLastWords);
         CloseLinks();
         Safely(SaveSettings);
+        TellAlert(alert, by);
     }
     RequestShutdown();
     frmOmbrix->hide();
     if (QThread::currentThread()->loopLevel() > 0)
         QCoreApplication::exit(0);
+}
+
+void ReleaseLinks()
+{
+    if (comCAL.IsOpen()) {
+        ReleaseCalibrator();
+        DelayAlways(kLastBytesMs);
+    }
+    CloseLinks();
 }
 
 void WatchSignals()

@@ -17,6 +17,7 @@
 #include <QRadioButton>
 #include <QVBoxLayout>
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -37,6 +38,19 @@ QRadioButton *optDPM_CAL = nullptr;
 QRadioButton *optSwYes = nullptr;
 QRadioButton *optSwNo = nullptr;
 
+// Tab enters a group at the option in force; where none is, at the first.
+void SetTabStops()
+{
+    for (QGroupBox *group : fraAA) {
+        const auto options = group->findChildren<QRadioButton *>();
+        const auto inForce =
+            std::find_if(options.begin(), options.end(), [](auto *option) { return option->isChecked(); });
+        QRadioButton *stop = inForce == options.end() ? options.first() : *inForce;
+        for (QRadioButton *option : options)
+            option->setFocusPolicy(option == stop ? Qt::StrongFocus : Qt::ClickFocus);
+    }
+}
+
 // A choice of the operator: makes the other options fit, then takes them all over.
 void Choose(void (*fitOthers)())
 {
@@ -47,6 +61,7 @@ void Choose(void (*fitOthers)())
             const ScopedFlag muted(OptionEventsMuted);
             fitOthers();
         }
+        SetTabStops();
         ApplySetupOptions();
     });
 }
@@ -124,6 +139,7 @@ void ChooseSwitch(bool use)
         return;
     RunProcedure([use] {
         UseSwitch = use;
+        SetTabStops();
         if (!use)
             outlets.showSwitch(false);
         if (!Established)
@@ -137,10 +153,10 @@ void ChooseSwitch(bool use)
 
 // ---- layout ----
 
-void AddGroup(int index, const char *caption)
+void AddGroup(QBoxLayout *place, int index, const char *caption)
 {
     fraAA[index] = Group(shpAA, Indexed("fraAA", index), caption);
-    shpAA->layout()->addWidget(fraAA[index]);
+    place->addWidget(fraAA[index]);
     new QHBoxLayout(fraAA[index]);
 }
 
@@ -171,24 +187,29 @@ QRadioButton *AddPortOption(int group, const char *name, const char *caption, in
 
 }  // namespace
 
-QFrame *BuildSetupOptions(QFrame *page)
+QFrame *BuildSetupOptions(QFrame *page, QWidget *command)
 {
     shpAA = Shape(page, "shpAA(0)");
-    new QVBoxLayout(shpAA);
+    auto *rows = new QVBoxLayout(shpAA);
     DropPortNotes();
-    AddGroup(0, "Mode");
+    AddGroup(rows, 0, "Mode");
     optAutomatic = AddOption(0, "optAutomatic", "Automatic", optAutomatic_Click);
     optManual = AddOption(0, "optManual", "Manual", optManual_Click);
-    AddGroup(2, "Calibrator Communications");
+    AddGroup(rows, 2, "Calibrator Communications");
     optCAL_COM1 = AddPortOption(2, "optCAL_COM1", "Calibrator on COM1", 1, optCAL_COM1_Click);
     optCAL_COM2 = AddPortOption(2, "optCAL_COM2", "Calibrator on COM2", 2, optCAL_COM2_Click);
-    AddGroup(3, "Meter Communications");
+    AddGroup(rows, 3, "Meter Communications");
     optDPM_COM1 = AddPortOption(3, "optDPM_COM1", "Meter on COM1", 1, optDPM_COM1_Click);
     optDPM_COM2 = AddPortOption(3, "optDPM_COM2", "Meter on COM2", 2, optDPM_COM2_Click);
     optDPM_CAL = AddPortOption(3, "optDPM_CAL", "Meter on Calibrator", 0, optDPM_CAL_Click);
-    AddGroup(1, "Use Meter2 As Output Switch");
+    auto *last = new QHBoxLayout;  // the command stands beside the last group: a small screen holds the page then
+    rows->addLayout(last);
+    AddGroup(last, 1, "Use Meter2 As Output Switch");
     optSwYes = AddOption(1, "optSwYes", "Yes", [] { ChooseSwitch(true); });
     optSwNo = AddOption(1, "optSwNo", "No", [] { ChooseSwitch(false); });
+    last->setStretch(0, 1);
+    last->addWidget(command, 1, Qt::AlignHCenter | Qt::AlignBottom);
+    QWidget::setTabOrder(optSwNo, command);
     return shpAA;
 }
 
@@ -208,6 +229,7 @@ void ShowOptionsInForce()
         SetOption(optDPM_CAL, true);
     else
         SetOption(MeterPort == 1 ? optDPM_COM1 : optDPM_COM2, true);
+    SetTabStops();
 }
 
 void ApplySetupOptions()

@@ -2,11 +2,12 @@
 #pragma once
 
 class QFrame;
+class QWidget;
 
 namespace ombrix {
 
-/// Makes the four groups inside their frame, shpAA(0), and returns it.
-QFrame *BuildSetupOptions(QFrame *page);
+/// Makes the four groups inside their frame, shpAA(0), with the page's command beside the last one. Returns the frame.
+QFrame *BuildSetupOptions(QFrame *page, QWidget *command);
 
 /// Sets the options as the session has them.
 void ShowOptionsInForce();

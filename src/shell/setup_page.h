@@ -24,7 +24,16 @@ void FocusEstablish();
 
 /// lblStatus with its shape filled.
 void ShowStatus(const std::string &text, const QColor &colour);
+/// The green bar of a session.
+void ShowEstablished(const std::string &text);
+/// In a session: the bar turns red and says why the meter's identity isn't known; "" and it is green again.
+void ShowMeterTrouble(const std::string &trouble);
+/// In the status line's place, without its colours: what Establish does, with the seconds gone from the third on.
+void ShowProgress(const std::string &text);
+/// Takes away the bar, or the progress in its place.
 void HideStatus();
+
+constexpr char kMeterSilent[] = "The meter did not answer";
 
 /// No link is established: steps and tabs off, cmdEstablish on, the output panel empty.
 void ResetSession();

@@ -1,5 +1,6 @@
 #include "shell/simulation_switch.h"
 
+#include "model/settings.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -7,6 +8,7 @@
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
 #include "shell/port_notes.h"
+#include "shell/quit.h"
 #include "shell/setup_page.h"
 #include "widgets/widgets.h"
 
@@ -69,16 +71,23 @@ void ShowSimFlag(bool on)
 
 void SwitchSimulation()
 {
-    if (!SimToggleAllowed || ProcedureRunning())
+    if (!SimToggleAllowed)
         return;
-    ResetSession();
-    HardwareMode = !HardwareMode;
-    if (HardwareMode)
-        outlets.showSwitch(false);
-    ShowSimFlag(!HardwareMode);
-    RealTimeDelays = HardwareMode;
-    HideStatus();
-    ShowPortNotes();
+    RunProcedure([] {
+        ReleaseLinks();
+        ResetSession();
+        if (HardwareMode)
+            SetLearnedAside();
+        HardwareMode = !HardwareMode;
+        if (HardwareMode) {
+            TakeLearnedBack();
+            outlets.showSwitch(false);
+        }
+        ShowSimFlag(!HardwareMode);
+        RealTimeDelays = HardwareMode;
+        HideStatus();
+        ShowPortNotes();
+    });
 }
 
 }  // namespace ombrix

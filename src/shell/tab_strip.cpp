@@ -4,12 +4,14 @@
 #include "links/meter_identity.h"
 #include "model/range_tables.h"
 #include "platform/fault.h"
+#include "session/kept_remarks.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "shell/board_chooser.h"
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
+#include "shell/setup_page.h"
 #include "shell/step_buttons.h"
 #include "widgets/widgets.h"
 
@@ -75,12 +77,16 @@ void EnterTab()
     RequestStop();
     if (Automatic)
         CalibratorStandby();
-    if (ReadIdentityOnTabChange)
-        ReadIdentity();
+    std::string trouble;
+    if (ReadIdentityOnTabChange && !ReadIdentity())
+        trouble = Abort ? "Stopped before the meter told its identity" : kMeterSilent;
     TakeTab();
     ApplyBoard();
     if (TabMismatch && CarriesFamily(CalibTab))
         ShowBoardChooser(true);
+    ShowMeterTrouble(trouble);
+    if (!trouble.empty())
+        ShowPage(kSetupPage);
 }
 
 void ClickTab(int previous)
@@ -168,16 +174,28 @@ void OpenBoardTab()
     EnterTab();
 }
 
-void ReadIdentity()
+bool ReadIdentity()
 {
-    ReadMeterIdentity();
+    const KnownMeter before = MeterAsKnown();
+    const bool answered = ReadMeterIdentity();
+    if (!answered)
+        TakeMeter(before);
     lblRev->setText(Caption("Rev\r\n" + MeterRevText));
     MeterTab = TabOfBoard(MeterSCType);
+    return answered;
+}
+
+void RemarkOnBoard()
+{
+    const bool other = SCType != MeterSCType;
+    const std::string own = MeterSCType < 0 ? "without a known board" : "identified as " + BoardName(MeterSCType);
+    KeepRemarkOn(Subject::Board, other ? "Meter " + own + ", working as " + BoardName(SCType) : "");
 }
 
 void ApplyBoard()
 {
     CaptionBoardTab();
+    RemarkOnBoard();
     FillStepTable();
     SelectStep(-1);
     ShowCalPanel(CalibTab < kTabAnaCal);

@@ -18,11 +18,14 @@ void PutStripOnOpenTab();
 /// Opens the tab of the identified board; the identity was just read.
 void OpenBoardTab();
 
-/// Reads the meter's identity and shows its revision.
-void ReadIdentity();
+/// Reads the meter's identity and shows its revision. False when the meter did not answer or the operator stopped it:
+/// then the identity is what it was.
+bool ReadIdentity();
 
 /// Captions the open tab, fills the steps for SCType, leaves the step, shows or hides the output panel.
 void ApplyBoard();
+/// Keeps a remark as long as the board in work isn't the meter's own.
+void RemarkOnBoard();
 /// A tab of 0 to 3 is named after the board in work.
 void CaptionBoardTab();
 

@@ -1,5 +1,6 @@
 #include "shell/theme.h"
 
+#include "session/outlets.h"
 #include "widgets/widgets.h"
 
 #include <QApplication>
@@ -50,7 +51,10 @@ void ApplyTheme(const std::string &name)
         QApplication::setPalette(PaletteOf(kDark));
     else
         QApplication::setPalette(QPalette());  // none of its own: the desktop's shows through
-    QCoreApplication::sendPostedEvents();      // what stands already takes it over now, not at the next pump
+    if (!name.empty() && name != "light" && name != "dark")
+        outlets.showRemark("Ombrix.ini: the Theme \"" + name +
+                           "\" is unknown. There are light and dark, and without a Theme the desktop's colours.");
+    QCoreApplication::sendPostedEvents();  // what stands already takes it over now, not at the next pump
 }
 
 }  // namespace ombrix

@@ -5,7 +5,7 @@
 
 namespace ombrix {
 
-/// "light" or "dark"; any other text gives the desktop's palette.
+/// "light" or "dark"; "" gives the desktop's palette. So does any other text, and the operator is told.
 void ApplyTheme(const std::string &name);
 
 }  // namespace ombrix

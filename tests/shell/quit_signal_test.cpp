@@ -108,6 +108,76 @@ TEST_F(QuitUnasked, TheCloseBoxIsTheSame)
     EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
 }
 
+namespace {
+
+class QuitUnderAlert : public QuitProcedure
+{
+protected:
+    QuitUnderAlert()
+    {
+        AlertAtQuit = [] { return std::string("Standby not confirmed"); };
+    }
+    ~QuitUnderAlert() override
+    {
+        AlertAtQuit = [] { return std::string(); };
+    }
+
+    static bool BoxIsUp() { return ScriptedOperator::BoxText() == "Standby not confirmed"; }
+};
+
+}  // namespace
+
+TEST_F(QuitUnderAlert, ShowsItOnceMoreInABoxThatClosesByItselfAfter10Seconds)
+{
+    EstablishOnLines();
+    Learn();
+    testing::internal::CaptureStderr();
+    std::int64_t spoken = 0;
+    ClicksQuit().WaitsUntil("the alert is shown", BoxIsUp).Does([&] {
+        spoken = clock.Elapsed();
+        EXPECT_FALSE(comCAL.IsOpen()) << "all else is done by then";
+        EXPECT_FALSE(comDPM.IsOpen());
+        ExpectSaved();
+    });
+    person.WaitsUntil("the box is gone", [] { return ScriptedOperator::BoxText().empty(); });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("ombrix: Standby not confirmed\n"));
+    EXPECT_LT(spoken, 4000);
+    EXPECT_EQ(clock.Elapsed() - spoken, 10'000);
+    EXPECT_FALSE(frmOmbrix->isVisible());
+}
+
+TEST_F(QuitUnderAlert, ItsBoxMayBeClosedAndASignalTakesItAway)
+{
+    for (const bool signal : {false, true}) {
+        ClicksQuit().WaitsUntil("the alert is shown", BoxIsUp);
+        if (signal)
+            person.Does([] { Quit(QuitBy::Signal); });
+        else
+            person.Presses(Qt::Key_Escape);
+        ASSERT_TRUE(person.Runs());
+        EXPECT_LT(clock.Elapsed(), 1000);
+        EXPECT_FALSE(frmOmbrix->isVisible());
+        CloseStation();
+        OpenWholeStation();
+    }
+}
+
+TEST_F(QuitUnderAlert, ASignalShowsNoBoxAndTheWordsStandInTheTerminal)
+{
+    EstablishOnLines();
+    testing::internal::CaptureStderr();
+    bool box = false;
+    SignalComes().WaitsUntil("a box comes or not", [&] {
+        box = box || BoxIsUp();
+        return box || !frmOmbrix->isVisible();
+    });
+    person.Runs();
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("ombrix: Standby not confirmed\n"));
+    EXPECT_FALSE(box);
+    EXPECT_LT(clock.Elapsed(), 4000);
+}
+
 TEST_P(QuitBySystem, ASignalTakesTheSameRoad)
 {
     WatchSignals();

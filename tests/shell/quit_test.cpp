@@ -207,6 +207,18 @@ TEST_F(QuitProcedure, InSimulationNothingIsSentAndNothingIsWaitedFor)
     EXPECT_EQ(SimNvm[3], 1);
 }
 
+TEST_F(QuitProcedure, SavesNothingOfWhatSimulatedMetersTaught)
+{
+    EstablishSimulated();
+    Learn();
+    EXPECT_EQ(NominalWordOf(kDc, 25), "1234") << "for the session it holds";
+    ClicksQuit();
+    ASSERT_TRUE(person.Runs());
+    LoadIni();
+    EXPECT_EQ(IniGet("Gains", "DC.19"), Format(DefaultSlopeOf(kDc, 25), 4));
+    EXPECT_EQ(IniGet("CalibValues", "DC.19"), DefaultNominalWordOf(kDc, 25));
+}
+
 TEST_F(QuitProcedure, TwiceIsOnce)
 {
     EstablishOnLines();

@@ -1,11 +1,17 @@
 #include "shell/setup_options.h"
 
 #include "model/ini_store.h"
+#include "platform/safe_file.h"
+#include "shell/main_window.h"
 #include "shell/setup_page.h"
 #include "shell/shell_fixture.h"
 
 #include <QAbstractButton>
+#include <QApplication>
+#include <QMainWindow>
 
+#include <algorithm>
+#include <iterator>
 #include <random>
 #include <set>
 
@@ -183,4 +189,53 @@ TEST_F(SetupOptions, BeforeEstablishTheSwitchChoiceIsNeitherSentNorSaved)
     EXPECT_FALSE(UseSwitch);
     EXPECT_EQ(IniGet("Comms", "Switch"), "1");
     EXPECT_TRUE(meterLine.log.empty());
+}
+
+TEST_F(SetupOptions, AreInForceAsTheSettingsHaveThem)
+{
+    const struct {
+        const char *comms;
+        std::vector<std::string> on;
+    } rows[] = {
+        {"CALPort=0\nDPMPort=1\nSwitch=1", {"optManual", "optDPM_COM1", "optSwYes"}},
+        {"CALPort=0\nDPMPort=2\nSwitch=0", {"optManual", "optDPM_COM2", "optSwNo"}},
+        {"CALPort=1\nDPMPort=0\nSwitch=0", {"optAutomatic", "optCAL_COM1", "optDPM_CAL", "optSwNo"}},
+        {"CALPort=1\nDPMPort=2\nSwitch=1", {"optAutomatic", "optCAL_COM1", "optDPM_COM2", "optSwYes"}},
+        {"CALPort=2\nDPMPort=0\nSwitch=1", {"optAutomatic", "optCAL_COM2", "optDPM_CAL", "optSwYes"}},
+        {"CALPort=2\nDPMPort=1\nSwitch=0", {"optAutomatic", "optCAL_COM2", "optDPM_COM1", "optSwNo"}},
+    };
+    for (const auto &row : rows) {
+        CloseStation();
+        WriteFile("Ombrix.ini", std::string("[Comms]\n") + row.comms + "\n");
+        OpenWholeStation();
+        std::vector<std::string> options = kPortOptions;
+        options.insert(options.end(), {"optSwYes", "optSwNo"});
+        std::vector<std::string> on;
+        std::copy_if(options.begin(), options.end(), std::back_inserter(on),
+                     [](const std::string &option) { return IsOn(option); });
+        EXPECT_THAT(on, testing::UnorderedElementsAreArray(row.on)) << row.comms;
+        EXPECT_FALSE(Sees("lblStatus"));
+        EXPECT_EQ(frmOmbrix->focusWidget(), ScriptedOperator::Find("cmdEstablish"));
+    }
+}
+
+TEST_F(SetupOptions, TabEntersEachGroupAtItsOptionInForce)
+{
+    const auto walk = [this](const std::string &from) {
+        ScriptedOperator::Find(from)->setFocus();
+        std::vector<std::string> stops;
+        for (int stop = 0; stop < 4; ++stop) {
+            Press(Qt::Key_Tab);
+            stops.push_back(QApplication::focusWidget()->objectName().toStdString());
+        }
+        return stops;
+    };
+    using testing::ElementsAre;
+    EXPECT_THAT(walk("optAutomatic"), ElementsAre("optCAL_COM2", "optDPM_COM1", "optSwYes", "cmdEstablish"));
+    Click("optDPM_CAL");
+    Click("optCAL_COM1");
+    Click("optSwNo");
+    EXPECT_THAT(walk("optAutomatic"), ElementsAre("optCAL_COM1", "optDPM_CAL", "optSwNo", "cmdEstablish"));
+    Click("optManual");
+    EXPECT_THAT(walk("optManual"), ElementsAre("optCAL_COM1", "optDPM_COM1", "optSwNo", "cmdEstablish"));
 }

@@ -1,7 +1,10 @@
 #include "shell/setup_page.h"
 
 #include "links/calibrator.h"
+#include "shell/main_window.h"
 #include "shell/shell_fixture.h"
+
+#include <QMainWindow>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -65,4 +68,32 @@ TEST_F(SetupPage, GroupsAndEstablishHideTogether)
     SetSetupGroupsVisible(true);
     for (const char *name : {"shpAA(0)", "fraAA(0)", "fraAA(1)", "fraAA(2)", "fraAA(3)", "cmdEstablish"})
         EXPECT_TRUE(Sees(name)) << name;
+}
+
+TEST_F(SetupPage, ItsContentKeepsASensibleWidthOnAWideScreen)
+{
+    frmOmbrix->resize(1920, 1080);
+    QCoreApplication::processEvents();
+    const QWidget *groups = ScriptedOperator::Find("shpAA(0)");
+    EXPECT_GT(ScriptedOperator::Find("fraCalib(1)")->width(), 1300);
+    EXPECT_LE(groups->width(), 900);
+    EXPECT_GE(groups->width(), 800);
+}
+
+TEST_F(SetupPage, OnASmallScreenItsStatusComesIntoView)
+{
+    frmOmbrix->resize(960, 540);
+    frmOmbrix->setMaximumHeight(540);
+    QCoreApplication::processEvents();
+    const auto inView = [](const char *name) {
+        const QWidget *bar = ScriptedOperator::Find(name);
+        return bar->isVisible() && bar->visibleRegion().boundingRect().size() == bar->size();
+    };
+    ShowProgress("Meter: identity ...");
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(inView("shpProgress"));
+    ShowStatus("Error on COM1: Meter not found", Red());
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(inView("shpStatus"));
+    EXPECT_TRUE(inView("cmdEstablish"));
 }

@@ -1,5 +1,8 @@
 #include "shell/simulation_switch.h"
 
+#include "links/calibrator.h"
+#include "links/meter_protocol.h"
+#include "model/nominals.h"
 #include "shell/setup_page.h"
 #include "shell/shell_fixture.h"
 
@@ -102,4 +105,43 @@ TEST_F(SimulationSwitch, BothDoubleClicksAreDeafWhileAProcedureRuns)
     person.DoubleClicks("lblCalOut").Does([] { EXPECT_TRUE(HardwareMode); });
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(Established);
+}
+
+TEST_F(SimulationSwitch, ClosesBothPortsAndAnOpenCalibratorHearsStandbyAndLocalFirst)
+{
+    meterLine.onWrite = nullptr;
+    Click("cmdEstablish");
+    ASSERT_FALSE(Established);
+    ASSERT_TRUE(comCAL.IsOpen());
+    Forget();
+    DoubleClick("lblCalOut");
+    EXPECT_THAT(calibratorLine.Writes(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n", "LOCAL\n"));
+    EXPECT_GE(clock.Elapsed(), 100) << "the last bytes have left before the port closes";
+    EXPECT_FALSE(comCAL.IsOpen());
+    EXPECT_FALSE(comDPM.IsOpen());
+    EXPECT_FALSE(HardwareMode);
+    EXPECT_FALSE(Quitting);
+    EXPECT_EQ(CalPort, 2);
+}
+
+TEST_F(SimulationSwitch, ACalibratorThatIsNoLongerChosenHearsThemToo)
+{
+    meterLine.onWrite = nullptr;
+    Click("cmdEstablish");
+    Click("optManual");
+    Forget();
+    DoubleClick("lblCalOut");
+    EXPECT_THAT(calibratorLine.Writes(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n", "LOCAL\n"));
+    EXPECT_EQ(CalPort, 0);
+}
+
+TEST_F(SimulationSwitch, GoingBackReturnsToWhatRealMetersTaught)
+{
+    const std::string word = NominalWordOf(kDc, 25);
+    DoubleClick("lblCalOut");
+    SetNominalSlopeOf(kDc, 25, 9.5f);
+    SetNominalWordOf(kDc, 25, "1234");
+    DoubleClick("lblCalOut");
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), DefaultSlopeOf(kDc, 25));
+    EXPECT_EQ(NominalWordOf(kDc, 25), word);
 }

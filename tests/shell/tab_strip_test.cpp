@@ -2,6 +2,7 @@
 
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
+#include "model/ini_store.h"
 #include "session/procedure.h"
 #include "shell/setup_page.h"
 #include "shell/shell_fixture.h"
@@ -247,4 +248,25 @@ TEST_F(TabStrip, ATabLeftForAStepGoesBackToTheOpenOne)
     EXPECT_EQ(CurrentStepButton, 3);
     EXPECT_EQ(CalibTab, kTabDc);
     EXPECT_EQ(Shown(), kTabDc);
+}
+
+TEST_F(TabStrip, ABoardThatIsNotTheMetersOwnKeepsARemarkForAsLongAsItLasts)
+{
+    EstablishSimulated();
+    EXPECT_EQ(Text("lblKeptRemark"), "");
+    ClickTab(kTabTc);
+    EXPECT_EQ(Text("lblKeptRemark"), "Meter identified as DC, working as TC");
+    Click("optTabSelect(2)");
+    EXPECT_EQ(Text("lblKeptRemark"), "Meter identified as DC, working as RTD");
+    Click(StepButton(0));
+    outlets.showRemark("another remark");
+    IniDirty = true;
+    SaveIni();
+    EXPECT_EQ(Text("lblKeptRemark"), "Meter identified as DC, working as RTD") << "whatever else is told";
+    ClickTab(kTabDc);
+    EXPECT_EQ(Text("lblKeptRemark"), "");
+    ClickTab(kTabLc);
+    EXPECT_EQ(Text("lblKeptRemark"), "Meter identified as DC, working as LC");
+    ResetSession();
+    EXPECT_EQ(Text("lblKeptRemark"), "");
 }
