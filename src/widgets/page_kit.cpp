@@ -81,9 +81,4 @@ void ShowInstruction(QFrame *instruction, const std::string &text, const QColor 
     ShowStatusBar(instruction, text, colour);
 }
 
-void ShowPrompt(QFrame *bar, const Prompt &prompt)
-{
-    ShowStatusBar(bar, prompt.text, prompt.colour());
-}
-
 }  // namespace ombrix

@@ -49,11 +49,4 @@ void ShowStatusBar(QFrame *bar, const std::string &text, const QColor &colour);
 QFrame *Instruction(QWidget *parent, int index, int lines);
 void ShowInstruction(QFrame *instruction, const std::string &text, const QColor &colour);
 
-/// A row of a page's table of prompts. The colour is a procedure, since the theme in force decides it.
-struct Prompt {
-    const char *text;
-    QColor (*colour)();
-};
-void ShowPrompt(QFrame *bar, const Prompt &prompt);
-
 }  // namespace ombrix
