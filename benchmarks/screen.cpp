@@ -2,61 +2,36 @@
 
 #include <array>
 #include <cstdint>
-#include <cstring>
+#include <cstdlib>
 #include <fcntl.h>
+#include <memory>
 #include <poll.h>
 #include <signal.h>
 #include <stdexcept>
 #include <sys/prctl.h>
-#include <sys/socket.h>
-#include <sys/un.h>
 #include <sys/wait.h>
 #include <unistd.h>
-#include <vector>
+#include <xcb/xcb.h>
 
 namespace ombrix::benchmarks {
 namespace {
 
-constexpr int kWaitMs = 20000;
+using namespace std::chrono_literals;
 
-// The few pieces of the X11 protocol that watching a screen takes.
-constexpr std::uint8_t kChangeWindowAttributes = 2;
-constexpr std::uint32_t kEventMask = 1u << 11;
-constexpr std::uint32_t kSubstructureNotify = 1u << 19;
-constexpr std::uint8_t kMapNotify = 19;
-constexpr std::size_t kEventLength = 32;
+constexpr auto kWait = 20s;
 
-void ReadFully(int socket, void *buffer, std::size_t length)
+using Event = std::unique_ptr<xcb_generic_event_t, decltype(&std::free)>;
+
+// The next event that is there already, none when there is none.
+Event EventFrom(xcb_connection_t *line)
 {
-    auto *at = static_cast<char *>(buffer);
-    while (length > 0) {
-        const ssize_t count = read(socket, at, length);
-        if (count <= 0)
-            throw std::runtime_error("the screen closed its line");
-        at += count;
-        length -= static_cast<std::size_t>(count);
-    }
+    return {xcb_poll_for_event(line), &std::free};
 }
 
-void WriteFully(int socket, const void *buffer, std::size_t length)
+// The last bit tells an event that another program sent by hand.
+bool IsNewWindow(const Event &event)
 {
-    if (write(socket, buffer, length) != static_cast<ssize_t>(length))
-        throw std::runtime_error("the screen takes no requests");
-}
-
-template <class Number> Number NumberAt(const std::vector<std::uint8_t> &bytes, std::size_t place)
-{
-    Number number;
-    std::memcpy(&number, bytes.data() + place, sizeof number);
-    return number;
-}
-
-// The root window stands behind the vendor's name and the pixel formats.
-std::uint32_t RootWindow(const std::vector<std::uint8_t> &setup)
-{
-    const std::size_t vendor = (NumberAt<std::uint16_t>(setup, 16) + 3u) / 4 * 4;
-    const std::size_t formats = setup[21] * 8u;
-    return NumberAt<std::uint32_t>(setup, 32 + vendor + formats);
+    return (event->response_type & 0x7f) == XCB_MAP_NOTIFY;
 }
 
 std::string LineFrom(int pipe)
@@ -97,8 +72,7 @@ Screen::Screen()
 
 Screen::~Screen()
 {
-    if (m_socket >= 0)
-        close(m_socket);
+    xcb_disconnect(m_line);
     if (m_server > 0) {
         kill(m_server, SIGTERM);
         waitpid(m_server, nullptr, 0);
@@ -107,46 +81,39 @@ Screen::~Screen()
 
 void Screen::Watch()
 {
-    m_socket = socket(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0);
-    sockaddr_un address{};
-    address.sun_family = AF_UNIX;
-    const std::string path = "/tmp/.X11-unix/X" + m_name.substr(1);
-    std::strncpy(address.sun_path, path.c_str(), sizeof address.sun_path - 1);
-    if (connect(m_socket, reinterpret_cast<sockaddr *>(&address), sizeof address) != 0)
-        throw std::runtime_error("no way to the screen at " + path);
-
-    const std::array<std::uint8_t, 12> hello{'l', 0, 11, 0};
-    WriteFully(m_socket, hello.data(), hello.size());
-    std::vector<std::uint8_t> head(8);
-    ReadFully(m_socket, head.data(), head.size());
-    std::vector<std::uint8_t> setup(NumberAt<std::uint16_t>(head, 6) * 4u);
-    ReadFully(m_socket, setup.data(), setup.size());
-    if (head[0] != 1)
-        throw std::runtime_error("the screen refuses");
-
-    const std::array<std::uint32_t, 4> watch{kChangeWindowAttributes | (4u << 16), RootWindow(setup), kEventMask,
-                                             kSubstructureNotify};
-    WriteFully(m_socket, watch.data(), sizeof watch);
+    m_line = xcb_connect(m_name.c_str(), nullptr);
+    if (xcb_connection_has_error(m_line) != 0)
+        throw std::runtime_error("no way to the screen " + m_name);
+    const xcb_window_t root = xcb_setup_roots_iterator(xcb_get_setup(m_line)).data->root;
+    const std::uint32_t mask = XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY;
+    const auto asked = xcb_change_window_attributes_checked(m_line, root, XCB_CW_EVENT_MASK, &mask);
+    const std::unique_ptr<xcb_generic_error_t, decltype(&std::free)> refusal(xcb_request_check(m_line, asked),
+                                                                             &std::free);
+    if (refusal)
+        throw std::runtime_error("the screen lets nobody watch");
 }
 
 void Screen::ForgetWindows()
 {
-    pollfd input{m_socket, POLLIN, 0};
-    std::array<std::uint8_t, kEventLength> event{};
-    while (poll(&input, 1, 0) > 0)
-        ReadFully(m_socket, event.data(), event.size());
+    while (EventFrom(m_line)) {
+    }
 }
 
 std::optional<Time> Screen::NextWindow()
 {
-    pollfd input{m_socket, POLLIN, 0};
-    std::array<std::uint8_t, kEventLength> event{};
-    while (poll(&input, 1, kWaitMs) > 0) {
-        ReadFully(m_socket, event.data(), event.size());
-        if ((event[0] & 0x7f) == kMapNotify)
-            return std::chrono::steady_clock::now();
+    const auto end = std::chrono::steady_clock::now() + kWait;
+    pollfd input{xcb_get_file_descriptor(m_line), POLLIN, 0};
+    while (true) {
+        while (const Event event = EventFrom(m_line))
+            if (IsNewWindow(event))
+                return std::chrono::steady_clock::now();
+        if (xcb_connection_has_error(m_line) != 0)
+            throw std::runtime_error("the screen closed its line");
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
+        if (left <= 0ms)
+            return std::nullopt;
+        poll(&input, 1, static_cast<int>(left.count()));
     }
-    return std::nullopt;
 }
 
 }  // namespace ombrix::benchmarks

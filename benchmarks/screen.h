@@ -6,6 +6,8 @@
 #include <string>
 #include <sys/types.h>
 
+struct xcb_connection_t;
+
 namespace ombrix::benchmarks {
 
 using Time = std::chrono::steady_clock::time_point;
@@ -24,14 +26,15 @@ public:
 
     /// Forgets what has appeared so far.
     void ForgetWindows();
-    /// When the next window appeared; nothing when none does within 20 s.
+    /// When the next window appeared; nothing when none does within 20 s. Throws std::runtime_error when the screen is
+    /// gone.
     std::optional<Time> NextWindow();
 
 private:
     void Watch();
 
     pid_t m_server = -1;
-    int m_socket = -1;
+    xcb_connection_t *m_line = nullptr;
     std::string m_name;
 };
 
