@@ -6,6 +6,7 @@
 #include "simulated_run.h"
 
 #include "support/station.h"
+#include "tour/toolkit_noise.h"
 #include "tour/tour.h"
 
 #include <QApplication>
@@ -170,6 +171,7 @@ int main(int argc, char **argv)
         KeepSyncing(argv[2]);
         return 1;
     }
+    ombrix::tour::DropToolkitNoise();
     try {
         const StationFolder folder;
         Screen screen;

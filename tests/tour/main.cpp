@@ -4,6 +4,7 @@
 // as it appears, pictures of each page. With --bench it calibrates one range of an emulated meter on pseudo-terminals,
 // in hardware mode with its real waits.
 
+#include "tour/toolkit_noise.h"
 #include "tour/tour.h"
 
 #include <QApplication>
@@ -13,6 +14,7 @@
 
 int main(int argc, char **argv)
 {
+    ombrix::tour::DropToolkitNoise();
     qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
     QApplication::setStyle("Fusion");

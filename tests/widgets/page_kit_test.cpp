@@ -66,18 +66,6 @@ TEST_F(PageKit, AStatusBarIsHiddenUntilItSaysSomething)
     EXPECT_FALSE(bar->isVisible());
 }
 
-TEST_F(PageKit, APromptComesWithItsColour)
-{
-    static constexpr Prompt kPrompts[] = {{"Click \"Ready\"", InfoBackground}, {"Stopped", Red}};
-    QFrame *bar = StatusBar(&page, "Prompt", 1);
-    page.show();
-    for (const Prompt &prompt : kPrompts) {
-        ShowPrompt(bar, prompt);
-        EXPECT_EQ(page.findChild<QLabel *>("lblPrompt")->text(), prompt.text);
-        EXPECT_EQ(bar->palette().color(QPalette::Window), prompt.colour());
-    }
-}
-
 TEST_F(PageKit, ADoneButtonCarriesItsIndexAndItsWord)
 {
     int clicks = 0;
