@@ -5,7 +5,11 @@ cmake_minimum_required(VERSION 3.25)
 
 set(limit 600)
 
-file(GLOB_RECURSE files RELATIVE ${ROOT} ${ROOT}/src/*.h ${ROOT}/src/*.cpp ${ROOT}/testbench/*.h ${ROOT}/testbench/*.cpp)
+set(globs "")
+foreach(folder src testbench tests benchmarks)
+  list(APPEND globs ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
+endforeach()
+file(GLOB_RECURSE files RELATIVE ${ROOT} ${globs})
 set(wrong "")
 foreach(file ${files})
   file(READ ${ROOT}/${file} text)

@@ -80,8 +80,10 @@ make(src/model/a.cpp "${six_hundred}")
 expect(check_lengths src/model/a.cpp passes)
 make(src/model/a.cpp "${six_hundred}\n")
 expect(check_lengths src/model/a.cpp fails)
-make(testbench/a.h "${six_hundred}\n")
-expect(check_lengths testbench/a.h fails)
+foreach(file testbench/a.h tests/model/a_test.cpp tests/support/a.h benchmarks/a.cpp)
+  make(${file} "${six_hundred}\n")
+  expect(check_lengths ${file} fails)
+endforeach()
 
 # A wrong place to look is no clean house.
 make(elsewhere/a.cpp "\n")
@@ -93,6 +95,25 @@ foreach(check check_arrows check_lengths)
     set(failed TRUE)
   endif()
 endforeach()
+
+# A second run, of a program that has one suite: whoever filters something else gets nothing.
+macro(german_run verdict filter exit_code)
+  file(REMOVE_RECURSE ${TREE})
+  file(WRITE ${TREE}/program "case $* in\n*list*Text.*) printf 'Text.\\n  Reads\\n' ;;\n*list*) ;;\n*) exit ${exit_code} ;;\nesac\n")
+  execute_process(COMMAND ${CMAKE_COMMAND} "-DPROGRAM=sh;${TREE}/program" -DFILTER=${filter}
+    -P ${CMAKE_CURRENT_LIST_DIR}/german_run.cmake
+    RESULT_VARIABLE code OUTPUT_VARIABLE words ERROR_VARIABLE words)
+  if((code EQUAL 0 AND "${verdict}" STREQUAL fails) OR (NOT code EQUAL 0 AND "${verdict}" STREQUAL passes))
+    message("german_run: ${filter} of a program that ends with ${exit_code} ends with ${code}\n${words}")
+    set(failed TRUE)
+  endif()
+endmacro()
+
+german_run(passes Text.* 0)
+german_run(fails Text.* 1)
+german_run(fails Text.*:Words.* 0)
+german_run(fails Words.* 0)
+german_run(fails "" 0)
 
 if(failed)
   message(FATAL_ERROR "The checks of the house do not hold")
