@@ -1,6 +1,6 @@
 # Sourced by ./run and ./test: says what happens, installs what is missing, configures and builds.
 
-readonly preset=default
+preset=default
 readonly build=build
 
 say() {
@@ -25,10 +25,11 @@ as_root() {
     fi
 }
 
-# Asks dpkg alone while everything is there: no network, no rights needed.
+# ensure_tools [package...]: what a build needs, and these. Asks dpkg alone while everything is there: no network, no
+# rights needed.
 ensure_tools() {
     local wanted=(g++ cmake ninja-build ccache qt6-base-dev qt6-serialport-dev qt6-svg-dev libgtest-dev libgmock-dev
-        fonts-liberation xvfb xauth locales)
+        libxcb1-dev fonts-liberation xvfb xauth locales "$@")
     local package
     missing=()
     if ! command -v dpkg-query >/dev/null; then

@@ -1,26 +1,31 @@
 #!/usr/bin/env bash
-# lint.sh SOURCE BUILD: layout of all sources, clang-tidy over src/ and testbench/, the arrows. Says all it finds.
+# lint.sh SOURCE BUILD [FOLDER...]: layout of all sources, the arrows and the lengths, clang-tidy over the sources of
+# these folders, src and testbench when none is named. BUILD is configured. Says all it finds.
 set -u
 source=$1
-build=$2
+build=$(realpath "$2")
+shift 2
+[ $# -gt 0 ] || set -- src testbench
 cd "$source" || exit 1
 
-for tool in clang-format clang-tidy; do
+for tool in clang-format clang-tidy python3; do
     command -v "$tool" >/dev/null || {
-        echo "lint: $tool is missing; as root: apt-get install --no-install-recommends clang-format clang-tidy" >&2
+        echo "lint: $tool is missing; as root: apt-get install --no-install-recommends clang-format clang-tidy python3" >&2
         exit 1
     }
 done
 
 trouble=0
 echo "lint: layout"
-git ls-files -z -- 'src/*.h' 'src/*.cpp' 'testbench/*.h' 'testbench/*.cpp' 'tests/*.h' 'tests/*.cpp' \
-    'benchmarks/*.h' 'benchmarks/*.cpp' | xargs -0 clang-format --dry-run -Werror || trouble=1
+git ls-files -z --cached --others --exclude-standard -- \
+    {src,testbench,tests,benchmarks}/'*.h' {src,testbench,tests,benchmarks}/'*.cpp' |
+    xargs -0 clang-format --dry-run -Werror || trouble=1
 
 echo "lint: arrows and lengths"
-ctest --test-dir "$build" -R '^(arrows|lengths)$' --output-on-failure || trouble=1
+for check in arrows lengths; do
+    cmake -DROOT="$PWD" -P "cmake/check_$check.cmake" || trouble=1
+done
 
-echo "lint: clang-tidy"
-git ls-files -z -- 'src/*.cpp' 'testbench/*.cpp' | xargs -0 -P 2 -n 1 clang-tidy -p "$build" --quiet || trouble=1
+cmake/tidy.py . "$build" "$@" || trouble=1
 
 exit $trouble
