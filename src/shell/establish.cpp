@@ -62,19 +62,19 @@ std::string OpenLinks(const Wiring &wiring)
 {
     CloseOldLinks();
     if (CalPort != 0)
-        ShowProgress("Calibrator: reset ...");
+        ShowEstablishProgress("Calibrator: reset ...");
     const int calibrator = OpenCalibratorLink();
     if (Abort)  // before the meter's link opens, which forgets it
         return kStopped;
     if (calibrator != 0)
         return "Error on " + wiring.calText + ": " + CalError;
-    ShowProgress("Meter: first answer ...");
+    ShowEstablishProgress("Meter: first answer ...");
     const int meter = OpenMeterLink();
     if (Abort)
         return kStopped;
     if (meter != 0)
         return MeterTrouble(wiring);
-    ShowProgress("Meter: identity ...");
+    ShowEstablishProgress("Meter: identity ...");
     if (!IdentifyMeter())
         return Abort ? kStopped : kMeterSilent;
     if (SCType < 0) {
@@ -89,7 +89,7 @@ void PrepareMeter()
 {
     if (SCType == kVf)
         return;
-    ShowProgress("Meter: setup ...");
+    ShowEstablishProgress("Meter: setup ...");
     WriteNvmWords(16, "0060", "Z");
     if (!Abort)
         LoadFactoryMeterSetup();
@@ -100,7 +100,7 @@ bool TakeLinks(const Wiring &wiring)
 {
     Established = true;
     if (UseSwitch) {
-        ShowProgress("Output switch: reset ...");
+        ShowEstablishProgress("Output switch: reset ...");
         OpenOutputSwitch();
     }
     if (!Abort)

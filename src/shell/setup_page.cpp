@@ -169,7 +169,7 @@ void FocusEstablish()
     cmdEstablish->setFocus();
 }
 
-void ShowProgress(const std::string &text)
+void ShowEstablishProgress(const std::string &text)
 {
     progress = {text, NowMicros(), progress.number + 1};
     shpStatus->hide();

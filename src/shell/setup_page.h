@@ -29,7 +29,7 @@ void ShowEstablished(const std::string &text);
 /// In a session: the bar turns red and says why the meter's identity isn't known; "" and it is green again.
 void ShowMeterTrouble(const std::string &trouble);
 /// In the status line's place, without its colours: what Establish does, with the seconds gone from the third on.
-void ShowProgress(const std::string &text);
+void ShowEstablishProgress(const std::string &text);
 /// Takes away the bar, or the progress in its place.
 void HideStatus();
 

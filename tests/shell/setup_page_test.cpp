@@ -89,7 +89,7 @@ TEST_F(SetupPage, OnASmallScreenItsStatusComesIntoView)
         const QWidget *bar = ScriptedOperator::Find(name);
         return bar->isVisible() && bar->visibleRegion().boundingRect().size() == bar->size();
     };
-    ShowProgress("Meter: identity ...");
+    ShowEstablishProgress("Meter: identity ...");
     QCoreApplication::processEvents();
     EXPECT_TRUE(inView("shpProgress"));
     ShowStatus("Error on COM1: Meter not found", Red());
