@@ -4,7 +4,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/journal_reader.h"
-#include "session/outlets.h"
+#include "session/kept_remarks.h"
 #include "session/state.h"
 
 #include <QDateTime>
@@ -228,7 +228,7 @@ void ShowWhetherBehind()
     if (JournalIsBehind() == remarkStands)
         return;
     remarkStands = !remarkStands;
-    outlets.keepRemark(remarkStands ? "not recorded" : "");
+    KeepRemarkOn(Subject::Journal, remarkStands ? "not recorded" : "");
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include "journal_fixture.h"
 
+#include "session/kept_remarks.h"
+
 #include <cerrno>
 #include <stdexcept>
 #include <unistd.h>
@@ -61,6 +63,19 @@ TEST_F(JournalTrouble, EventsWaitAndAreWrittenInOrderAtTheNextOne)
     EXPECT_EQ(heard, "start one two three ");
     EXPECT_EQ(Kinds(kNovember), "start one two three ");
     ExpectChain(Lines(kNovember));
+}
+
+TEST_F(JournalTrouble, LeavesTheRemarksOnOtherSubjects)
+{
+    KeepRemarkOn(Subject::Settings, "not saved");
+    Open();
+    WritesFail();
+    Record("one", {});
+    EXPECT_EQ(remarks.back(), "not saved   not recorded");
+    EverythingWorks();
+    Record("two", {});
+    EXPECT_EQ(remarks.back(), "not saved");
+    KeepRemarkOn(Subject::Settings, "");
 }
 
 TEST_F(JournalTrouble, AnEventKeepsItsOwnTimeAndVisitWhileItWaits)
