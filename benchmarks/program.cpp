@@ -1,10 +1,10 @@
 #include "program.h"
 
+#include <csignal>
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <signal.h>
 #include <stdexcept>
-#include <stdlib.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <thread>

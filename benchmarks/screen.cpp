@@ -1,12 +1,12 @@
 #include "screen.h"
 
 #include <array>
+#include <csignal>
 #include <cstdint>
 #include <cstdlib>
 #include <fcntl.h>
 #include <memory>
 #include <poll.h>
-#include <signal.h>
 #include <stdexcept>
 #include <sys/prctl.h>
 #include <sys/wait.h>
