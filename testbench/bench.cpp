@@ -40,6 +40,11 @@ std::vector<std::string> Bench::FaultNames()
     return Faults::Names();
 }
 
+bool Bench::IsFault(const std::string &name)
+{
+    return Faults::Named(name).has_value();
+}
+
 bool Bench::SwitchFault(const std::string &name, bool on)
 {
     const auto fault = Faults::Named(name);
@@ -50,8 +55,8 @@ bool Bench::SwitchFault(const std::string &name, bool on)
 
 bool Bench::FaultIsOn(const std::string &name) const
 {
-    const auto fault = Faults::Named(name);
-    return fault && m_parts->faults.IsOn(*fault);
+    const auto wanted = Faults::Named(name);
+    return wanted && m_parts->faults.IsOn(wanted->fault);
 }
 
 bool Bench::FaultAtExchange(const std::string &name, int exchange, bool lasting)
@@ -124,6 +129,16 @@ void Bench::SetWord(int word, std::uint16_t value)
 void Bench::UseBlockForm(BlockForm form)
 {
     m_parts->uutPort.UseForm(form);
+}
+
+void Bench::ShowNext(const std::vector<std::string> &texts)
+{
+    m_parts->meter.ShowNext(texts);
+}
+
+void Bench::AnswerNext(Line line, const std::string &bytes, const std::string &to)
+{
+    m_parts->AnswerNext(line, bytes, to);
 }
 
 std::vector<std::string> Bench::ProtocolErrors() const

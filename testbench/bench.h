@@ -53,10 +53,12 @@ public:
     /// The line leads nowhere: its carrier hangs up, and is back when this is false again.
     bool PortGone(Line line) const;
 
-    // ---- faults, by name (faults.h tells what each does) ----
+    // ---- faults, by name (the console's help tells what each does); some take a number: "trips=200" ----
 
     static std::vector<std::string> FaultNames();
-    /// False for an unknown name.
+    /// A name that can be switched.
+    static bool IsFault(const std::string &name);
+    /// False for an unknown name. A fault begins at the time that the bench heard of last.
     bool SwitchFault(const std::string &name, bool on);
     bool FaultIsOn(const std::string &name) const;
     /// From the exchange of this number on, counted from 0. A fault that isn't lasting ends after its first effect; a
@@ -82,6 +84,15 @@ public:
     void SetWord(int word, std::uint16_t value);
     /// Blocks of the UUT port in one form only; otherwise each of the three in turn.
     void UseBlockForm(BlockForm form);
+
+    // ---- what a test says in the instruments' place ----
+
+    /// The next reads of the display are answered with these texts, as they are; the last one stays. None gives the
+    /// display back.
+    void ShowNext(const std::vector<std::string> &texts);
+    /// The next reply of a line's instrument, to a frame or command that holds `to`, is these bytes instead; none is
+    /// silence. Several wait their turn. No fault touches them.
+    void AnswerNext(Line line, const std::string &bytes, const std::string &to = "");
 
     // ---- what the bench knows ----
 

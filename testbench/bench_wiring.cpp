@@ -89,7 +89,8 @@ std::optional<Bench::Parts::Happening> Bench::Parts::NextHappening()
     consider(calibrator.NextDue(), [this](Micros now) { RunCalibrator(now); });
     consider(meter.NextDue(), [this](Micros now) { RunMeter(meter, now); });
     consider(m_switch.NextDue(), [this](Micros now) { RunMeter(m_switch, now); });
-    consider(faults.NextDue(), [this](Micros now) { RunFaults(now); });
+    consider(faults.NextDue(), [this](Micros now) { faults.Run(now); });
+    consider(m_nextRestart, [this](Micros now) { RestartMeter(now); });
     return next;
 }
 
@@ -98,7 +99,7 @@ std::optional<Micros> Bench::Parts::NextDue() const
     std::optional<Micros> due;
     for (const auto &each : {m_meterIn.NextDue(), m_calibratorIn.NextDue(), m_tunnelIn.NextDue(), m_tunnelOut.NextDue(),
                              m_meterOut.NextDue(), m_calibratorOut.NextDue(), calibrator.NextDue(), meter.NextDue(),
-                             m_switch.NextDue(), faults.NextDue()})
+                             m_switch.NextDue(), faults.NextDue(), m_nextRestart})
         if (each && (!due || *each < *due))
             due = each;
     return due;
@@ -109,6 +110,7 @@ void Bench::Parts::TakeMeterByte(Micros now)
     const auto frame = m_frames.Take(m_meterIn.TakeByte(), now);
     if (!frame || BeginExchange(Line::Meter, now))
         return;
+    m_heard[0] = frame->text;
     Note(now, Line::Meter, true, frame->text + "\r", "");
     if (setup.uut)
         NoteLast("nothing is on this line");
@@ -121,6 +123,7 @@ void Bench::Parts::TakeCalibratorByte(Micros now)
     const auto line = m_commands.Take(m_calibratorIn.TakeByte());
     if (!line || BeginExchange(Line::Calibrator, now))
         return;
+    m_heard[1] = *line;
     Note(now, Line::Calibrator, true, *line + "\n", "");
     if (setup.calibrator)
         HearCommand(*line, now);
@@ -133,6 +136,7 @@ void Bench::Parts::TakeTunnelByte(Micros now)
     const auto frame = m_frames.Take(m_tunnelIn.TakeByte(), now);
     if (!frame)
         return;
+    m_heard[0] = frame->text;
     Note(now, Line::Meter, true, frame->text + "\r", "through the calibrator");
     HearFrame(*frame, now);
 }
@@ -142,6 +146,10 @@ void Bench::Parts::RunCalibrator(Micros now)
     calibrator.Run(now);
     if (calibrator.WasKeptFromOperating())
         faults.Spend(Fault::NeverOperating);
+    if (calibrator.HasTripped()) {
+        faults.Spend(Fault::Trips);
+        ApplyFaults(now);
+    }
     SignalChanged(now);
 }
 
@@ -154,17 +162,10 @@ void Bench::Parts::RunMeter(Meter &which, Micros now)
         MeterSays(bytes, now);
 }
 
-void Bench::Parts::RunFaults(Micros now)
-{
-    faults.Run(now);
-}
-
 bool Bench::Parts::BeginExchange(Line line, Micros now)
 {
     faults.ExchangeArrives(exchanges++, line, now);
-    meter.Wander(faults.IsOn(Fault::NeverSettling));
-    calibrator.NeverOperates(faults.IsOn(Fault::NeverOperating));
-    DropLostPorts();
+    ApplyFaults(now);
     return faults.IsPortGone(line);
 }
 
@@ -182,7 +183,8 @@ void Bench::Parts::HearFrame(const Frame &frame, Micros now)
     }
     Meter &which = second ? m_switch : meter;
     if (which.IsDeaf(frame.began)) {
-        StationError(now, "sent while the meter restarts: " + Readable(frame.text));
+        if (which.WasToldToRestart(frame.began))
+            StationError(now, "sent while the meter restarts: " + Readable(frame.text));
         NoteLast("lost: the meter restarts");
         return;
     }
@@ -197,7 +199,10 @@ void Bench::Parts::ExecuteFrame(Meter &which, const MeterCommand &command, Micro
         MeterReplies(*reply, now);
     if (command.letter == 'B' && &which == &meter) {
         faults.Spend(Fault::NeverSettling);
-        meter.Wander(faults.IsOn(Fault::NeverSettling));
+        faults.Spend(Fault::OverRange);
+        if (meter.HasDrifted())
+            faults.Spend(Fault::Drifting);
+        ApplyFaults(now);
     }
 }
 
@@ -206,6 +211,10 @@ void Bench::Parts::HearCommand(const std::string &line, Micros now)
     if (!HearTunnelCommand(line, now))
         if (const auto reply = calibrator.Execute(line, now))
             CalibratorReplies(*reply, now);
+    if (calibrator.HasRefused()) {
+        faults.Spend(Fault::RefusesOutput);
+        ApplyFaults(now);
+    }
     SignalChanged(now);
 }
 
@@ -230,63 +239,6 @@ bool Bench::Parts::HearTunnelCommand(const std::string &line, Micros now)
         return false;
     }
     return true;
-}
-
-void Bench::Parts::MeterReplies(const std::string &reply, Micros now)
-{
-    const Micros from = now + kMeterThinksMicros;
-    if (faults.IsOn(Fault::SilentMeter)) {
-        faults.Spend(Fault::SilentMeter);
-        Note(from, Line::Meter, false, reply, "not said: silent-meter");
-        return;
-    }
-    const Spoken spoken = faults.Distort(reply);
-    Note(from + spoken.later, Line::Meter, false, spoken.bytes, spoken.bytes == reply ? "" : "spoilt");
-    (setup.uut ? m_tunnelOut : m_meterOut).Put(spoken.bytes, from + spoken.later, spoken.gap);
-}
-
-void Bench::Parts::MeterSays(const std::string &bytes, Micros from)
-{
-    if (setup.uut)
-        m_tunnelOut.Put(bytes, from);
-    else if (!faults.IsPortGone(Line::Meter))
-        m_meterOut.Put(bytes, from);
-}
-
-void Bench::Parts::CalibratorReplies(const std::string &reply, Micros now)
-{
-    const Micros from = now + kCalibratorThinksMicros;
-    const std::string line = reply + "\r\n";
-    if (faults.IsOn(Fault::SilentCalibrator)) {
-        faults.Spend(Fault::SilentCalibrator);
-        Note(from, Line::Calibrator, false, line, "not said: silent-calibrator");
-        return;
-    }
-    const Spoken spoken = faults.Distort(line);
-    Note(from + spoken.later, Line::Calibrator, false, spoken.bytes, spoken.bytes == line ? "" : "spoilt");
-    m_calibratorOut.Put(spoken.bytes, from + spoken.later, spoken.gap);
-}
-
-void Bench::Parts::SwitchFault(Fault fault, bool on)
-{
-    faults.Switch(fault, on);
-    meter.Wander(faults.IsOn(Fault::NeverSettling));
-    calibrator.NeverOperates(faults.IsOn(Fault::NeverOperating));
-    DropLostPorts();
-}
-
-void Bench::Parts::DropLostPorts()
-{
-    for (const Line line : {Line::Meter, Line::Calibrator}) {
-        if (!faults.IsPortGone(line))
-            continue;
-        In(line).Clear();
-        Out(line).Clear();
-        if (line == Line::Calibrator)
-            m_commands.Clear();
-        else if (!setup.uut)
-            m_frames.Clear();
-    }
 }
 
 bool Bench::Parts::ApplyByHand(const std::string &value, Micros now)

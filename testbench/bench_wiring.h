@@ -21,7 +21,9 @@ public:
     Wire &In(Line line) { return line == Line::Meter ? m_meterIn : m_calibratorIn; }
     Wire &Out(Line line) { return line == Line::Meter ? m_meterOut : m_calibratorOut; }
 
-    void SwitchFault(Fault fault, bool on);
+    void SwitchFault(const WantedFault &wanted, bool on);
+    /// The next reply of a line's instrument to something that holds a text is this instead.
+    void AnswerNext(Line line, const std::string &bytes, const std::string &to);
     bool ApplyByHand(const std::string &value, Micros now);
     void RemoveByHand(Micros now);
     /// Something that leads to the meter's terminals has changed.
@@ -53,7 +55,9 @@ private:
     void TakeTunnelByte(Micros now);
     void RunCalibrator(Micros now);
     void RunMeter(Meter &which, Micros now);
-    void RunFaults(Micros now);
+    void RestartMeter(Micros now);
+    /// Tells the instruments which faults are in force.
+    void ApplyFaults(Micros now);
 
     /// True when a command that has arrived over a line is lost with its port.
     bool BeginExchange(Line line, Micros now);
@@ -65,13 +69,23 @@ private:
     void MeterSays(const std::string &bytes, Micros from);
     void MeterReplies(const std::string &reply, Micros now);
     void CalibratorReplies(const std::string &reply, Micros now);
+    void Say(Line line, Wire &out, const std::string &reply, Micros from);
+    std::optional<std::string> PlannedAnswer(Line line);
     void DropLostPorts();
 
     void Note(Micros time, Line line, bool fromStation, std::string_view bytes, const std::string &note);
     void NoteLast(const std::string &note);
     void StationError(Micros now, const std::string &what);
 
-    Meter m_switch;  // the meter at address 2
+    struct Answer {
+        Line line;
+        std::string bytes;
+        std::string to;
+    };
+    std::vector<Answer> m_answers;
+    std::string m_heard[2];               // from the station: the last frame, the last command
+    std::optional<Micros> m_nextRestart;  // of a meter that restarts by itself
+    Meter m_switch;                       // the meter at address 2
     bool m_switchUsed = false;
     FrameReader m_frames;
     CommandReader m_commands;

@@ -1,5 +1,6 @@
 #include "testbench/calibrator.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <utility>
@@ -69,20 +70,42 @@ Calibrator::Calibrator(int operateDelayMs) : m_delay(operateDelayMs * Micros{100
 std::optional<std::string> Calibrator::Execute(std::string_view line, Micros now)
 {
     std::string reply;
+    const bool refused = Refuses(line);
     for (const std::string &command : Split(line, ';'))
         if (!Trim(command).empty())
-            ExecuteOne(command, now, reply);
+            ExecuteOne(command, refused, now, reply);
     if (m_due && *m_due <= now)
         Run(now);
     return reply.empty() ? std::nullopt : std::optional(reply);
 }
 
-void Calibrator::ExecuteOne(std::string_view text, Micros now, std::string &reply)
+// A line that asks for an output and not for standby.
+bool Calibrator::Refuses(std::string_view line)
+{
+    if (!m_refuses || !m_remote)
+        return false;
+    bool output = false;
+    for (const std::string &text : Split(line, ';')) {
+        const std::string head = SplitCommand(text).head;
+        if (head == "STBY" || head == "*RST")
+            return false;
+        output = output || head == "OUT" || head == "OPER";
+    }
+    if (output) {
+        QueueError(502, "Output refused");
+        m_refused = true;
+    }
+    return output;
+}
+
+void Calibrator::ExecuteOne(std::string_view text, bool refused, Micros now, std::string &reply)
 {
     const Command command = SplitCommand(text);
     if (ExecuteQuery(command.head, reply) || ExecuteSetting(command.head, command.argument))
         return;
     const bool oper = command.head == "OPER";
+    if (refused && (oper || command.head == "OUT"))
+        return;
     if (command.head == "OUT") {
         if (IsRemote(text))
             SetOutput(command.argument);
@@ -181,8 +204,23 @@ void Calibrator::Reset()
     m_due = 0;  // at once
 }
 
+std::optional<Micros> Calibrator::NextDue() const
+{
+    if (m_due && m_tripDue)
+        return std::min(*m_due, *m_tripDue);
+    return m_due ? m_due : m_tripDue;
+}
+
 void Calibrator::Run(Micros now)
 {
+    if (m_tripDue && now >= *m_tripDue) {
+        m_tripDue.reset();
+        m_tripped = true;
+        m_now.operate = false;
+        if (!m_due)
+            m_wanted.operate = false;
+        Tell(now);
+    }
     if (!m_due || now < *m_due)
         return;
     m_due.reset();
@@ -196,6 +234,34 @@ void Calibrator::ComeIntoForce(Micros now)
         m_now.operate = false;
         m_keptFromOperating = true;
     }
+    m_tripDue.reset();
+    if (m_now.operate && m_tripDelay)
+        m_tripDue = now + *m_tripDelay;
+    Tell(now);
+}
+
+void Calibrator::TripsAfter(std::optional<Micros> delay, Micros now)
+{
+    if (delay == m_tripDelay)
+        return;
+    m_tripDelay = delay;
+    m_tripDue.reset();
+    if (m_now.operate && delay)
+        m_tripDue = now + *delay;
+}
+
+bool Calibrator::HasRefused()
+{
+    return std::exchange(m_refused, false);
+}
+
+bool Calibrator::HasTripped()
+{
+    return std::exchange(m_tripped, false);
+}
+
+void Calibrator::Tell(Micros now)
+{
     m_history.push_back({now, m_now.text, m_now.value.number, m_now.value.unit, m_now.hertz, m_now.operate});
 }
 
@@ -241,10 +307,15 @@ std::string Calibrator::NextError()
     return error;
 }
 
-void Calibrator::AddError(int number, const std::string &words, const std::string &command)
+void Calibrator::QueueError(int number, const std::string &words)
 {
     if (m_errors.size() < kLongestQueue)
         m_errors.push_back(std::to_string(number) + ",\"" + words + "\"");
+}
+
+void Calibrator::AddError(int number, const std::string &words, const std::string &command)
+{
+    QueueError(number, words);
     if (onStationError)
         onStationError(words + ": " + Trim(command));
 }

@@ -48,18 +48,26 @@ public:
     /// A command line without its line feed; commands in it stand apart by ";". The reply without its CR LF; nothing
     /// when nothing was asked.
     std::optional<std::string> Execute(std::string_view line, Micros now);
-    /// An error into the queue: number and words. Those that the station made are also told to onStationError.
+    /// An error that the station made: into the queue, number and words, and told to onStationError.
     void AddError(int number, const std::string &words, const std::string &command);
     std::function<void(const std::string &)> onStationError;
 
     /// When a change of its output comes into force.
-    std::optional<Micros> NextDue() const { return m_due; }
+    std::optional<Micros> NextDue() const;
     void Run(Micros now);
 
     /// It takes every OUT ... OPER and never gets there.
     void NeverOperates(bool on) { m_neverOperates = on; }
     /// True once since the last call, when an OPER was kept from coming into force.
     bool WasKeptFromOperating();
+    /// It queues an error instead of a new output or OPER and keeps what it puts out. Standby it takes.
+    void RefusesOutputs(bool on) { m_refuses = on; }
+    /// True once since the last call, when it has refused.
+    bool HasRefused();
+    /// It falls back to standby so long after each moment at which it operates; with nothing told it never does.
+    void TripsAfter(std::optional<Micros> delay, Micros now);
+    /// True once since the last call, when it has tripped.
+    bool HasTripped();
 
     /// What stands on its terminals: open in standby.
     Signal Terminals() const;
@@ -73,10 +81,13 @@ private:
         double hertz = 0;
         bool operate = false;
     };
-    void ExecuteOne(std::string_view text, Micros now, std::string &reply);
+    void ExecuteOne(std::string_view text, bool refused, Micros now, std::string &reply);
     bool ExecuteQuery(std::string_view head, std::string &reply);
     bool ExecuteSetting(std::string_view head, const std::string &argument);
+    bool Refuses(std::string_view line);
+    void QueueError(int number, const std::string &words);
     void SetOutput(const std::string &text);
+    void Tell(Micros now);
     void ComeIntoForce(Micros now);
     void Reset();
     bool IsRemote(std::string_view command);
@@ -94,6 +105,11 @@ private:
     std::deque<std::string> m_errors;
     bool m_neverOperates = false;
     bool m_keptFromOperating = false;
+    bool m_refuses = false;
+    bool m_refused = false;
+    std::optional<Micros> m_tripDelay;
+    std::optional<Micros> m_tripDue;
+    bool m_tripped = false;
     std::vector<OutputEvent> m_history;
 };
 

@@ -4,12 +4,13 @@
 #include <vector>
 
 #include "platform/text.h"
+#include "testbench/faults.h"
 
 namespace ombrix::bench {
 namespace {
 
-constexpr const char *kHelp = "fault NAME [on|off]        switch a fault; without on or off the other way round\n"
-                              "fault NAME at N [stay]     from exchange N on, until its first effect or to stay\n"
+constexpr const char *kHelp = "fault NAME[=N] [on|off]    switch a fault; without on or off the other way round\n"
+                              "fault NAME[=N] at N [stay] from exchange N on, until its first effect or to stay\n"
                               "faults                     names of all faults, those in force marked\n"
                               "truth [STEP]               what each word should be and what error remains\n"
                               "analog [200|4000]          the same for the analog output, and what it gives now\n"
@@ -213,7 +214,7 @@ ConsoleAnswer RunConsoleLine(Bench &bench, std::string_view line, Micros now)
 
 std::string ConsoleHelp()
 {
-    return kHelp;
+    return std::string(kHelp) + "\n\nfaults:\n" + Faults::Help();
 }
 
 std::string StatusText(Bench &bench, Micros now)

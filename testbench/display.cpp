@@ -35,8 +35,9 @@ double Display::At(Micros now) const
 
 std::string DisplayText(double counts, int decimals)
 {
-    const double whole = std::isnan(counts) ? kLargestCount : std::nearbyint(counts);
-    const long value = std::lround(std::clamp<double>(whole, -kLargestCount, kLargestCount));
+    if (!(std::fabs(counts) < kLargestCount + 0.5))
+        return (counts < 0 ? "-" : " ") + std::string(kOverloadText);
+    const long value = std::lround(std::nearbyint(counts));
     std::string digits = std::to_string(std::labs(value));
     const auto places = static_cast<std::size_t>(decimals);
     if (digits.size() <= places)

@@ -28,11 +28,13 @@ private:
     Micros m_since = 0;
 };
 
-/// The largest count that a display has place for; an overload shows it.
+/// The largest count that a display has place for.
 constexpr int kLargestCount = 999999;
+/// What it shows, behind its sign, of anything larger.
+constexpr const char *kOverloadText = "OVERLOAD";
 
 /// Whole counts as the meter writes them: a blank or "-", the digits with their point, "." at the end without
-/// decimals. 12345 with 2 decimals is " 123.45".
+/// decimals. 12345 with 2 decimals is " 123.45". An overload has a sign and no digit.
 std::string DisplayText(double counts, int decimals);
 
 /// Counts of noise, evenly within half a count and a little on either side: a settled display flickers between two

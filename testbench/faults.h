@@ -1,16 +1,7 @@
 // What can be wrong on a bench, by name, and when it begins and ends.
 //
-//   silent-meter         the meter carries out what it hears and says nothing
-//   silent-calibrator    the calibrator likewise
-//   garbage              noise before and in a reply
-//   lost-cr              a reply without its CR
-//   split                a reply byte by byte, 50 ms apart
-//   slow-reply           a reply 700 ms later
-//   wrong-length         a reply with one character too few or too many
-//   never-operating      the calibrator takes OPER and stays in standby
-//   never-settling       the display keeps moving by several counts
-//   port-gone            lines that lead nowhere: both; at an exchange, the line that it came over
-//   meter-port-gone, calibrator-port-gone    the same for one line
+// Help tells what each does. A meter that restarts by itself doesn't hear what is sent to it meanwhile, and nobody can
+// blame the station for that.
 #pragma once
 
 #include <array>
@@ -33,13 +24,26 @@ enum class Fault {
     Split,
     SlowReply,
     WrongLength,
+    Junk,
+    LateCalibrator,
     NeverOperating,
+    RefusesOutput,
+    Trips,
+    MeterRestarts,
     NeverSettling,
+    OverRange,
+    Drifting,
     PortGone,
     MeterPortGone,
     CalibratorPortGone,
 };
-constexpr std::size_t kFaults = 12;
+constexpr std::size_t kFaults = 19;
+
+/// A fault as it was asked for: "trips=200".
+struct WantedFault {
+    Fault fault;
+    int parameter;  ///< its default when none was told, 0 for a fault that takes none
+};
 
 /// A port that went at an exchange and was not to stay away comes back after this.
 constexpr Micros kPortBackMicros = 2'000'000;
@@ -57,12 +61,17 @@ public:
     explicit Faults(unsigned seed);
 
     static std::vector<std::string> Names();
-    static std::optional<Fault> Named(std::string_view name);
+    /// A line for each: its name, "=MS" behind it when it takes a parameter, and what it does.
+    static std::string Help();
+    /// Nothing for an unknown name, and for a parameter that is no whole number above 0 or that the fault doesn't take.
+    static std::optional<WantedFault> Named(std::string_view name);
 
     bool IsOn(Fault fault) const { return m_on[Index(fault)]; }
-    void Switch(Fault fault, bool on);
+    /// What was told behind its name.
+    int Parameter(Fault fault) const { return m_parameter[Index(fault)]; }
+    void Switch(const WantedFault &wanted, bool on);
     /// It begins when the exchange of this number arrives; a passing one ends after its first effect.
-    void At(Fault fault, int exchange, bool lasting);
+    void At(const WantedFault &wanted, int exchange, bool lasting);
 
     /// An exchange has arrived over a line: what was to begin with it begins.
     void ExchangeArrives(int number, Line line, Micros now);
@@ -73,8 +82,8 @@ public:
     std::optional<Micros> NextDue() const { return m_portBack; }
     void Run(Micros now);
 
-    /// A reply as the faults in force leave it.
-    Spoken Distort(std::string reply);
+    /// A reply of an instrument as the faults in force leave it.
+    Spoken Distort(std::string reply, Line instrument);
 
 private:
     static constexpr std::size_t Index(Fault fault) { return static_cast<std::size_t>(fault); }
@@ -82,12 +91,13 @@ private:
     bool Strikes(Fault fault);
 
     struct Planned {
-        Fault fault;
+        WantedFault wanted;
         int exchange;
         bool lasting;
     };
     std::array<bool, kFaults> m_on{};
     std::array<bool, kFaults> m_passing{};
+    std::array<int, kFaults> m_parameter{};
     std::vector<Planned> m_planned;
     std::optional<Micros> m_portBack;
     Dice m_dice;

@@ -1,6 +1,8 @@
 #include "testbench/meter.h"
 
 #include <algorithm>
+#include <cmath>
+#include <limits>
 
 #include "platform/text.h"
 
@@ -102,15 +104,45 @@ void Meter::WriteBytes(const MeterCommand &command)
 std::string Meter::ReadDisplay(Micros now)
 {
     ++m_reads;
-    double counts = m_display.At(now) + DisplayNoise(m_dice);
+    if (!m_shown.empty()) {
+        const std::string text = m_shown.front();
+        if (m_shown.size() > 1)
+            m_shown.pop_front();
+        return text + "\r";
+    }
+    if (m_drift != 0 && !m_driftsSince)
+        m_driftsSince = now;
+    m_drifted = std::fabs(DriftAt(now)) >= 1;
+    double counts = DisplayAt(now) + DisplayNoise(m_dice);
     if (m_wanders)
         counts += m_reads * 5 % 17 - 8;  // no three alike, up and down by several counts
     return DisplayText(counts, Decimals()) + "\r";
 }
 
+double Meter::DisplayAt(Micros now) const
+{
+    if (m_overloaded)
+        return std::numeric_limits<double>::infinity();
+    return m_display.At(now) + DriftAt(now);
+}
+
 std::string Meter::DisplayTextAt(Micros now) const
 {
-    return DisplayText(m_display.At(now), Decimals());
+    return m_shown.empty() ? DisplayText(DisplayAt(now), Decimals()) : m_shown.front();
+}
+
+void Meter::Drift(int countsPerSecond)
+{
+    if (countsPerSecond == m_drift)
+        return;
+    m_drift = countsPerSecond;
+    m_driftsSince.reset();
+    m_drifted = false;
+}
+
+double Meter::DriftAt(Micros now) const
+{
+    return m_driftsSince ? m_drift * static_cast<double>(now - *m_driftsSince) / 1e6 : 0;
 }
 
 void Meter::SetInput(const Signal &signal, Micros now)
@@ -131,7 +163,15 @@ void Meter::Restart(Micros from)
     ++m_restarts;
     m_restarting = true;
     m_nextRecord.reset();
-    m_deafUntil = from + (IsCounter() ? kCounterRestartMicros : kRestartMicros);
+    m_toldDeafUntil = from + (IsCounter() ? kCounterRestartMicros : kRestartMicros);
+    m_deafUntil = std::max(m_deafUntil, m_toldDeafUntil);
+}
+
+void Meter::RestartByItself(Micros now)
+{
+    const Micros told = m_toldDeafUntil;
+    Restart(now);
+    m_toldDeafUntil = told;
 }
 
 void Meter::TakeMemory()

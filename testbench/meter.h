@@ -4,8 +4,10 @@
 #pragma once
 
 #include <array>
+#include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "testbench/boards.h"
 #include "testbench/display.h"
@@ -31,6 +33,10 @@ public:
 
     /// True while a frame that began then isn't heard.
     bool IsDeaf(Micros began) const { return began < m_deafUntil; }
+    /// True when the station can know it: it asked for the restart.
+    bool WasToldToRestart(Micros began) const { return began < m_toldDeafUntil; }
+    /// A restart that nobody asked for.
+    void RestartByItself(Micros now);
 
     /// What stands on its terminals from now on.
     void SetInput(const Signal &signal, Micros now);
@@ -48,8 +54,17 @@ public:
 
     /// A display that keeps moving.
     void Wander(bool on) { m_wanders = on; }
+    /// A display that shows its overload.
+    void Overload(bool on) { m_overloaded = on; }
+    /// A display that moves so many counts a second from its next reading on; 0 ends that.
+    void Drift(int countsPerSecond);
+    /// True when the drift has moved a reading by a count.
+    bool HasDrifted() const { return m_drifted; }
+    /// What the next reads of the display are answered with, as they are; the last text stays. None gives the display
+    /// back.
+    void ShowNext(const std::vector<std::string> &texts) { m_shown.assign(texts.begin(), texts.end()); }
 
-    double DisplayAt(Micros now) const { return m_display.At(now); }
+    double DisplayAt(Micros now) const;
     std::string DisplayTextAt(Micros now) const;
     int RangeCode() const { return CodeIn(m_active); }
     int Restarts() const { return m_restarts; }
@@ -65,6 +80,7 @@ private:
     std::string ReadBytes(const MeterCommand &command) const;
     void WriteBytes(const MeterCommand &command);
     std::string ReadDisplay(Micros now);
+    double DriftAt(Micros now) const;
     void Restart(Micros from);
     void TakeMemory();
     double SettledCounts() const;
@@ -84,8 +100,14 @@ private:
     std::string m_signOfLife;
     bool m_restarting = false;
     Micros m_deafUntil = 0;
+    Micros m_toldDeafUntil = 0;
     int m_restarts = 0;
     bool m_wanders = false;
+    bool m_overloaded = false;
+    int m_drift = 0;  // counts a second
+    std::optional<Micros> m_driftsSince;
+    bool m_drifted = false;
+    std::deque<std::string> m_shown;
     int m_reads = 0;
 };
 

@@ -35,4 +35,11 @@ char Wire::TakeByte()
     return byte;
 }
 
+void Wire::CutOff(Micros now)
+{
+    while (!m_bytes.empty() && m_bytes.back().due > now)
+        m_bytes.pop_back();
+    m_free = std::min(m_free, now);
+}
+
 }  // namespace ombrix::bench

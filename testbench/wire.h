@@ -26,6 +26,8 @@ public:
     std::string Take(Micros now);
     /// The next byte, whatever the time. There must be one.
     char TakeByte();
+    /// What hasn't passed yet is never said.
+    void CutOff(Micros now);
     bool IsEmpty() const { return m_bytes.empty(); }
     void Clear()
     {

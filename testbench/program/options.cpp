@@ -27,7 +27,7 @@ constexpr const char *kUsage =
     "  --manual       no calibrator: apply and remove signals with the commands apply and remove\n"
     "  --no-switch    no second meter that switches the signal\n"
     "  --delay MS     time from OPER to the output in force; 200 when none is given\n"
-    "  --fault NAME   switch a fault on at once; may be given several times\n"
+    "  --fault NAME   switch a fault on at once; may be given several times. help lists them; NAME=N for some\n"
     "  --station DIR  write the device paths into section Ports of DIR/Ombrix.ini, and the wiring into Comms\n"
     "  --help         this text\n";
 
@@ -128,9 +128,8 @@ private:
         if (option == "--delay")
             return ReadNumber(value, setup.operateDelayMs) && setup.operateDelayMs >= 0;
         if (option == "--fault") {
-            const auto names = Bench::FaultNames();
             m_options.faults.push_back(value);
-            return std::find(names.begin(), names.end(), value) != names.end();
+            return Bench::IsFault(value);
         }
         m_options.station = value;
         return !value.empty();

@@ -121,6 +121,7 @@ public:
         Say("COM1 (meter): " + paths.meter);
         if (m_options.setup.calibrator)
             Say("COM2 (calibrator): " + paths.calibrator);
+        m_bench.NextDue(Now());  // the faults begin now
         for (const std::string &fault : m_options.faults)
             m_bench.SwitchFault(fault, true);
         return "";

@@ -13,6 +13,7 @@
 #include <cmath>
 #include <memory>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -168,12 +169,19 @@ protected:
     std::vector<std::string> failures;
 };
 
+// Faults that this loop doesn't put on its station yet.
+const std::set<std::string> kNotYet = {"junk",           "late-calibrator", "refuses-output", "trips",
+                                       "meter-restarts", "over-range",      "drifting"};
+
 std::vector<Case> Cases(int position, int every)
 {
     std::vector<Case> cases;
-    for (const std::string &fault : bench::Bench::FaultNames())
+    for (const std::string &fault : bench::Bench::FaultNames()) {
+        if (kNotYet.contains(fault))
+            continue;
         for (const bool lasting : {false, true})
             cases.push_back({fault, lasting, position, every});
+    }
     return cases;
 }
 

@@ -181,12 +181,12 @@ TEST_F(Meters, ShowThePointWhereTheMemoryHasIt)
     }
 }
 
-TEST_F(Meters, ShowTheLargestCountWhenOverRange)
+TEST_F(Meters, ShowNoDigitWhenOverRange)
 {
     Applies("2 V");
-    EXPECT_EQ(AskMeter("B1"), " 9999.99\r");
+    EXPECT_EQ(AskMeter("B1"), " OVERLOAD\r");
     Applies("-2 V");
-    EXPECT_EQ(AskMeter("B1"), "-9999.99\r");
+    EXPECT_EQ(AskMeter("B1"), "-OVERLOAD\r");
     EXPECT_TRUE(std::isinf(bench->DisplayCounts(now)));
 }
 
