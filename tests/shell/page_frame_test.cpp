@@ -97,7 +97,7 @@ TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
         EXPECT_EQ(page->objectName(), "fraCalib(17)");
     });
     CloseStation();
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     EXPECT_EQ(built, 1);
     RegisterPage(17, {});
 }
@@ -113,7 +113,7 @@ TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)
     NextStep();
     OpenStep(3);
     EXPECT_EQ(CurrentStepButton, -1);
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
 }
 
 TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)

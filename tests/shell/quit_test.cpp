@@ -284,7 +284,7 @@ TEST_F(QuitProcedure, TheStationOpensAfresh)
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     CloseStation();
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     EXPECT_FALSE(Quitting);
     EXPECT_TRUE(IsEnabled("cmdEstablish"));
     EstablishOnLines();

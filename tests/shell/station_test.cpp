@@ -128,7 +128,7 @@ TEST_F(StartUp, TheStationOpensAgainInOneProcess)
 {
     EstablishSimulated();
     CloseStation();
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     EXPECT_EQ(Page(), 1);
     EXPECT_FALSE(Established);
     EXPECT_TRUE(HardwareMode);
@@ -148,14 +148,14 @@ TEST(Theme, ComesFromTheSettings)
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("[Look]\nTheme=dark\n");
     file.close();
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     const QColor dark = frmOmbrix->palette().color(QPalette::Window);
     EXPECT_LT(dark.lightness(), 100);
     EXPECT_EQ(IniGet("Look", "Theme"), "dark");
     IniSet("Look", "Theme", "light");
     SaveIni();
     CloseStation();
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     EXPECT_GT(frmOmbrix->palette().color(QPalette::Window).lightness(), 150);
     CloseStation();
 }

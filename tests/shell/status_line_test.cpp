@@ -130,7 +130,7 @@ TEST_F(StatusLine, SettingsThatCannotBeReadAreTold)
     CloseStation();
     QFile::remove("Ombrix.ini");
     QDir().mkdir("Ombrix.ini");
-    OpenWholeStation();
+    OpenWholeStation(Painted::No);
     EXPECT_EQ(Text("lblKeptRemark"), "Ombrix.ini can't be read. Settings of this session won't be kept.");
 }
 

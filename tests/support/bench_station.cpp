@@ -52,8 +52,7 @@ BenchStation::BenchStation(const Wiring &wiring)
     WriteWiring(wiring);
     if (wiring.manual)
         person.onBox = [this](const std::string &title, const std::string &text) { ObeyBox(bench, title, text); };
-    OpenWholeStation();
-    frmOmbrix->setUpdatesEnabled(wiring.painted);
+    OpenWholeStation(wiring.painted);
 }
 
 BenchStation::~BenchStation()

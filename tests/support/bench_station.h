@@ -13,7 +13,7 @@ struct Wiring {
     bench::BenchSetup bench;
     bool manual = false;     ///< no calibrator: the operator puts each signal on the bench when the station asks
     bool useSwitch = false;  ///< the second meter serves as output switch
-    bool painted = false;    ///< the window draws itself: two thirds of a session's time, for whoever takes pictures
+    Painted painted = Painted::No;
 };
 
 /// The station in hardware mode, wired to the bench: the meter on COM1, the calibrator on COM2.

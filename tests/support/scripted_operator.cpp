@@ -442,7 +442,7 @@ std::string ScriptedOperator::BoxTitle()
 bool ScriptedOperator::TakesPicture(const QString &file)
 {
     QWidget *window = MainWindow();
-    return window && window->grab().save(file);
+    return window && window->updatesEnabled() && window->grab().save(file);
 }
 
 }  // namespace ombrix::test

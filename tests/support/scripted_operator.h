@@ -84,7 +84,7 @@ public:
     /// Text of the open message box, "" when none is open.
     static std::string BoxText();
     static std::string BoxTitle();
-    /// A picture of the main window as it stands.
+    /// A picture of the main window as it stands. False when it can't be had, also of a window that isn't painted.
     static bool TakesPicture(const QString &file);
 
 private:

@@ -10,13 +10,14 @@
 
 namespace ombrix::test {
 
-void OpenWholeStation()
+void OpenWholeStation(Painted painted)
 {
     FillOutlets();
     RegisterPages();
     OpenStation();
     frmOmbrix->resize(FirstSize(QSize(1920, 1080)));  // the screen without a screen is a small one
     QCoreApplication::sendPostedEvents();
+    frmOmbrix->setUpdatesEnabled(painted == Painted::Yes);
 }
 
 WorkFolder::WorkFolder() : m_before(QDir::currentPath())
@@ -29,9 +30,9 @@ WorkFolder::~WorkFolder()
     QDir::setCurrent(m_before);
 }
 
-Station::Station() : person(&clock)
+Station::Station(Painted painted) : person(&clock)
 {
-    OpenWholeStation();
+    OpenWholeStation(painted);
 }
 
 Station::~Station()

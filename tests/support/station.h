@@ -22,11 +22,14 @@ private:
     QString m_before;
 };
 
+/// Whether the window draws itself. It takes most of a test's time, so only what takes pictures asks for it.
+enum class Painted { No, Yes };
+
 /// The station without instruments: what a double click on "Calibrator Output" makes a simulation.
 class Station
 {
 public:
-    Station();
+    explicit Station(Painted painted = Painted::No);
     ~Station();
     Station(const Station &) = delete;
     Station &operator=(const Station &) = delete;
@@ -40,6 +43,6 @@ public:
 };
 
 /// What main does: fills the outlets, registers the pages, opens the window.
-void OpenWholeStation();
+void OpenWholeStation(Painted painted = Painted::Yes);
 
 }  // namespace ombrix::test
