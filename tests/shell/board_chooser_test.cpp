@@ -2,6 +2,8 @@
 
 #include "shell/shell_fixture.h"
 
+#include <QAbstractButton>
+
 using namespace ombrix;
 using namespace ombrix::test;
 
@@ -95,4 +97,24 @@ TEST_F(BoardChooser, ItsSettingByCodeIsNoChoice)
     EXPECT_EQ(SCType, kAc);
     EXPECT_EQ(OptionShown(), "AC");
     EXPECT_EQ(LastTempBoard, kTc);
+}
+
+TEST_F(BoardChooser, IsLockedWhileAnotherTabReadsTheIdentity)
+{
+    EstablishOnLines();
+    ClickTab(kTabAc);
+    ASSERT_EQ(LastAcBoard, kAc3);
+    ASSERT_TRUE(IsEnabled("optTabSelect(0)"));
+    int looks = 0;
+    person.ClicksTab(kTabTc).Waits(600).Does([&] {
+        ++looks;
+        EXPECT_TRUE(Sees("optTabSelect(0)"));
+        EXPECT_FALSE(IsEnabled("optTabSelect(0)"));
+        qobject_cast<QAbstractButton *>(ScriptedOperator::Find("optTabSelect(0)"))->click();
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(looks, 1);
+    EXPECT_EQ(LastAcBoard, kAc3);
+    EXPECT_EQ(CalibTab, kTabTc);
+    EXPECT_TRUE(IsEnabled("optTabSelect(0)"));
 }

@@ -1,6 +1,7 @@
 #include "shell/board_dialog.h"
 
 #include "links/meter_identity.h"
+#include "platform/text.h"
 #include "session/procedure.h"
 #include "shell/shell_fixture.h"
 
@@ -219,7 +220,7 @@ TEST_F(BoardDialog, OkGoesOffAtItsClickWhileTheMeterIsWrittenAndTheAnswerStands)
     EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
     EXPECT_EQ(MeterSCType, kLc);
     EXPECT_EQ(BoardCode, "03");
-    EXPECT_EQ(meter.words[21] & 0xFF, 0x03);
+    EXPECT_EQ(WordOf(kBoardWord) & 0xFF, 0x03);
 }
 
 TEST_F(BoardDialog, TheKeyboardAloneAnswersIt)

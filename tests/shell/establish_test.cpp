@@ -50,10 +50,8 @@ protected:
         EXPECT_EQ(Page(), 1);
     }
 
-    static void Silence(FakeLine &line)
-    {
-        line.onWrite = [](const std::string &) {};
-    }
+    void Silence(const char *instrument) { bench->SwitchFault(std::string("silent-") + instrument, true); }
+    void Speaks(const char *instrument) { bench->SwitchFault(std::string("silent-") + instrument, false); }
 };
 
 }  // namespace
@@ -74,10 +72,50 @@ TEST_F(Establish, WithInstrumentsItSaysWhatStandsWhere)
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM2 and DPM on COM1");
     EXPECT_TRUE(HasFocus(StepButton(0)));
-    EXPECT_EQ(meter.words[16], 0x0060);
-    EXPECT_EQ(meter.words[18], 0x21D1);
-    EXPECT_EQ(meter.words[17] & 0xFF, 0x36);
-    EXPECT_EQ(meter.words[3], 4);
+}
+
+TEST_F(Establish, BringsTheMeterToOneKnownState)
+{
+    bench->SetWord(18, 0x1234);
+    bench->SetWord(17, 0x5555);
+    bench->SetWord(3, 9);
+    ASSERT_NE(WordOf(16), 0x0060);
+    Try();
+    EXPECT_EQ(WordOf(16), 0x0060);
+    EXPECT_EQ(WordOf(18), 0x21D1);
+    EXPECT_EQ(WordOf(17), 0x5536);
+    EXPECT_EQ(WordOf(3), 4);
+    EXPECT_THAT(bench->ProtocolErrors(), testing::IsEmpty());
+}
+
+TEST_F(Establish, SaysThisAndNothingElseInThisOrder)
+{
+    ASSERT_TRUE(UseSwitch);
+    bench->AnswerNext(bench::Line::Meter, "45A0\r", "G232");
+    Try();
+    EXPECT_THAT(ToCalibrator(), testing::ElementsAre("*RST ; *CLS", "REMOTE", "ERR?"));
+    EXPECT_THAT(ToMeter(), testing::ElementsAre(
+                               // Is a meter there, what is it, one bit of its set-up.
+                               "*1A1", "*1G232", "*1X16DZ", "*1W11265A0",
+                               // Which board.
+                               "*1X16D", "*1X115Z", "*1X110",
+                               // The output switch, and the known state: range, set-up, filter, display.
+                               "*2W605000000100000001000001000", "*1W1100060Z", "*1W11221D1", "*1G130", "*1W1116536",
+                               "*1W305000000100004"));
+    EXPECT_LT(TimesOf("ERR?").front(), TimesOf("*1A1").front()) << "the calibrator first";
+    EXPECT_THAT(bench->ProtocolErrors(), testing::IsEmpty());
+}
+
+TEST_F(Establish, WhatTheMeterIsBecomesTheSessions)
+{
+    Stands({.kind = bench::kind::kWtMtr, .xmtr = true});
+    ASSERT_FALSE(SessionXmtrFlag);
+    Try();
+    ExpectSuccess("Communications established  --  Calibrator on COM2 and WtMtr Xmtr on COM1");
+    EXPECT_TRUE(SessionXmtrFlag);
+    EXPECT_EQ(SessionMeterKind, kWtMtr);
+    EXPECT_EQ(SessionMeterName, "WtMtr Xmtr");
+    EXPECT_EQ(SCType, kDc);
 }
 
 TEST_F(Establish, InManualModeTheCalibratorAlwaysSucceedsAndIsNotNamed)
@@ -85,20 +123,20 @@ TEST_F(Establish, InManualModeTheCalibratorAlwaysSucceedsAndIsNotNamed)
     Click("optManual");
     Try();
     ExpectSuccess("Communications established  --  DPM on COM1");
-    EXPECT_TRUE(calibratorLine.log.empty());
+    EXPECT_EQ(CalibratorOpened(), 0);
 }
 
 TEST_F(Establish, ASilentCalibratorEndsItBeforeTheMeterIsTried)
 {
-    Silence(calibratorLine);
+    Silence("calibrator");
     Try();
     ExpectFailure("Error on COM2: Calibrator not found");
-    EXPECT_TRUE(meterLine.log.empty());
+    EXPECT_EQ(MeterOpened(), 0);
 }
 
 TEST_F(Establish, ASilentMeterIsNotFound)
 {
-    Silence(meterLine);
+    Silence("meter");
     Try();
     ExpectFailure("Error on COM1: Meter not found");
 }
@@ -112,11 +150,11 @@ TEST_F(Establish, BehindTheCalibratorTheWordsAreOthers)
 
 TEST_F(Establish, APortFaultIsToldInTheSystemsWords)
 {
-    calibratorLine.RefusesToOpen(16, "Device or resource busy");
+    lines->RefuseToOpen(bench::Line::Calibrator, 16, "Device or resource busy");
     Try();
     ExpectFailure("Error on COM2: Device or resource busy");
-    calibratorLine.RefusesToOpen(0, "");
-    meterLine.RefusesToOpen(13, "Permission denied");
+    lines->RefuseToOpen(bench::Line::Calibrator, 0, "");
+    lines->RefuseToOpen(bench::Line::Meter, 13, "Permission denied");
     Try();
     ExpectFailure("Error on COM1: Permission denied");
 }
@@ -124,11 +162,11 @@ TEST_F(Establish, APortFaultIsToldInTheSystemsWords)
 TEST_F(Establish, AFailedWiringIsNotRemembered)
 {
     Click("optManual");
-    Silence(meterLine);
+    Silence("meter");
     Try();
     ExpectFailure("Error on COM1: Meter not found");
     EXPECT_EQ(IniGet("Comms", "CALPort"), "2");
-    PlainMeter again(meterLine);
+    Speaks("meter");
     Try();
     ExpectSuccess("Communications established  --  DPM on COM1");
     EXPECT_EQ(IniGet("Comms", "CALPort"), "0");
@@ -140,9 +178,7 @@ TEST_F(Establish, ExchangedPortsAreFreeForEachOther)
     ASSERT_TRUE(Established);
     Click("optCAL_COM1");
     ASSERT_EQ(MeterPort, 2);
-    // Each line now leads to the other instrument.
-    PlainMeter other(calibratorLine);
-    PlainCalibrator otherCalibrator(meterLine);
+    lines->ExchangeCables();
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM1 and DPM on COM2");
 }
@@ -172,8 +208,8 @@ TEST_F(Establish, WhileItRunsButtonOptionsAndDoubleClicksAreOff)
 
 TEST_F(Establish, AMeterWithAnUninitialisedBoardIsAskedForAndNamedAsChosen)
 {
-    meter.words[21] = 0x0000;
-    meter.words[109] = 0x3200;
+    HasBoardCode(0);
+    bench->SetWord(kTypeWord, 0x3200);
     person.Clicks("cmdEstablish").WaitsFor("dlgSCType");
     person.Clicks("optMeter(1)").Clicks("chkXmtr").Clicks("optSC(2)").Clicks("OKButton");
     ASSERT_TRUE(person.Runs());
@@ -181,13 +217,13 @@ TEST_F(Establish, AMeterWithAnUninitialisedBoardIsAskedForAndNamedAsChosen)
     EXPECT_EQ(ShowSCDialogFull, 1);
     EXPECT_EQ(SCType, kLc);
     EXPECT_EQ(Strip()->currentIndex(), kTabLc);
-    EXPECT_EQ(meter.words[21] & 0xFF, 0x03);
-    EXPECT_EQ(meter.words[109] & 0xFF, 0x06);
+    EXPECT_EQ(WordOf(kBoardWord) & 0xFF, 0x03);
+    EXPECT_EQ(WordOf(kTypeWord) & 0xFF, 0x06);
 }
 
 TEST_F(Establish, ABlankMeterDeclaredRtdIsNoMismatch)
 {
-    meter.words[21] = 0x0000;
+    HasBoardCode(0);
     person.Clicks("cmdEstablish").WaitsFor("dlgSCType").Clicks("optSC(7)").Clicks("OKButton");
     ASSERT_TRUE(person.Runs());
     EXPECT_EQ(SCType, kRtd);
@@ -210,7 +246,7 @@ TEST_F(Establish, WithoutABoardInTheEndItFails)
 
 TEST_F(Establish, ABoardOnAnotherTabMovesTheStripWithoutReadingTheIdentityAgain)
 {
-    meter.words[21] = 0x0041;
+    Stands({.board = bench::board::kRtd});
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM2 and DPM on COM1");
     EXPECT_EQ(Strip()->currentIndex(), kTabTc);
@@ -219,13 +255,13 @@ TEST_F(Establish, ABoardOnAnotherTabMovesTheStripWithoutReadingTheIdentityAgain)
     EXPECT_EQ(LastTempBoard, kRtd);
     EXPECT_TRUE(ReadIdentityOnTabChange);
     // Type word, then board word and board byte: once each. The type is also asked for while the link opens.
-    EXPECT_THAT(meterLine.Writes(), testing::Contains("*1X16D\r").Times(1));
-    EXPECT_THAT(meterLine.Writes(), testing::Contains("*1X115Z\r").Times(1));
+    EXPECT_THAT(ToMeter(), testing::Contains("*1X16D").Times(1));
+    EXPECT_THAT(ToMeter(), testing::Contains("*1X115Z").Times(1));
 }
 
 TEST_F(Establish, WhenTheStripStandsOnTheMetersTabAlreadyTheBoardIsTakenOverAlike)
 {
-    meter.words[21] = 0x0012;
+    Stands({.board = bench::board::kAc2});
     Strip()->setCurrentIndex(kTabAc);
     EXPECT_EQ(CalibTab, kTabDc) << "before the first Establish the strip moves and nothing follows";
     Try();
@@ -238,35 +274,35 @@ TEST_F(Establish, WhenTheStripStandsOnTheMetersTabAlreadyTheBoardIsTakenOverAlik
 
 TEST_F(Establish, ACounterIsLeftAsItIs)
 {
-    meter.words[109] = 0x3203;
-    meter.words[18] = 0x1234;
+    Stands({.board = bench::board::kVf});
+    const auto memory = bench->Nvm();
     Click("optSwNo");
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM2 and CTR on COM1");
     EXPECT_EQ(SCType, kVf);
-    EXPECT_EQ(meter.words[18], 0x1234) << "no factory setup";
+    EXPECT_EQ(bench->Nvm(), memory);
     EXPECT_EQ(Strip()->currentIndex(), kTabVf);
 }
 
 TEST_F(Establish, TheOutputSwitchIsOpenedOnlyWhenItIsUsed)
 {
     Try();
-    EXPECT_THAT(meterLine.Writes(), testing::Contains("*2W605000000100000001000001000\r"));
+    EXPECT_THAT(ToMeter(), testing::Contains("*2W605000000100000001000001000"));
     Click("optSwNo");
     Click("optManual");
-    meterLine.Forget();
+    Forget();
     Try();
     EXPECT_TRUE(Established);
-    EXPECT_THAT(meterLine.Writes(), testing::Not(testing::Contains(testing::StartsWith("*2"))));
+    EXPECT_THAT(ToMeter(), testing::Not(testing::Contains(testing::StartsWith("*2"))));
 }
 
 TEST_F(Establish, EscEndsIt)
 {
-    Silence(calibratorLine);
+    Silence("calibrator");
     person.Clicks("cmdEstablish").Waits(100).Presses(Qt::Key_Escape);
     ASSERT_TRUE(person.Runs());
     ExpectFailure("Stopped");
-    PlainCalibrator again(calibratorLine);
+    Speaks("calibrator");
     Try();
     ExpectSuccess("Communications established  --  Calibrator on COM2 and DPM on COM1");
 }
@@ -274,7 +310,7 @@ TEST_F(Establish, EscEndsIt)
 TEST_F(Establish, EscWhileTheIdentityIsReadEndsItWithoutAQuestion)
 {
     person.Clicks("cmdEstablish").WaitsUntil("the meter's type is read", [this] {
-        return testing::Matches(testing::Contains("*1X16D\r"))(meterLine.Writes());
+        return testing::Matches(testing::Contains("*1X16D"))(ToMeter());
     });
     person.Presses(Qt::Key_Escape).WaitsForText("lblStatus", "Stopped");
     ASSERT_TRUE(person.Runs());

@@ -33,7 +33,7 @@ protected:
     void ComesUp(Before what)
     {
         if (what == Before::Dialog) {
-            meter.words[21] = 0;
+            HasBoardCode(0);
             person.Clicks("cmdEstablish").WaitsFor("dlgSCType");
             return;
         }
@@ -103,8 +103,8 @@ TEST_P(QuitFromBehind, EndsTheProgram)
     EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
     EXPECT_LT(clock.Elapsed(), 4000);
     if (before == Before::Dialog) {
-        EXPECT_THAT(meterLine.Writes(), IsEmpty());
-        EXPECT_THAT(calibratorLine.Writes(), ElementsAre(kStandby, kLocal));
+        EXPECT_THAT(ToMeter(), IsEmpty());
+        EXPECT_THAT(ToCalibrator(), ElementsAre(kStandby, kLocal));
     }
 }
 

@@ -16,9 +16,9 @@ namespace ombrix::test {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-inline constexpr char kStandby[] = "OUT 0 V, 0 Hz ; STBY ; *WAI\n";
-inline constexpr char kLocal[] = "LOCAL\n";
-inline constexpr char kDisplaySetup1[] = "*1W305000000100001\r";
+inline constexpr char kStandby[] = "OUT 0 V, 0 Hz ; STBY ; *WAI";
+inline constexpr char kLocal[] = "LOCAL";
+inline constexpr char kDisplaySetup1[] = "*1W305000000100001";
 
 class QuitProcedure : public ShellTest
 {
@@ -39,9 +39,9 @@ protected:
 
     void ExpectLastWords()
     {
-        EXPECT_THAT(calibratorLine.Writes(), ElementsAre(kStandby, kLocal));
-        ASSERT_FALSE(calibratorLine.writeTimes.empty());
-        EXPECT_LE(calibratorLine.writeTimes.front(), 1200);
+        EXPECT_THAT(ToCalibrator(), ElementsAre(kStandby, kLocal));
+        EXPECT_THAT(TimesOf(kStandby), ElementsAre(testing::Le(1200)));
+        EXPECT_FALSE(bench->CalibratorNow().operating);
         EXPECT_FALSE(comCAL.IsOpen());
         EXPECT_FALSE(comDPM.IsOpen());
         EXPECT_FALSE(frmOmbrix->isVisible());

@@ -26,8 +26,8 @@ TEST_F(QuitUnasked, InManualModeTheOperatorIsToldToRemoveTheInput)
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     EXPECT_THAT(boxes, ElementsAre("Remove Input: Remove any input signal from the meter"));
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
-    EXPECT_THAT(calibratorLine.log, IsEmpty());
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
+    EXPECT_EQ(CalibratorOpened(), 0);
 }
 
 TEST_F(QuitUnasked, BeforeEstablishInManualModeThereIsNoInputToRemove)
@@ -50,7 +50,7 @@ TEST_F(QuitUnasked, ASignalAsksNobody)
     SignalComes();
     ASSERT_TRUE(person.Runs());
     EXPECT_FALSE(frmOmbrix->isVisible());
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
     EXPECT_LT(clock.Elapsed(), 4000);
 }
 
@@ -64,7 +64,7 @@ TEST_F(QuitUnasked, ASignalEndsTheQuestionOfAQuitThatWaits)
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(gone);
     EXPECT_FALSE(frmOmbrix->isVisible());
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
     EXPECT_LT(clock.Elapsed(), 4000);
 }
 
@@ -87,12 +87,12 @@ TEST_F(QuitUnasked, ASignalClosesAnOpenBoxAndUnwindsWhoWaitsForIt)
 
 TEST_F(QuitUnasked, ASignalClosesTheBoardDialogUnanswered)
 {
-    meter.words[21] = 0;
+    HasBoardCode(0);
     person.Clicks("cmdEstablish").WaitsFor("dlgSCType");
     SignalComes();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_THAT(ToMeter(), IsEmpty());
     EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
 }
 
@@ -105,7 +105,7 @@ TEST_F(QuitUnasked, TheCloseBoxIsTheSame)
     });
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
 }
 
 namespace {

@@ -12,8 +12,8 @@ TEST_F(QuitProcedure, BeforeEstablishSendsNothingOnEitherPortButSavesGainsAndCal
     Learn();
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
-    EXPECT_THAT(meterLine.log, IsEmpty());
-    EXPECT_THAT(calibratorLine.log, IsEmpty());
+    EXPECT_EQ(MeterOpened(), 0);
+    EXPECT_EQ(CalibratorOpened(), 0);
     EXPECT_FALSE(frmOmbrix->isVisible());
     EXPECT_TRUE(Quitting);
     ExpectSaved();
@@ -26,7 +26,7 @@ TEST_F(QuitProcedure, EstablishedSpeaksTheLastWordsAndSaves)
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
     ExpectSaved();
 }
 
@@ -50,8 +50,8 @@ TEST_F(QuitProcedure, InTheMiddleOfALiveLoopStandbyComesWithin1200MillisecondsAn
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_EQ(calibratorLine.writeTimes.front(), 0) << "the live loop isn't waited for";
-    EXPECT_THAT(meterLine.Writes(), ElementsAre(kDisplaySetup1));
+    EXPECT_THAT(TimesOf(kStandby), ElementsAre(0)) << "the live loop isn't waited for";
+    EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
     EXPECT_EQ(order, "unwound ");
     EXPECT_FALSE(ProcedureRunning());
 }
@@ -88,7 +88,7 @@ TEST_F(QuitProcedure, WithHandlersOnTopOfHandlersEveryLevelUnwinds)
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_EQ(calibratorLine.writeTimes.front(), 0);
+    EXPECT_THAT(TimesOf(kStandby), ElementsAre(0));
     EXPECT_EQ(unwound, 3);
     EXPECT_EQ(wentOn, 0);
 }
@@ -98,11 +98,10 @@ TEST_F(QuitProcedure, InTheMiddleOfAnOutputAttemptStandbyIsTheLastThingSaid)
     EstablishOnLines();
     Procedure([] { ApplyInput("660 V"); });
     person.Clicks(StepButton(4)).Waits(300);
-    person.Does([this] { EXPECT_THAT(calibratorLine.Writes(), testing::Contains("OUT 660 V ; OPER ; *WAI\n")); });
+    person.Does([this] { EXPECT_THAT(ToCalibrator(), testing::Contains("OUT 660 V ; OPER ; *WAI")); });
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_FALSE(calibrator.operating);
 }
 
 TEST_F(QuitProcedure, AStopJustBeforeDoesNotKeepStandbyBack)
@@ -118,7 +117,7 @@ TEST_F(QuitProcedure, AStopJustBeforeDoesNotKeepStandbyBack)
 TEST_F(QuitProcedure, WithADeadCalibratorItTakesNoLonger)
 {
     EstablishOnLines();
-    calibratorLine.onWrite = nullptr;
+    bench->SwitchFault("silent-calibrator", true);
     Procedure([] { ApplyInput("660 V"); });
     person.Clicks(StepButton(4)).Waits(3000);
     ClicksQuit();
@@ -129,23 +128,24 @@ TEST_F(QuitProcedure, WithADeadCalibratorItTakesNoLonger)
 TEST_F(QuitProcedure, DuringEstablishTheCalibratorGoesToStandbyAndTheMeterIsLeftAlone)
 {
     person.Clicks("cmdEstablish").WaitsUntil("the meter's port is open", [] { return comDPM.IsOpen(); });
+    person.Waits(50);
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_THAT(ToMeter(), IsEmpty());
     EXPECT_FALSE(Established);
     EXPECT_EQ(Text("lblStatus"), "");
 }
 
 TEST_F(QuitProcedure, AfterAFailedEstablishTheOpenCalibratorGoesToStandby)
 {
-    meterLine.onWrite = nullptr;
+    bench->SwitchFault("silent-meter", true);
     Click("cmdEstablish");
     ASSERT_FALSE(Established);
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_THAT(ToMeter(), IsEmpty());
 }
 
 TEST_F(QuitProcedure, ACalibratorThatWasDroppedOnTheSetupPageGoesToStandbyAllTheSame)
@@ -164,33 +164,31 @@ TEST_F(QuitProcedure, BehindTheCalibratorTheMetersLastWordGoesThroughIt)
     MeterPort = 0;
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
-    EXPECT_THAT(calibratorLine.Writes(), ElementsAre(kStandby, kLocal, testing::HasSubstr("*1W305000000100001\r")));
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_THAT(ToCalibrator(), ElementsAre(kStandby, kLocal, testing::HasSubstr("*1W305000000100001\\r")));
+    EXPECT_THAT(ToMeter(), IsEmpty());
 }
 
 TEST_F(QuitProcedure, ACounterKeepsItsDisplaySetup)
 {
-    meter.words[109] = 0x3203;
+    Stands({.board = bench::board::kVf});
     EstablishOnLines();
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
-    EXPECT_THAT(meterLine.Writes(), IsEmpty());
+    EXPECT_THAT(ToMeter(), IsEmpty());
     EXPECT_GE(clock.Elapsed(), 100) << "the last bytes have left before the port closes";
 }
 
 TEST_F(QuitProcedure, ThePortsCloseWhenTheLastBytesHaveLeft)
 {
-    meter.words[109] = 0x3203;  // a counter: no restart wait follows the calibrator's last word
+    Stands({.board = bench::board::kVf});  // no restart wait follows the calibrator's last word
     EstablishOnLines();
     std::vector<bool> open;
-    const auto answer = calibratorLine.onWrite;
-    calibratorLine.onWrite = [&](const std::string &bytes) {
-        answer(bytes);
-        if (bytes == kLocal)
-            CallAfter(50, [&open] { open.push_back(comCAL.IsOpen()); });
-    };
-    ClicksQuit();
+    ClicksQuit().WaitsUntil("the last command has come", [&] {
+        if (open.empty() && !TimesOf(kLocal).empty())
+            open.push_back(comCAL.IsOpen());
+        return !open.empty();
+    });
     ASSERT_TRUE(person.Runs());
     EXPECT_THAT(open, ElementsAre(true));
     ExpectLastWords();
@@ -201,8 +199,8 @@ TEST_F(QuitProcedure, InSimulationNothingIsSentAndNothingIsWaitedFor)
     EstablishSimulated();
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
-    EXPECT_THAT(meterLine.log, IsEmpty());
-    EXPECT_THAT(calibratorLine.log, IsEmpty());
+    EXPECT_EQ(MeterOpened(), 0);
+    EXPECT_EQ(CalibratorOpened(), 0);
     EXPECT_EQ(clock.Elapsed(), 0);
     EXPECT_EQ(SimNvm[3], 1);
 }
@@ -270,8 +268,7 @@ TEST_F(QuitProcedure, SavesEvenWhenALineIsGone)
 {
     EstablishOnLines();
     Learn();
-    calibratorLine.Vanishes();
-    meterLine.Vanishes();
+    bench->SwitchFault("port-gone", true);
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectSaved();

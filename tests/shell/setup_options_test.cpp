@@ -188,7 +188,7 @@ TEST_F(SetupOptions, BeforeEstablishTheSwitchChoiceIsNeitherSentNorSaved)
     Click("optSwNo");
     EXPECT_FALSE(UseSwitch);
     EXPECT_EQ(IniGet("Comms", "Switch"), "1");
-    EXPECT_TRUE(meterLine.log.empty());
+    EXPECT_EQ(MeterOpened(), 0);
 }
 
 TEST_F(SetupOptions, AreInForceAsTheSettingsHaveThem)

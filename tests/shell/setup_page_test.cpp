@@ -39,7 +39,7 @@ TEST_F(SetupPage, SetupRemovesTheInput)
     EstablishOnLines();
     CalStandbyFlag = false;
     Click("cmdSetup");
-    EXPECT_THAT(calibratorLine.Writes(), testing::Contains("OUT 0 V ; STBY ; *WAI\n"));
+    EXPECT_THAT(ToCalibrator(), testing::Contains("OUT 0 V ; STBY ; *WAI"));
     EXPECT_TRUE(CalStandbyFlag);
 }
 

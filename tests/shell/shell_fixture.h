@@ -1,4 +1,4 @@
-// The whole station on virtual time, with both instruments on fake lines, for the tests of the shell.
+// The whole station on virtual time, wired to the bench, for the tests of the shell.
 #pragma once
 
 #include "links/meter_simulator.h"
@@ -9,10 +9,12 @@
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
-#include "shell/instruments.h"
 #include "shell/station.h"
-#include "support/fake_line.h"
+#include "support/bench_lines.h"
+#include "support/bench_log.h"
 #include "support/station.h"
+#include "testbench/bench.h"
+#include "testbench/boards.h"
 #include "widgets/widgets.h"
 
 #include <gmock/gmock.h>
@@ -23,7 +25,9 @@
 #include <QMouseEvent>
 #include <QTabBar>
 
+#include <cstdint>
 #include <functional>
+#include <memory>
 #include <string>
 #include <utility>
 #include <vector>
@@ -33,6 +37,7 @@ namespace ombrix::test {
 class ShellTest : public ::testing::Test
 {
 protected:
+    ShellTest() { Stands({}); }
     ~ShellTest() override
     {
         for (auto &[id, record] : m_replaced)
@@ -97,20 +102,42 @@ protected:
 
     void EstablishSimulated() { EXPECT_TRUE(station.EstablishesInSimulation()) << person.Trouble(); }
 
-    /// Establishes over both fake lines. The waits of that are over, and what was written is forgotten.
+    /// The instruments on the two lines. The meter doesn't stand on the range on which Establish leaves it.
+    void Stands(const bench::BenchSetup &setup)
+    {
+        lines.reset();
+        bench = std::make_unique<bench::Bench>(setup);
+        lines = std::make_unique<BenchLines>(clock, *bench, PortDevice(1), PortDevice(2));
+        bench->SetWord(kRangeWord, 0x1364);
+    }
+
+    /// The meter says that it holds a board with this code in the low byte of its board word.
+    void HasBoardCode(std::uint16_t code) { bench->SetWord(kBoardWord, code); }
+
+    /// Establishes over both lines. The waits of that are over, and what was sent is forgotten.
     void EstablishOnLines()
     {
         Click("cmdEstablish");
-        ASSERT_TRUE(Established) << Text("lblStatus");
+        ASSERT_TRUE(Established) << Text("lblStatus") << bench->LastWords();
         Forget();
     }
 
     void Forget()
     {
-        meterLine.Forget();
-        calibratorLine.Forget();
         clock.Restart();
+        m_since = clock.NowMicros();
     }
+
+    /// What the station has sent since the last Forget, frame by frame.
+    std::vector<std::string> ToMeter() const { return FramesTo(*bench, bench::Line::Meter, m_since); }
+    std::vector<std::string> ToCalibrator() const { return FramesTo(*bench, bench::Line::Calibrator, m_since); }
+    /// When it was sent, in milliseconds since then.
+    std::vector<std::int64_t> TimesOf(const std::string &frame) const { return test::TimesOf(*bench, frame, m_since); }
+    /// How often each line was opened.
+    int MeterOpened() const { return lines->Opened(bench::Line::Meter); }
+    int CalibratorOpened() const { return lines->Opened(bench::Line::Calibrator); }
+
+    std::uint16_t WordOf(std::size_t word) const { return bench->Nvm().at(word); }
 
     /// Puts a probe in the place of a step's page until the test ends.
     void RegisterProbe(int stepId, std::function<void()> enter)
@@ -131,14 +158,16 @@ protected:
     Station station;
     VirtualClock &clock = station.clock;
     ScriptedOperator &person = station.person;
-    FakeLines lines{clock};
-    FakeLine &meterLine = lines[PortDevice(1)];
-    FakeLine &calibratorLine = lines[PortDevice(2)];
-    PlainMeter meter{meterLine};
-    PlainCalibrator calibrator{calibratorLine};
+    std::unique_ptr<bench::Bench> bench;
+    std::unique_ptr<BenchLines> lines;
+
+    static constexpr int kRangeWord = 16;
+    static constexpr int kBoardWord = 21;
+    static constexpr int kTypeWord = 109;
 
 private:
     std::vector<std::pair<int, StepRecord>> m_replaced;
+    std::int64_t m_since = 0;
 };
 
 }  // namespace ombrix::test

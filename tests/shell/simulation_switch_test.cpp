@@ -99,23 +99,30 @@ TEST_F(SimulationSwitch, TheMarkIsDeafWhileAPageHasLockedNavigation)
     EXPECT_FALSE(IsEnabled(StepButton(0))) << "the page's lock stands";
 }
 
-TEST_F(SimulationSwitch, BothDoubleClicksAreDeafWhileAProcedureRuns)
+TEST_F(SimulationSwitch, TheCaptionIsDeafWhileAProcedureRuns)
 {
-    person.Clicks("cmdEstablish").Waits(300).Does([this] { EXPECT_FALSE(Established); });
+    int looks = 0;
+    person.Clicks("cmdEstablish").Waits(300).Does([&] {
+        ++looks;
+        EXPECT_FALSE(Established);
+        EXPECT_TRUE(SimToggleAllowed);
+    });
     person.DoubleClicks("lblCalOut").Does([] { EXPECT_TRUE(HardwareMode); });
     ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(looks, 1);
+    EXPECT_TRUE(HardwareMode);
     EXPECT_TRUE(Established);
 }
 
 TEST_F(SimulationSwitch, ClosesBothPortsAndAnOpenCalibratorHearsStandbyAndLocalFirst)
 {
-    meterLine.onWrite = nullptr;
+    bench->SwitchFault("silent-meter", true);
     Click("cmdEstablish");
     ASSERT_FALSE(Established);
     ASSERT_TRUE(comCAL.IsOpen());
     Forget();
     DoubleClick("lblCalOut");
-    EXPECT_THAT(calibratorLine.Writes(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n", "LOCAL\n"));
+    EXPECT_THAT(ToCalibrator(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI", "LOCAL"));
     EXPECT_GE(clock.Elapsed(), 100) << "the last bytes have left before the port closes";
     EXPECT_FALSE(comCAL.IsOpen());
     EXPECT_FALSE(comDPM.IsOpen());
@@ -126,12 +133,12 @@ TEST_F(SimulationSwitch, ClosesBothPortsAndAnOpenCalibratorHearsStandbyAndLocalF
 
 TEST_F(SimulationSwitch, ACalibratorThatIsNoLongerChosenHearsThemToo)
 {
-    meterLine.onWrite = nullptr;
+    bench->SwitchFault("silent-meter", true);
     Click("cmdEstablish");
     Click("optManual");
     Forget();
     DoubleClick("lblCalOut");
-    EXPECT_THAT(calibratorLine.Writes(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n", "LOCAL\n"));
+    EXPECT_THAT(ToCalibrator(), testing::ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI", "LOCAL"));
     EXPECT_EQ(CalPort, 0);
 }
 
@@ -144,4 +151,18 @@ TEST_F(SimulationSwitch, GoingBackReturnsToWhatRealMetersTaught)
     DoubleClick("lblCalOut");
     EXPECT_EQ(NominalSlopeOf(kDc, 25), DefaultSlopeOf(kDc, 25));
     EXPECT_EQ(NominalWordOf(kDc, 25), word);
+}
+
+TEST_F(SimulationSwitch, TheMarkIsDeafWhileAProcedureRuns)
+{
+    EstablishSimulated();
+    RegisterProbe(5, [] {
+        SetNavigation(Navigation::Open);  // a page that leaves navigation open
+        DelayAlways(2000);
+    });
+    person.Clicks(StepButton(4)).Waits(500).Does([] { EXPECT_TRUE(TabChangeAllowed); });
+    ExpectTheMarkIsDeaf();
+    EXPECT_EQ(ScriptedOperator::Find("dlgSCType"), nullptr);
+    DoublyClicks("lblSim").WaitsFor("dlgSCType").Clicks("OKButton");
+    EXPECT_TRUE(person.Runs()) << "it hears again";
 }

@@ -120,8 +120,8 @@ TEST_F(StartUp, TheWindowOpensAt1100By760OrAsLargeAsTheScreenLets)
 
 TEST_F(StartUp, NothingIsSentBeforeEstablish)
 {
-    EXPECT_TRUE(meterLine.log.empty());
-    EXPECT_TRUE(calibratorLine.log.empty());
+    EXPECT_EQ(MeterOpened(), 0);
+    EXPECT_EQ(CalibratorOpened(), 0);
 }
 
 TEST_F(StartUp, TheStationOpensAgainInOneProcess)

@@ -29,21 +29,21 @@ TEST_F(TabStrip, BeforeAnyEstablishTheStripMovesAndNothingElseHappens)
     EXPECT_EQ(Shown(), kTabAc);
     EXPECT_EQ(CalibTab, kTabDc);
     EXPECT_EQ(Page(), 1);
-    EXPECT_TRUE(meterLine.log.empty());
+    EXPECT_EQ(MeterOpened(), 0);
     EXPECT_EQ(TabText(kTabAc), "AC");
 }
 
 TEST_F(TabStrip, AfterAFailedEstablishAClickPutsTheStripBackAtOnce)
 {
     ClickTab(kTabLc);
-    calibratorLine.onWrite = nullptr;
+    bench->SwitchFault("silent-calibrator", true);
     Click("cmdEstablish");
     ASSERT_FALSE(Established);
-    meterLine.Forget();
+    Forget();
     ClickTab(kTabAc);
     EXPECT_EQ(Shown(), kTabLc) << "back where the strip stood, which is not the open tab";
     EXPECT_EQ(CalibTab, kTabDc);
-    EXPECT_TRUE(meterLine.log.empty());
+    EXPECT_THAT(ToMeter(), testing::IsEmpty());
 }
 
 TEST_F(TabStrip, ADcMeterOnTheAcTabIsAMismatchWithTheChooserAndBoardAc3)
@@ -174,11 +174,29 @@ TEST_F(TabStrip, ArrowKeysBounceAsWell)
 TEST_F(TabStrip, GoesToStandbyFirstWithACalibratorOnly)
 {
     EstablishOnLines();
-    CalStandbyFlag = false;
+    ApplyInput("200 V");
+    ASSERT_TRUE(bench->CalibratorNow().operating);
+    Forget();
     ClickTab(kTabLc);
-    ASSERT_FALSE(calibratorLine.Writes().empty());
-    EXPECT_THAT(calibratorLine.Writes(), testing::Contains("OUT 0 V, 0 Hz ; STBY ; *WAI\n"));
-    EXPECT_THAT(meterLine.Writes(), testing::Contains("*1X16D\r"));
+    EXPECT_FALSE(bench->CalibratorNow().operating);
+    const auto standby = TimesOf("OUT 0 V, 0 Hz ; STBY ; *WAI");
+    const auto identity = TimesOf("*1X16D");
+    ASSERT_EQ(standby.size(), 1u);
+    ASSERT_EQ(identity.size(), 1u);
+    EXPECT_GE(identity.front() - standby.front(), 200) << "when it has come into force";
+}
+
+TEST_F(TabStrip, InManualModeItGoesNowhereFirst)
+{
+    Click("optManual");
+    EstablishOnLines();
+    CalStandbyFlag = false;
+    std::vector<std::string> boxes;
+    person.onBox = [&](const std::string &title, const std::string &) { boxes.push_back(title); };
+    ClickTab(kTabLc);
+    EXPECT_EQ(CalibratorOpened(), 0);
+    EXPECT_THAT(boxes, testing::IsEmpty());
+    EXPECT_THAT(TimesOf("*1X16D"), testing::SizeIs(1));
 }
 
 TEST_F(TabStrip, WhileItReadsTheIdentityNavigationIsLocked)

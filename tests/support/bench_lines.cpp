@@ -28,9 +28,12 @@ public:
         auto wire = linesInForce ? linesInForce->Find(device) : nullptr;
         if (!wire || linesInForce->m_bench.PortGone(wire->line))
             throw RuntimeFault(2, "No such file or directory");
+        if (wire->refusal != 0)
+            throw RuntimeFault(wire->refusal, wire->refusalWords);
         if (wire->open)
             throw RuntimeFault(16, "Device or resource busy");
         wire->open = true;
+        ++wire->opened;
         wire->dead = false;
         m_wire = std::move(wire);
     }
@@ -101,6 +104,17 @@ void BenchLines::Run(std::int64_t now)
         if (wire->open && !wire->dead)
             wire->waiting += came;
     }
+}
+
+void BenchLines::RefuseToOpen(bench::Line line, int number, const std::string &words)
+{
+    Of(line).refusal = number;
+    Of(line).refusalWords = words;
+}
+
+void BenchLines::ExchangeCables()
+{
+    std::swap(m_wires[0]->device, m_wires[1]->device);
 }
 
 std::int64_t BenchLines::Bytes() const

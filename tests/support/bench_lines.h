@@ -26,6 +26,12 @@ public:
 
     /// Bytes that passed so far, both ways and both lines.
     std::int64_t Bytes() const;
+    /// How often the station has opened a line's device.
+    int Opened(bench::Line line) const { return Of(line).opened; }
+    /// Opening its device fails with this number and these words; with number 0 it succeeds again.
+    void RefuseToOpen(bench::Line line, int number, const std::string &words);
+    /// Each device leads to the other instrument from its next opening on.
+    void ExchangeCables();
 
 private:
     friend class BenchDevice;
@@ -34,11 +40,15 @@ private:
         std::string device;
         std::string waiting;  // has come, not yet read
         bool open = false;
+        int opened = 0;
+        int refusal = 0;
+        std::string refusalWords;
         bool dead = false;  // went while it was open: what comes back is another device
         std::int64_t bytes = 0;
     };
     void NoticeGonePorts();
     std::shared_ptr<Wire> Find(const std::string &device);
+    Wire &Of(bench::Line line) const { return *m_wires[line == bench::Line::Meter ? 0 : 1]; }
 
     VirtualClock &m_clock;
     bench::Bench &m_bench;
