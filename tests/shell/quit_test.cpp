@@ -22,11 +22,14 @@ TEST_F(QuitProcedure, BeforeEstablishSendsNothingOnEitherPortButSavesGainsAndCal
 TEST_F(QuitProcedure, EstablishedSpeaksTheLastWordsAndSaves)
 {
     EstablishOnLines();
+    ApplyInput("200 V");
+    ASSERT_TRUE(bench->CalibratorNow().operating);
     Learn();
     ClicksQuit();
     ASSERT_TRUE(person.Runs());
     ExpectLastWords();
     EXPECT_THAT(ToMeter(), ElementsAre(kDisplaySetup1));
+    EXPECT_LT(TimesOf(kStandby).front(), TimesOf(kDisplaySetup1).front());
     ExpectSaved();
 }
 

@@ -37,8 +37,10 @@ TEST_F(SetupPage, SetupKeepsTheEstablishedStateAndItsStatusLine)
 TEST_F(SetupPage, SetupRemovesTheInput)
 {
     EstablishOnLines();
-    CalStandbyFlag = false;
+    ApplyInput("200 V");
+    ASSERT_TRUE(bench->CalibratorNow().operating);
     Click("cmdSetup");
+    EXPECT_FALSE(bench->CalibratorNow().operating);
     EXPECT_THAT(ToCalibrator(), testing::Contains("OUT 0 V ; STBY ; *WAI"));
     EXPECT_TRUE(CalStandbyFlag);
 }
