@@ -2,6 +2,7 @@
 
 #include "platform/fault.h"
 #include "session/procedure.h"
+#include "platform/text.h"
 #include "shell/quit_fixture.h"
 
 using namespace ombrix;
