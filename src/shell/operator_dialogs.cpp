@@ -5,6 +5,7 @@
 #include "widgets/widgets.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QFontMetricsF>
@@ -12,6 +13,7 @@
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPrinterInfo>
 
 #include <algorithm>
 
@@ -89,6 +91,8 @@ std::string PrintLines(const std::string &title, const std::vector<PrintedLine> 
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(QString::fromStdString(title));
+    if (QPrinterInfo::availablePrinterNames().isEmpty())
+        printer.setOutputFileName(QDir::home().filePath(QString::fromStdString(title) + ".pdf"));
     QPrintDialog dialog(&printer, frmOmbrix);
     dialog.setObjectName("dlgPrint");
     dialog.setWindowTitle(Caption(title));

@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QRegularExpression>
 
 namespace ombrix::test {
 namespace {
@@ -39,6 +40,21 @@ protected:
     {
         QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    /// The size of the letters in a printed file, in points.
+    static double Points(const char *name)
+    {
+        const QByteArray pdf = Written(name);
+        for (qsizetype at = pdf.indexOf("\nstream\n"); at >= 0; at = pdf.indexOf("\nstream\n", at + 1)) {
+            const QByteArray length("\0\1\0\0", 4);  // a guess is enough for the reader
+            const QString page = QString::fromLatin1(qUncompress(length + pdf.mid(at + 8)));
+            static const QRegularExpression scale("([\\d.]+) 0 0 -[\\d.]+ [\\d.]+ [\\d.]+ cm");
+            static const QRegularExpression letters("/F\\d+ ([\\d.]+) Tf");
+            if (letters.match(page).hasMatch())
+                return scale.match(page).captured(1).toDouble() * letters.match(page).captured(1).toDouble();
+        }
+        return 0;
     }
 
     Station station;
@@ -123,6 +139,16 @@ TEST_F(OperatorDialogs, WhatFindsNoRoomOnAPageGoesToTheNext)
     ASSERT_TRUE(person.Runs()) << person.Trouble();
     EXPECT_EQ(trouble, "");
     EXPECT_EQ(Written("long.pdf").count("/Type /Page\n"), 3);
+}
+
+TEST_F(OperatorDialogs, LongLinesShrinkThePageInsteadOfBeingCut)
+{
+    person.Does([] { outlets.print("Short", {{std::string(78, 'x')}}, 12); }).PrintsTo(Path("short.pdf"));
+    person.Does([] { outlets.print("Long", {{std::string(100, 'x')}, {"x"}}, 12); }).PrintsTo(Path("long.pdf"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_NEAR(Points("short.pdf"), 12, 0.1);
+    EXPECT_GT(Points("long.pdf"), 9);
+    EXPECT_LT(Points("long.pdf"), 9.7) << "100 letters, 0.6 of that wide each, on 575 points";
 }
 
 TEST_F(OperatorDialogs, ACancelledPrintWritesNothingAndIsNoTrouble)

@@ -50,7 +50,8 @@ TEST_F(KeyGuard, AButtonThatTookTheFocusByProgramIgnoresEnterAndSpaceFor400Ms)
     for (const int key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space}) {
         stopped = 0;
         cmdReady->setFocus();
-        EnableAndFocus(cmdStop);
+        clock.Advance(1000);
+        cmdStop->setFocus();
         Press(key);
         clock.Advance(399);
         Press(key);
