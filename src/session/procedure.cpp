@@ -70,6 +70,8 @@ bool RunAlone(const std::function<void()> &body)
         WaitOutStop();
         ForgetStop();
         std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
+        if (!waiting)
+            ForgetStop();
     }
     return true;
 }

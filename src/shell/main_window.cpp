@@ -228,8 +228,8 @@ void BuildLayout(QWidget *centre)
 {
     auto *work = new QHBoxLayout;
     work->setSpacing(10);
-    work->addWidget(BuildMiddle(centre), 3);
-    work->addWidget(BuildSide(centre), 1);
+    work->addWidget(BuildMiddle(centre), 1);
+    work->addWidget(BuildSide(centre));
     auto *above = new QHBoxLayout;
     above->setSpacing(10);
     above->addWidget(new Shaft(centre, BuildStepButtons(centre)));

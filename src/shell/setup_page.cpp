@@ -70,8 +70,8 @@ void BuildSetupPage(QFrame *page)
     QFrame *options = BuildSetupOptions(content, cmdEstablish);
     shpStatus = Shape(content, "shpStatus");
     lblStatus = StatusLabel(shpStatus, "lblStatus");
-    shpProgress = Shape(content, "shpProgress");
-    lblProgress = StatusLabel(shpProgress, "lblProgress");
+    shpProgress = Shape(content, "shpEstablishing");
+    lblProgress = StatusLabel(shpProgress, "lblEstablishing");
     shpProgress->hide();
     ++progress.number;
     auto *column = new QVBoxLayout(content);

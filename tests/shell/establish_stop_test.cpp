@@ -98,7 +98,7 @@ TEST_P(EstablishStopped, ByEscAtAnyExchangeEndsRedAndWritesNothingAfterIt)
         ASSERT_TRUE(station.person.Runs());
         ExpectNoSession();
         EXPECT_THAT(WritesSince(station.bench, said), IsEmpty());
-        EXPECT_FALSE(ScriptedOperator::Sees("lblProgress"));
+        EXPECT_FALSE(ScriptedOperator::Sees("lblEstablishing"));
     }
     EXPECT_TRUE(station.Establishes()) << "and the next one finds all as it was";
     EXPECT_THAT(station.bench.ProtocolErrors(), IsEmpty());
@@ -115,7 +115,7 @@ TEST(EstablishOnBench, AMeterThatIsSilentWhenItsIdentityIsReadEndsItRed)
         BenchStation station(wiring);
         std::size_t said = 0;
         station.person.Clicks("cmdEstablish").WaitsUntil("the identity is read", [] {
-            return ScriptedOperator::Text("lblProgress").starts_with("Meter: identity");
+            return ScriptedOperator::Text("lblEstablishing").starts_with("Meter: identity");
         });
         station.person.Does([&] {
             station.bench.FaultAtExchange("silent-meter", station.bench.Exchanges() + question, true);
@@ -195,9 +195,9 @@ TEST(EstablishOnBench, SaysWhatItDoesInTheStatusPlaceAndTheSecondsOfALongWait)
     station.person.Clicks("cmdEstablish");
     for (int look = 0; look < 12; ++look) {
         station.person.Waits(1000).Does([&seen] {
-            if (!ScriptedOperator::Sees("lblProgress"))
+            if (!ScriptedOperator::Sees("lblEstablishing"))
                 return;
-            seen.push_back(ScriptedOperator::Text("lblProgress"));
+            seen.push_back(ScriptedOperator::Text("lblEstablishing"));
             EXPECT_FALSE(ScriptedOperator::Sees("lblStatus"));
             EXPECT_NE(ScriptedOperator::Fill("shpProgress"), "#00ff00");
             EXPECT_NE(ScriptedOperator::Fill("shpProgress"), "#ff0000");
@@ -209,7 +209,7 @@ TEST(EstablishOnBench, SaysWhatItDoesInTheStatusPlaceAndTheSecondsOfALongWait)
     EXPECT_THAT(seen, testing::Contains(testing::StartsWith("Meter: setup ...")));
     EXPECT_THAT(seen, testing::Not(testing::Contains(testing::EndsWith("  2 s"))));
     EXPECT_TRUE(Established);
-    EXPECT_FALSE(ScriptedOperator::Sees("lblProgress"));
+    EXPECT_FALSE(ScriptedOperator::Sees("lblEstablishing"));
     EXPECT_TRUE(ScriptedOperator::Sees("lblStatus"));
 }
 
@@ -217,12 +217,12 @@ TEST(EstablishOnBench, FirstSaysThatTheCalibratorIsReset)
 {
     BenchStation station(Wiring{});
     station.bench.SwitchFault("silent-calibrator", true);
-    station.person.Clicks("cmdEstablish").WaitsForText("lblProgress", "Calibrator: reset ...").Does([] {
-        EXPECT_TRUE(ScriptedOperator::Sees("lblProgress"));
+    station.person.Clicks("cmdEstablish").WaitsForText("lblEstablishing", "Calibrator: reset ...").Does([] {
+        EXPECT_TRUE(ScriptedOperator::Sees("lblEstablishing"));
     });
     station.person.WaitsUntil("it fails", [] { return EndedRed("Error on COM2: Calibrator not found"); });
     ASSERT_TRUE(station.person.Runs());
-    EXPECT_FALSE(ScriptedOperator::Sees("lblProgress"));
+    EXPECT_FALSE(ScriptedOperator::Sees("lblEstablishing"));
 }
 
 TEST(EstablishOnBench, EscWhileTheBoardDialogsAnswerIsWrittenEndsItStopped)

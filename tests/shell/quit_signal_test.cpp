@@ -143,7 +143,7 @@ TEST_F(QuitUnderAlert, ShowsItOnceMoreInABoxThatClosesByItselfAfter10Seconds)
     ASSERT_TRUE(person.Runs());
     EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("ombrix: Standby not confirmed\n"));
     EXPECT_LT(spoken, 4000);
-    EXPECT_EQ(clock.Elapsed() - spoken, 10'000);
+    EXPECT_NEAR(static_cast<double>(clock.Elapsed() - spoken), 10'000, 1) << "and the bench's own last byte";
     EXPECT_FALSE(frmOmbrix->isVisible());
 }
 

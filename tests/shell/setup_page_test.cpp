@@ -77,7 +77,7 @@ TEST_F(SetupPage, ItsContentKeepsASensibleWidthOnAWideScreen)
     frmOmbrix->resize(1920, 1080);
     QCoreApplication::processEvents();
     const QWidget *groups = ScriptedOperator::Find("shpAA(0)");
-    EXPECT_GT(ScriptedOperator::Find("fraCalib(1)")->width(), 1300);
+    EXPECT_GT(ScriptedOperator::Find("fraCalib(1)")->width(), 1000);
     EXPECT_LE(groups->width(), 900);
     EXPECT_GE(groups->width(), 800);
 }
@@ -93,7 +93,7 @@ TEST_F(SetupPage, OnASmallScreenItsStatusComesIntoView)
     };
     ShowEstablishProgress("Meter: identity ...");
     QCoreApplication::processEvents();
-    EXPECT_TRUE(inView("shpProgress"));
+    EXPECT_TRUE(inView("shpEstablishing"));
     ShowStatus("Error on COM1: Meter not found", Red());
     QCoreApplication::processEvents();
     EXPECT_TRUE(inView("shpStatus"));
