@@ -3,6 +3,7 @@
 #include "platform/fault.h"
 
 #include <QFileInfo>
+#include <QMetaObject>
 #include <QObject>
 #include <QSerialPort>
 
@@ -68,8 +69,12 @@ public:
         QObject::connect(&m_port, &QSerialPort::errorOccurred, &m_port, [this](QSerialPort::SerialPortError error) {
             // A line that can't set RTS says Unsupported and lives on. Any other error means that the far end is gone:
             // an open port would report it without end.
-            if (error != QSerialPort::NoError && error != QSerialPort::UnsupportedOperationError && m_port.isOpen())
-                m_port.close();
+            if (error == QSerialPort::NoError || error == QSerialPort::UnsupportedOperationError || m_gone)
+                return;
+            m_gone = true;
+            m_port.close();
+            QMetaObject::invokeMethod(
+                &m_port, [this] { onGone(); }, Qt::QueuedConnection);
         });
     }
 
@@ -79,6 +84,15 @@ public:
     }
 
     std::string ReadAll() override { return m_port.isOpen() ? m_port.readAll().toStdString() : std::string(); }
+
+    // The toolkit's buffer takes what has come only when events are delivered: until then the system holds it.
+    std::string Drop() override
+    {
+        const std::string dropped = ReadAll();
+        if (m_port.isOpen())
+            m_port.clear(QSerialPort::Input);
+        return dropped;
+    }
 
     void Write(std::string_view bytes) override
     {
@@ -101,8 +115,11 @@ public:
             m_port.setDataTerminalReady(on);
     }
 
+    bool IsGone() const override { return m_gone; }
+
 private:
     QString m_path;
+    bool m_gone = false;
     QSerialPort m_port;
 };
 
@@ -123,14 +140,37 @@ void UseSerialDevices(SerialDeviceMaker maker)
 void SerialPort::Open(const std::string &device)
 {
     Close();
+    Take(device);
+}
+
+bool SerialPort::OpenAgain()
+{
+    m_device.reset();  // it holds the name
+    try {
+        Take(m_name);
+    } catch (const RuntimeFault &) {
+        m_lost = true;
+    }
+    return !m_lost;
+}
+
+void SerialPort::Take(const std::string &device)
+{
     auto opened = makeDevice();
     opened->Open(device);
+    opened->onGone = [this] {
+        if (onGone)
+            onGone();
+    };
     m_device = std::move(opened);
+    m_name = device;
+    m_lost = false;
 }
 
 void SerialPort::Close()
 {
     m_device.reset();
+    m_lost = false;
 }
 
 std::size_t SerialPort::BytesWaiting() const
@@ -141,6 +181,11 @@ std::size_t SerialPort::BytesWaiting() const
 std::string SerialPort::ReadAll()
 {
     return m_device ? m_device->ReadAll() : std::string();
+}
+
+std::string SerialPort::Drop()
+{
+    return m_device ? m_device->Drop() : std::string();
 }
 
 void SerialPort::Write(std::string_view bytes)

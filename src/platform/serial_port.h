@@ -2,7 +2,8 @@
 //
 // SerialPort is what the links hold; a SerialDevice behind it is the operating system's port in the program and a
 // virtual line in tests. Opening is the only operation that fails loudly. After it, a line that goes away is silence:
-// nothing comes, what is written is lost, and the port stays "open" until it is closed, so every wait keeps its length.
+// nothing comes, what is written is lost, and the port stays "open" until it is closed. IsGone tells that silence from
+// the silence of an instrument: waiting has no meaning on such a line, and OpenAgain is the way back.
 #pragma once
 
 #include <cstddef>
@@ -13,6 +14,9 @@
 
 namespace ombrix {
 
+/// More than this without an end of line is no reply, on either link.
+constexpr std::size_t kReplyLimit = 4096;
+
 class SerialDevice
 {
 public:
@@ -21,10 +25,17 @@ public:
     virtual void Open(const std::string &device) = 0;
     virtual std::size_t BytesWaiting() = 0;
     virtual std::string ReadAll() = 0;
+    /// Drops what waits: what ReadAll would give, which is returned, and what the system still holds.
+    virtual std::string Drop() = 0;
     virtual void Write(std::string_view bytes) = 0;
     /// A line that can't set them (a pseudo-terminal) ignores both.
     virtual void SetRts(bool on) = 0;
     virtual void SetDtr(bool on) = 0;
+    /// The device ended with an error: hang-up, unplugged.
+    virtual bool IsGone() const = 0;
+
+    /// Told once when it has gone, from a later event: never out of the device's own error handler.
+    std::function<void()> onGone = [] {};
 };
 
 /// Makes the device of the next Open. nullptr brings back the operating system's port.
@@ -34,19 +45,35 @@ void UseSerialDevices(SerialDeviceMaker maker);
 class SerialPort
 {
 public:
+    SerialPort() = default;
+    SerialPort(const SerialPort &) = delete;
+    SerialPort &operator=(const SerialPort &) = delete;
+
     /// Closes first if open. Throws RuntimeFault; the port is then closed.
     void Open(const std::string &device);
+    /// Opens the same device once more. False when that can't be done: the line is then still gone.
+    bool OpenAgain();
     void Close();
-    bool IsOpen() const { return m_device != nullptr; }
+    bool IsOpen() const { return m_device || m_lost; }
+    /// The line of an open port has gone. Nobody needs to wait for it.
+    bool IsGone() const { return m_lost || (m_device && m_device->IsGone()); }
     /// On a closed port: 0, "", and nothing.
     std::size_t BytesWaiting() const;
     std::string ReadAll();
+    std::string Drop();
     void Write(std::string_view bytes);
     void SetRts(bool on);
     void SetDtr(bool on);
 
+    /// Told, from an event, when the line has gone.
+    std::function<void()> onGone;
+
 private:
+    void Take(const std::string &device);
+
     std::unique_ptr<SerialDevice> m_device;
+    std::string m_name;
+    bool m_lost = false;  // gone, and it could not be opened again
 };
 
 }  // namespace ombrix

@@ -121,6 +121,24 @@ TEST(SerialPort, WhatTheLineSaidToNobodyIsNotRead)
     EXPECT_EQ(port.ReadAll(), "");
 }
 
+TEST(SerialPort, WhatWaitsInTheSystemsBufferIsDroppedToo)
+{
+    Pty pty;
+    SerialPort port;
+    port.Open(pty.Name());
+    pty.Says("seen ");
+    WaitForBytes(port, 5, 500);
+    pty.Says("unseen\r");
+    usleep(20'000);  // the system has it; the port, which nobody pumps, has not
+    EXPECT_EQ(port.Drop(), "seen ");
+    pty.Says("fresh\r");
+    WaitForBytes(port, 6, 500);
+    EXPECT_EQ(port.ReadAll(), "fresh\r");
+    port.Write("*1B1\r");
+    port.Drop();
+    EXPECT_EQ(pty.Hears(), "*1B1\r") << "what leaves is not dropped";
+}
+
 TEST(SerialPort, ALineThatCantSetRtsIsNoFailure)
 {
     Pty pty;
@@ -164,8 +182,59 @@ TEST(SerialPort, AFarEndThatGoesAwayIsSilenceAndTheWaitsKeepTheirPace)
     port.Write("lost");
     EXPECT_EQ(port.ReadAll(), "");
     EXPECT_TRUE(port.IsOpen()) << "until it is closed";
+    EXPECT_TRUE(port.IsGone());
     port.Close();
     EXPECT_FALSE(port.IsOpen());
+    EXPECT_FALSE(port.IsGone());
+}
+
+TEST(SerialPort, ThatItsLineHasGoneIsToldOnceFromAnEvent)
+{
+    Pty pty;
+    SerialPort port;
+    int told = 0;
+    port.onGone = [&] {
+        ++told;
+        EXPECT_TRUE(port.IsGone());
+        PumpEvents(5);  // allowed: it isn't the device's own error handler
+    };
+    port.Open(pty.Name());
+    PumpEvents(5);
+    EXPECT_FALSE(port.IsGone()) << "a silent line is there";
+    EXPECT_EQ(told, 0);
+    pty.HangsUp();
+    const Deadline limit(500);
+    while (told == 0 && !limit.Passed())
+        PumpEvents(limit.LeftMs());
+    port.Write("lost");
+    PumpEvents(20);
+    EXPECT_EQ(told, 1);
+}
+
+TEST(SerialPort, AGoneLineIsOpenedAgainUnderItsName)
+{
+    const QString link = QDir::current().filePath("line");
+    QFile::remove(link);
+    SerialPort port;
+    {
+        Pty pty;
+        ASSERT_TRUE(QFile::link(QString::fromStdString(pty.Name()), link));
+        port.Open(link.toStdString());
+        pty.HangsUp();
+        PumpEvents(20);
+    }
+    QFile::remove(link);
+    for (int tries = 0; tries < 2; ++tries) {
+        EXPECT_FALSE(port.OpenAgain());
+        EXPECT_TRUE(port.IsGone());
+        EXPECT_TRUE(port.IsOpen());
+    }
+    Pty back;
+    ASSERT_TRUE(QFile::link(QString::fromStdString(back.Name()), link));
+    EXPECT_TRUE(port.OpenAgain());
+    EXPECT_FALSE(port.IsGone());
+    port.Write("A");
+    EXPECT_EQ(back.Hears(), "A");
 }
 
 TEST(SerialPort, OpensAgainWhenTheLineIsBack)

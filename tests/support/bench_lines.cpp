@@ -19,6 +19,7 @@ public:
     {
         if (m_wire) {
             m_wire->open = false;
+            m_wire->device = nullptr;
             m_wire->waiting.clear();
         }
     }
@@ -35,11 +36,13 @@ public:
         wire->open = true;
         ++wire->opened;
         wire->dead = false;
+        wire->device = this;
         m_wire = std::move(wire);
     }
 
     std::size_t BytesWaiting() override { return m_wire->waiting.size(); }
     std::string ReadAll() override { return std::exchange(m_wire->waiting, ""); }
+    std::string Drop() override { return ReadAll(); }
 
     void Write(std::string_view bytes) override
     {
@@ -52,6 +55,7 @@ public:
 
     void SetRts(bool) override {}
     void SetDtr(bool) override {}
+    bool IsGone() const override { return m_wire->dead; }
 
 private:
     std::shared_ptr<BenchLines::Wire> m_wire;
@@ -61,9 +65,9 @@ BenchLines::BenchLines(VirtualClock &clock, bench::Bench &bench, std::string met
     : m_clock(clock), m_bench(bench), m_wires{std::make_shared<Wire>(), std::make_shared<Wire>()}
 {
     m_wires[0]->line = bench::Line::Meter;
-    m_wires[0]->device = std::move(meterDevice);
+    m_wires[0]->name = std::move(meterDevice);
     m_wires[1]->line = bench::Line::Calibrator;
-    m_wires[1]->device = std::move(calibratorDevice);
+    m_wires[1]->name = std::move(calibratorDevice);
     linesInForce = this;
     UseSerialDevices([] { return std::make_unique<BenchDevice>(); });
     m_clock.Add(this);
@@ -79,7 +83,7 @@ BenchLines::~BenchLines()
 std::shared_ptr<BenchLines::Wire> BenchLines::Find(const std::string &device)
 {
     for (const auto &wire : m_wires)
-        if (wire->device == device)
+        if (wire->name == device)
             return wire;
     return nullptr;
 }
@@ -91,8 +95,15 @@ std::optional<std::int64_t> BenchLines::NextDue(std::int64_t now)
 
 void BenchLines::NoticeGonePorts()
 {
-    for (const auto &wire : m_wires)
-        wire->dead = wire->dead || (wire->open && m_bench.PortGone(wire->line));
+    for (const auto &wire : m_wires) {
+        if (wire->dead || !wire->open || !m_bench.PortGone(wire->line))
+            continue;
+        wire->dead = true;
+        CallAfter(0, [wire] {  // from an event, as a real device does
+            if (wire->device && wire->dead)
+                wire->device->onGone();
+        });
+    }
 }
 
 void BenchLines::Run(std::int64_t now)

@@ -4,6 +4,7 @@
 // would pass on real lines: the waits, the bytes, the instruments.
 #pragma once
 
+#include "platform/serial_port.h"
 #include "support/virtual_clock.h"
 #include "testbench/bench.h"
 
@@ -37,8 +38,9 @@ private:
     friend class BenchDevice;
     struct Wire {
         bench::Line line;
-        std::string device;
-        std::string waiting;  // has come, not yet read
+        std::string name;
+        SerialDevice *device = nullptr;  // who has it open
+        std::string waiting;             // has come, not yet read
         bool open = false;
         int opened = 0;
         int refusal = 0;

@@ -3,6 +3,8 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 
+#include <utility>
+
 namespace ombrix::test {
 namespace {
 
@@ -17,22 +19,23 @@ public:
     {
         if (m_line) {
             m_line->log.push_back("close");
-            m_line->m_open = false;
+            m_line->m_device = nullptr;
             m_line->m_waiting.clear();
+            m_line->m_unseen.clear();
         }
     }
 
     void Open(const std::string &device) override
     {
         const std::shared_ptr<FakeLine> line = linesInForce ? linesInForce->Find(device) : nullptr;
-        if (!line)
+        if (!line || line->m_gone)
             throw RuntimeFault(2, "No such file or directory");
         if (line->m_refusal != 0)
             throw RuntimeFault(line->m_refusal, line->m_refusalWords);
-        if (line->m_open)
+        if (line->m_device)
             throw RuntimeFault(16, "Device or resource busy");
         line->log.push_back("open");
-        line->m_open = true;
+        line->m_device = this;
         m_line = line;
     }
 
@@ -54,24 +57,66 @@ public:
         return all;
     }
 
-    void Write(std::string_view bytes) override { m_line->Hear(bytes); }
+    std::string Drop() override
+    {
+        m_line->m_unseen.clear();
+        return ReadAll();
+    }
+
+    void Write(std::string_view bytes) override
+    {
+        if (!m_gone)
+            m_line->Hear(bytes);
+    }
     void SetRts(bool on) override { m_line->log.push_back(on ? "RTS on" : "RTS off"); }
     void SetDtr(bool on) override { m_line->log.push_back(on ? "DTR on" : "DTR off"); }
+    bool IsGone() const override { return m_gone; }
+
+    void Ends()
+    {
+        if (std::exchange(m_gone, true))
+            return;
+        m_line->m_waiting.clear();
+        onGone();
+    }
 
 private:
+    bool m_gone = false;
     std::shared_ptr<FakeLine> m_line;
 };
 
 void FakeLine::Says(const std::string &bytes, int afterMs)
 {
     const auto arrive = [this, bytes] {
-        if (m_open && !m_gone)
+        if (m_device && !m_device->IsGone() && !m_silent)
             m_waiting.push_back(bytes);
     };
     if (afterMs == 0)
         arrive();
     else
         CallAfter(afterMs, arrive);
+}
+
+void FakeLine::SaysUnseen(const std::string &bytes)
+{
+    m_unseen.push_back(bytes);
+    CallAfter(1, [this] {
+        for (const std::string &seen : m_unseen)
+            m_waiting.push_back(seen);
+        m_unseen.clear();
+    });
+}
+
+void FakeLine::HangsUp()
+{
+    m_gone = true;
+    if (m_device)
+        m_device->Ends();
+}
+
+void FakeLine::ComesBack()
+{
+    m_gone = m_silent = false;
 }
 
 void FakeLine::SaysByteByByte(const std::string &bytes, int afterMs, int gapMs)
@@ -99,7 +144,7 @@ void FakeLine::Hear(std::string_view bytes)
     log.push_back("write " + text);
     m_writes.push_back(text);
     writeTimes.push_back(linesInForce ? linesInForce->Time().Elapsed() : 0);
-    if (m_gone)
+    if (m_silent)
         return;
     if (onWrite)
         onWrite(text);

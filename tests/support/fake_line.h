@@ -14,6 +14,8 @@
 
 namespace ombrix::test {
 
+class FakeDevice;
+
 /// The far end of one line.
 class FakeLine
 {
@@ -27,9 +29,14 @@ public:
     void Answers(const std::string &request, const std::string &reply, int afterMs = 0);
     /// Called with each write, before the answers.
     std::function<void(const std::string &bytes)> onWrite;
-    /// From now on nothing comes and what is written is lost, as on a line that was pulled.
-    void Vanishes() { m_gone = true; }
-    void ComesBack() { m_gone = false; }
+    /// Bytes that the system holds: a read finds them 1 ms from now, a drop takes them away at once.
+    void SaysUnseen(const std::string &bytes);
+    /// From now on nothing comes and what is written is lost, as on a line whose instrument was switched off.
+    void Vanishes() { m_silent = true; }
+    /// The device ends with an error, as one that was pulled, and can't be opened until it comes back.
+    void HangsUp();
+    /// Whoever has it open must open it again.
+    void ComesBack();
     /// The next opens fail with this number and these words; number 0 lets them pass again.
     void RefusesToOpen(int number, const std::string &words);
 
@@ -48,12 +55,14 @@ private:
     void Hear(std::string_view bytes);
 
     std::deque<std::string> m_waiting;
+    std::deque<std::string> m_unseen;
     std::map<std::string, std::deque<std::pair<std::string, int>>> m_answers;
     std::vector<std::string> m_writes;
-    bool m_gone = false;
+    bool m_silent = false;
+    bool m_gone = false;  // no device of this name
+    FakeDevice *m_device = nullptr;
     int m_refusal = 0;
     std::string m_refusalWords;
-    bool m_open = false;
 };
 
 /// The lines of a test by device path. While it stands, every SerialPort opens one of them; a path without a line is
