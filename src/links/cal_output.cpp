@@ -4,13 +4,14 @@
 #include "platform/text.h"
 #include "session/state.h"
 
+#include <algorithm>
 #include <cmath>
+#include <iterator>
+#include <regex>
 #include <string_view>
 
 namespace ombrix {
 namespace {
-
-Danger shownLevel = Danger::Safe;
 
 bool StartsWith(const std::string &text, std::string_view letters)
 {
@@ -37,6 +38,19 @@ std::size_t UnitLength(const std::string &text)
     return StartsWith(text, "m") ? 2 : 1;
 }
 
+bool IsUnit(const std::string &text)
+{
+    constexpr std::string_view kUnits[] = {"V", "mV", "A", "mA", "OHM", "KOHM", "CEL", "FAR"};
+    return std::find(std::begin(kUnits), std::end(kUnits), text) != std::end(kUnits);
+}
+
+// Sign, digits with at most one point, exponent: the whole text and nothing else.
+bool IsNumber(const std::string &text)
+{
+    static const std::regex kNumber("[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?");
+    return std::regex_match(text, kNumber);
+}
+
 bool IsTemperature(const std::string &unit)
 {
     return StartsWith(unit, "CF");
@@ -49,6 +63,14 @@ OutputValue ParseOutputValue(const std::string &value)
     const std::size_t blank = value.find(' ');
     const std::string unit = blank == std::string::npos ? "" : value.substr(blank + 1);
     return {Val(value.substr(0, blank)), Left(unit, UnitLength(unit))};
+}
+
+std::optional<OutputValue> ParseReadBack(const std::string &line)
+{
+    const auto fields = Split(line, ',');
+    if (fields.size() < 2 || !IsNumber(Trim(fields[0])) || !IsUnit(Trim(fields[1])))
+        return std::nullopt;
+    return OutputValue{Val(fields[0]), Trim(fields[1])};
 }
 
 CalOutput DescribeCalOutput(double value, const std::string &unitText)
@@ -82,32 +104,6 @@ void UpdateCalOutputPanel(double value, const std::string &unit)
     const CalOutput output = DescribeCalOutput(value, unit);
     outlets.showOutput(output.text);
     SetDangerFlag(output.level);
-}
-
-void SetDangerFlag(Danger level)
-{
-    shownLevel = level;
-    outlets.showDangerFlag(level);
-}
-
-void RaiseDangerFlag(Danger level)
-{
-    if (level > shownLevel)
-        SetDangerFlag(level);
-}
-
-void ShowUnansweredOutput(const std::string &value, bool confirmed)
-{
-    const Danger before = shownLevel;
-    const OutputValue requested = ParseOutputValue(value);
-    UpdateCalOutputPanel(requested.number, requested.unit);
-    if (!confirmed)
-        RaiseDangerFlag(before);
-}
-
-void ForgetDangerFlag()
-{
-    shownLevel = Danger::Safe;
 }
 
 Danger DangerOfValue(const std::string &value)

@@ -1,8 +1,9 @@
 // What stands on the input terminals, told to the operator: value, unit and how dangerous it is.
 #pragma once
 
-#include "session/outlets.h"
+#include "session/live_output.h"
 
+#include <optional>
 #include <string>
 
 namespace ombrix {
@@ -13,6 +14,10 @@ struct OutputValue {
     std::string unit;  ///< "V", "A", "mV", "mA", "OHM", "KOHM", "CEL", "FAR"
 };
 OutputValue ParseOutputValue(const std::string &value);
+
+/// The answer to OUT?: a number, a comma and a unit that the panel knows, whatever follows. Nothing for any other line:
+/// what stands before the number makes it one.
+std::optional<OutputValue> ParseReadBack(const std::string &line);
 
 struct CalOutput {
     std::string text;  ///< scaled value and unit, "200.0 mV"
@@ -26,16 +31,6 @@ CalOutput DescribeCalOutput(double value, const std::string &unit);
 /// Shows it on the panel. In simulation it also tells the simulated meter: readings of a temperature carry one
 /// decimal and stand at the value.
 void UpdateCalOutputPanel(double value, const std::string &unit);
-
-/// For an output whose read-back got no answer: shows what was requested. Unless it is known to stand (confirmed),
-/// the flag isn't lowered.
-void ShowUnansweredOutput(const std::string &value, bool confirmed);
-
-void SetDangerFlag(Danger level);
-/// The same, but never to a lower level than the one shown.
-void RaiseDangerFlag(Danger level);
-/// A new session: no level is shown.
-void ForgetDangerFlag();
 
 /// The level that a requested value text ("660 V, 300 Hz") would have.
 Danger DangerOfValue(const std::string &value);

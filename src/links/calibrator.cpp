@@ -1,25 +1,23 @@
 #include "links/calibrator.h"
 
 #include "links/cal_output.h"
-#include "links/calibrator_simulator.h"
-#include "links/meter_protocol.h"
+#include "links/calibrator_line.h"
+#include "links/line_wait.h"
 #include "model/connection_tables.h"
 #include "model/settings.h"
-#include "platform/clock.h"
 #include "platform/fault.h"
 #include "platform/text.h"
-#include "session/delays.h"
+#include "session/live_output.h"
 #include "session/outlets.h"
 #include "session/state.h"
 
+#include <optional>
+
 namespace ombrix {
 
-SerialPort comCAL;
 std::string CalError;
 bool CalHzFlag = false;
 bool CalStandbyFlag = false;
-int CalWaitMs = 1000;
-std::string CalReply;
 
 namespace {
 
@@ -27,98 +25,159 @@ constexpr int kNotFound = 99;
 constexpr int kAttempts = 5;
 constexpr int kPolls = 5;
 constexpr int kPollPauseMs = 500;
-constexpr int kSilentReads = 10;  // of one poll: a calibrator that settles may hold its answer back
-constexpr int kErrorReads = 32;   // no error queue is longer
+constexpr int kErrorReads = 32;  // no error queue is longer
 constexpr int kThermocouples = 6;
 constexpr char kFullStandby[] = "0 V, 0 Hz";  // resets the frequency of an AC output too
-constexpr std::string_view kReplyEnd = "\r\n";
 
 std::string OutputLine(const std::string &value, std::string_view mode)
 {
     return "OUT " + value + " ; " + std::string(mode) + " ; *WAI";
 }
 
-// One question and its answer. A late answer to an earlier question would be taken for this one's.
-std::string AskCalibrator(std::string_view question)
+CalOutput Describe(const std::string &value)
 {
-    if (HardwareMode)
-        comCAL.ReadAll();
-    SendCalibratorCommand(question);
-    return ReadCalibratorLine();
+    const OutputValue parsed = ParseOutputValue(value);
+    return DescribeCalOutput(parsed.number, parsed.unit);
 }
 
-std::string PollOperate()
+bool IsError(const std::string &answer)
 {
-    DelayMs(kPollPauseMs);
-    std::string state = AskCalibrator("OPER?");
-    for (int reads = 1; state.empty() && reads < kSilentReads && !Abort; ++reads)
-        state = ReadCalibratorLine();
-    return Trim(state);
+    return IsAnswer(CalibratorQuestion::Errors, answer) && Val(answer.substr(0, answer.find(','))) != 0;
+}
+
+void TellOutput(const std::string &value, bool operate)
+{
+    if (operate) {
+        const CalOutput asked = Describe(value);
+        NoteOutputAsked(asked.text, asked.level);
+    } else {
+        NoteStandbyAsked();
+    }
+    BeginCalibratorOutput();
+    SendCalibratorCommand(OutputLine(value, operate ? "OPER" : "STBY"));
+}
+
+enum class Poll { Confirmed, NotYet, Silent };
+
+Poll PollOperate(bool operate)
+{
+    PauseForInstrument(comCAL, kPollPauseMs);
+    const CalibratorAnswer answer = AskCalibrator(CalibratorQuestion::Operate);
+    if (answer.line == (operate ? "1" : "0"))
+        return Poll::Confirmed;
+    return answer.silent ? Poll::Silent : Poll::NotYet;
+}
+
+// One attempt. Nothing when another one may do better.
+std::optional<bool> TryToReach(const std::string &value, bool operate)
+{
+    if (!Abort)
+        CheckCalibratorErrors();
+    if (operate && (Abort || CalibratorLineIsGone()))
+        return false;  // a stop while the errors were read: nothing is switched on after it
+    TellOutput(value, operate);
+    const WaitNote note(operate ? "Calibrator: waiting for OPER" : "Calibrator: waiting for STBY");
+    for (int poll = 0; poll < kPolls && !Abort; ++poll) {
+        const Poll state = PollOperate(operate);
+        if (state == Poll::Confirmed)
+            return true;
+        if (state == Poll::Silent || CalibratorLineIsGone())
+            return false;
+    }
+    return std::nullopt;
 }
 
 // True when the calibrator says that it is in the state.
-bool ReachState(const std::string &value, std::string_view mode)
+bool ReachState(const std::string &value, bool operate)
 {
-    const bool operate = mode == "OPER";
-    const std::string wanted = operate ? "1" : "0";
-    for (int attempt = 0; attempt < kAttempts && !Abort; ++attempt) {
-        CheckCalibratorErrors();
-        if (operate) {
-            if (Abort)  // a stop while the errors were read: nothing is switched on after it
-                return false;
-            RaiseDangerFlag(DangerOfValue(value));
-        }
-        SendCalibratorCommand(OutputLine(value, mode));
-        const WaitNote note(operate ? "Calibrator: waiting for OPER" : "Calibrator: waiting for STBY");
-        for (int poll = 0; poll < kPolls && !Abort; ++poll)
-            if (PollOperate() == wanted)
-                return true;
-    }
+    for (int attempt = 0; attempt < kAttempts && (attempt == 0 || !Abort); ++attempt)
+        if (const auto reached = TryToReach(value, operate))
+            return *reached;
     return false;
 }
 
-// Fields between commas. A line without one answers an OPER? that was given up: the real answer is behind it.
-std::string ReadOutput()
-{
-    std::string reply = AskCalibrator("OUT?");
-    if (reply.empty() || Holds(reply, ","))
-        return reply;
-    const std::string next = ReadCalibratorLine();
-    return next.empty() ? reply : next;
-}
-
+// What the calibrator says that it delivers; without an answer what was requested. Nobody looks safer than he was while
+// the state isn't confirmed.
 void ShowReadBack(const std::string &value, bool confirmed)
 {
     const WaitNote note("Calibrator: waiting for reply");
-    const std::string reply = ReadOutput();
-    if (reply.find_first_of("0123456789") == std::string::npos) {
-        ShowUnansweredOutput(value, confirmed);
+    const auto readBack = ParseReadBack(AskCalibrator(CalibratorQuestion::Output).line);
+    const OutputValue output = readBack.value_or(ParseOutputValue(value));
+    const CalOutput shown = DescribeCalOutput(output.number, output.unit);
+    if (!confirmed && (shown.level == Danger::Safe || (!readBack && shown.level < ShownDanger())))
         return;
-    }
-    const auto fields = Split(reply, ',');
-    UpdateCalOutputPanel(Val(fields[0]), fields.size() > 1 ? Trim(fields[1]) : "");
+    UpdateCalOutputPanel(output.number, output.unit);
+    NoteOutputSeen(shown.text, shown.level);
 }
 
 int LookForCalibrator()
 {
-    comCAL.Open(PortDevice(CalPort));
+    OpenCalibratorPort(PortDevice(CalPort));
     ResetCalibrator();
     CalibratorRemote();
-    if (!CheckCalibratorErrors().empty())
-        return 0;
-    CalError = "Calibrator not found";
-    return kNotFound;
+    if (CheckCalibratorErrors().empty()) {
+        CalStandbyFlag = false;
+        CalError = "Calibrator not found";
+        return kNotFound;
+    }
+    NoteStandbyAsked();  // by its reset
+    NoteOutputConfirmed();
+    ForgetLiveOutput();
+    return 0;
+}
+
+// Nothing is switched on while nobody knows what stands on the terminals.
+bool TerminalsAreKnown()
+{
+    if (!HardwareMode || AlertText().empty())
+        return true;
+    CalStandbyFlag = false;
+    if (CalibratorStandby())
+        return true;
+    Abort = true;
+    return false;
+}
+
+// Once the operator is asked he may do it: the flag rises before the box opens.
+bool ApplyByHand(const std::string &value)
+{
+    RaiseDangerFlag(DangerOfValue(value));
+    CalStandbyFlag = false;
+    if (!outlets.promptOperator("Apply an accurate input signal of " + value + " to the Meter", "Apply Input Signal")) {
+        Abort = true;
+        return false;
+    }
+    const OutputValue applied = ParseOutputValue(value);
+    UpdateCalOutputPanel(applied.number, applied.unit);
+    return true;
+}
+
+bool RemoveByHand()
+{
+    if (!outlets.promptOperator("Remove any input signal from the meter", "Remove Input"))
+        return false;
+    NoteStandbyAsked();
+    NoteOutputConfirmed();
+    UpdateCalOutputPanel(0, "V");
+    return true;
 }
 
 }  // namespace
+
+void InitCalibrator()
+{
+    CalError.clear();
+    CalHzFlag = CalStandbyFlag = false;
+}
 
 int OpenCalibratorLink()
 {
     CalHzFlag = CalStandbyFlag = false;
     CalError.clear();
-    ForgetDangerFlag();
-    if (!HardwareMode || CalPort == 0)
+    if (!HardwareMode || CalPort == 0) {
+        ForgetLiveOutput();
         return 0;
+    }
     try {
         return LookForCalibrator();
     } catch (const RuntimeFault &fault) {
@@ -145,123 +204,81 @@ void CalibratorLocal()
     SendCalibratorCommand("LOCAL");
 }
 
-void SendCalibratorCommand(std::string_view text)
-{
-    if (CalPort == 0)
-        return;
-    if (HardwareMode)
-        comCAL.Write(std::string(text) + "\n");
-    else
-        SimulateCalibratorCommand(text);
-}
-
-std::string ReceiveCalibratorChunk()
-{
-    if (!HardwareMode)
-        return "";
-    const Deadline limit(CalWaitMs);
-    while (comCAL.BytesWaiting() == 0 && !limit.Passed())
-        PumpEvents(limit.LeftMs());
-    return comCAL.ReadAll();
-}
-
-std::string ReceiveCalibratorChunk1s()
-{
-    CalWaitMs = 1000;
-    return ReceiveCalibratorChunk();
-}
-
-std::string ReceiveCalibratorChunk5s()
-{
-    CalWaitMs = 5000;
-    return ReceiveCalibratorChunk();
-}
-
-std::string ReadCalibratorLine()
-{
-    if (!HardwareMode)
-        return CalReply;
-    CalReply.clear();
-    std::string reply;
-    while (!Abort && !Holds(reply, kReplyEnd) && reply.size() <= kReplyLimit) {
-        const std::string chunk = ReceiveCalibratorChunk1s();
-        if (chunk.empty())
-            break;
-        reply += chunk;
-    }
-    const std::size_t end = reply.find(kReplyEnd);
-    return CalReply = end == std::string::npos ? "" : reply.substr(0, end);
-}
-
 std::string CheckCalibratorErrors()
 {
     const WaitNote note("Calibrator: waiting for reply");
-    std::string first = AskCalibrator("ERR?");
-    std::string reply = first;
-    for (int reads = 1; !reply.empty() && !reply.starts_with("0,") && !Abort && reads < kErrorReads; ++reads)
-        reply = AskCalibrator("ERR?");
+    CalibratorAnswer answer = AskCalibrator(CalibratorQuestion::Errors);
+    const std::string first = answer.line.empty() ? answer.other : answer.line;
+    if (IsError(first))
+        outlets.showRemark("Calibrator: " + first);
+    for (int reads = 1; IsError(answer.line) && !Abort && reads < kErrorReads; ++reads)
+        answer = AskCalibrator(CalibratorQuestion::Errors);
     return first;
 }
 
 bool SetCalibratorOutput(const std::string &value, std::string_view mode)
 {
     if (Quitting) {  // the last word: nobody waits for an answer any more
-        SendCalibratorCommand(OutputLine(kFullStandby, "STBY"));
-        return true;
+        TellOutput(kFullStandby, false);
+        return false;
     }
     if (CalPort == 0)
         return true;
     CalStandbyFlag = false;
-    const bool confirmed = ReachState(value, mode);
-    if (Abort)
+    const bool confirmed = ReachState(value, mode == "OPER");
+    if (confirmed)
+        NoteOutputConfirmed();
+    if (Abort || CalibratorLineIsGone())
         return false;
     ShowReadBack(value, confirmed);
+    return confirmed && !Abort;
+}
+
+bool ApplyInput(const std::string &value)
+{
+    if (!TerminalsAreKnown())
+        return false;
+    CalHzFlag = Holds(value, "Hz");
+    if (CalPort == 0)
+        return ApplyByHand(value);
+    SetCalibratorOutput(value, "OPER");
+    if (CalibratorLineIsGone())
+        Abort = true;  // what follows would read an input that nobody knows
     return !Abort;
 }
 
-void ApplyInput(const std::string &value)
+bool ApplyInputValue(const std::string &value)
 {
-    CalHzFlag = Holds(value, "Hz");
-    if (CalPort != 0) {
-        SetCalibratorOutput(value, "OPER");
-        return;
-    }
-    outlets.promptOperator("Apply an accurate input signal of " + value + " to the Meter", "Apply Input Signal");
-    const OutputValue applied = ParseOutputValue(value);
-    UpdateCalOutputPanel(applied.number, applied.unit);
-    CalStandbyFlag = false;
-}
-
-void ApplyInputValue(const std::string &value)
-{
-    ApplyInput(value);
+    if (!ApplyInput(value))
+        return false;
     if (Holds(value, "OHM"))
         SetZComp("WIRE4");
+    return true;
 }
 
-void RemoveInput()
+bool RemoveInput()
 {
     const bool lastWord = Quitting && CalPort != 0;
     if (CalStandbyFlag && !lastWord)
-        return;
-    if (CalPort != 0) {
+        return true;
+    if (CalPort != 0)
         CalStandbyFlag = SetCalibratorOutput(CalHzFlag ? "1 mV" : "0 V", "STBY");
-        return;
-    }
-    outlets.promptOperator("Remove any input signal from the meter", "Remove Input");
-    UpdateCalOutputPanel(0, "V");
-    CalStandbyFlag = true;
+    else if (RemoveByHand())
+        CalStandbyFlag = true;
+    return CalStandbyFlag;
 }
 
-void CalibratorStandby()
+bool CalibratorStandby()
 {
     if (CalPort == 0) {
         CalHzFlag = false;
-        RemoveInput();
-    } else if (!CalStandbyFlag || CalHzFlag || Quitting) {
+        return RemoveInput();
+    }
+    if (!CalStandbyFlag || CalHzFlag || Quitting) {
         CalHzFlag = false;
         CalStandbyFlag = SetCalibratorOutput(kFullStandby, "STBY");
     }
+    return CalStandbyFlag;
 }
 
 void SelectThermocouple(int index)
@@ -280,10 +297,12 @@ void SelectRtd()
     SetZComp("WIRE4");
 }
 
-void ApplyFahrenheit(const std::string &number)
+bool ApplyFahrenheit(const std::string &number)
 {
-    ApplyInput(number + " FAR");
+    if (!ApplyInput(number + " FAR"))
+        return false;
     SetZComp("WIRE4");
+    return true;
 }
 
 void SetZComp(std::string_view text)

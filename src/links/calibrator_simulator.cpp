@@ -1,6 +1,5 @@
 #include "links/calibrator_simulator.h"
 
-#include "links/calibrator.h"
 #include "platform/text.h"
 
 namespace ombrix {
@@ -53,17 +52,18 @@ void InitCalibratorSimulator()
     SimCalOper = "0";
 }
 
-void SimulateCalibratorCommand(std::string_view text)
+std::optional<std::string> SimulateCalibratorCommand(std::string_view text)
 {
     const std::string_view head = text.substr(0, text.find(' '));
     if (head == "ERR?")
-        CalReply = "0,\"No Error\"";
-    else if (head == "OUT")
+        return "0,\"No Error\"";
+    if (head == "OUT?")
+        return OutputReply();
+    if (head == "OPER?")
+        return SimCalOper;
+    if (head == "OUT")
         TakeOutput(text.substr(head.size()));
-    else if (head == "OUT?")
-        CalReply = OutputReply();
-    else if (head == "OPER?")
-        CalReply = SimCalOper;
+    return std::nullopt;
 }
 
 }  // namespace ombrix

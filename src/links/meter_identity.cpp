@@ -57,6 +57,11 @@ std::string RevisionText(int number)
 
 }  // namespace
 
+void InitMeterIdentity()
+{
+    TakeMeter({-1, false, -1, "", -1, "", ""});
+}
+
 bool ReadMeterType()
 {
     const std::string word = MeterQuery('X', kTypeWord, 1, "");

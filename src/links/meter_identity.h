@@ -14,6 +14,9 @@ extern int MeterSCType;           ///< board found in the meter, -1 unknown
 extern std::string BoardCode;     ///< low byte of word 21, two hex digits
 extern std::string MeterName;     ///< "DPM", "WtMtr", "CTR", with " Xmtr"; "???" unknown
 
+/// Nothing is known of any meter.
+void InitMeterIdentity();
+
 /// True when the meter answered with four digits. The meter restarts.
 bool ReadMeterType();
 /// Takes word 109 apart; a text that isn't 4 characters leaves kind and revision unknown.

@@ -1,13 +1,17 @@
 #include "links/meter_link.h"
 
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
+#include "links/calibrator_simulator.h"
 #include "links/meter_identity.h"
 #include "links/meter_operations.h"
 #include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
+#include "links/output_switch.h"
 #include "links/uut.h"
 #include "model/settings.h"
 #include "platform/fault.h"
+#include "session/live_output.h"
 #include "session/state.h"
 
 #include <string_view>
@@ -35,13 +39,10 @@ void OpenRoute()
 {
     if (!HardwareMode)
         return;
-    if (MeterPort == 0) {
+    if (MeterPort == 0)
         UutSetup("9600");
-        return;
-    }
-    comDPM.Open(PortDevice(MeterPort));
-    comDPM.SetRts(true);
-    comDPM.SetDtr(true);
+    else
+        OpenMeterPort(PortDevice(MeterPort));
 }
 
 int LookForMeter()
@@ -74,6 +75,21 @@ int OpenMeterLink()
         MeterError = fault.what();
         return fault.Number();
     }
+}
+
+void InitLinks()
+{
+    CloseLinks();
+    MeterError.clear();
+    InitLiveOutput();
+    InitCalibratorLine();
+    InitCalibrator();
+    InitCalibratorSimulator();
+    InitMeterProtocol();
+    InitMeterIdentity();
+    InitMeterOperations();
+    InitMeterSimulator();
+    InitOutputSwitch();
 }
 
 void CloseLinks()

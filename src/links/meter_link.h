@@ -12,6 +12,9 @@ extern std::string MeterError;
 /// run-time fault, with its words in MeterError. Clears Abort.
 int OpenMeterLink();
 
+/// Program start: every variable of the links as it is then, nothing open.
+void InitLinks();
+
 /// Closes both ports, whoever holds which: before the links open anew, and at the end.
 void CloseLinks();
 

@@ -1,13 +1,18 @@
 #include "links/meter_operations.h"
 
-#include "links/calibrator.h"
+#include "links/calibrator_line.h"
+#include "links/line_wait.h"
+#include "links/meter_frame.h"
 #include "links/meter_identity.h"
 #include "links/meter_protocol.h"
 #include "platform/clock.h"
 #include "platform/text.h"
 #include "session/delays.h"
 #include "session/outlets.h"
+#include "session/procedure.h"
 #include "session/state.h"
+
+#include <optional>
 
 namespace ombrix {
 
@@ -16,6 +21,7 @@ int LastDisplaySetup = 0;
 namespace {
 
 constexpr int kRestartMs = 1750;
+constexpr int kTryMs = 1000;         // from one try on a gone line to the next
 constexpr int kCtrRestartMs = 5000;  // the longest until a counter gives its sign of life
 constexpr int kMaxBlock = 35;        // what one count character can tell
 constexpr int kRamReads = 20;
@@ -23,6 +29,21 @@ constexpr int kMsPerWord = 8;
 constexpr int kMsPerByte = 4;
 constexpr std::size_t kWordDigits = 4;
 constexpr std::size_t kByteDigits = 2;
+
+std::optional<Deadline> nextTry;  // at a display whose line has gone
+bool overRange = false;
+
+// False when a stop or Abort has ended the wait.
+bool MayTryDisplay()
+{
+    const bool stopped = StopRequested;
+    while (nextTry && !nextTry->Passed()) {
+        PumpEvents(nextTry->LeftMs());
+        if (Abort || StopRequested != stopped)
+            return false;
+    }
+    return true;
+}
 
 // A run in two blocks: `low` goes first, to the addresses below `high`.
 struct Halves {
@@ -74,6 +95,13 @@ void SendAndWait(std::string_view payload, int ms)
 }
 
 }  // namespace
+
+void InitMeterOperations()
+{
+    LastDisplaySetup = 0;
+    nextTry.reset();
+    overRange = false;
+}
 
 std::string ReadNvmWords(int address, int count, std::string_view suffix)
 {
@@ -132,17 +160,37 @@ void WriteRamBytes(int address, std::string_view text)
 
 std::string ReadDisplayRaw()
 {
+    overRange = false;
+    if (!MayTryDisplay())
+        return "";
+    const Deadline next(kTryMs);
     FlushMeterInput();
     SendMeterCommand("B1");
-    return Trim(ReadMeterLine());
+    std::string text = Trim(ReadMeterLine());
+    nextTry = MeterLineIsGone() ? std::optional(next) : std::nullopt;
+    overRange = IsOverRange(text);
+    if (IsReading(text))
+        return text;
+    PumpEvents(0);  // who asks again can be stopped, however fast the wrong answers come
+    return "";
+}
+
+bool DisplayIsOverRange()
+{
+    return overRange;
 }
 
 std::string ReadDisplay()
 {
+    std::optional<WaitNote> note;
     while (!Abort) {
         std::string text = ReadDisplayRaw();
-        if (Holds(text, "."))
+        if (!text.empty())
             return text;
+        if (!overRange)
+            note.reset();
+        else if (!note)
+            note.emplace("Meter: the display is over range");
     }
     return "";
 }
@@ -164,17 +212,18 @@ void WaitMeterRestart()
 {
     if (!HardwareMode || MeterKind != kCtr) {
         WaitPlainRestart();
-        return;
+    } else {
+        const WaitNote note("Meter restarts");
+        if (MeterPort == 0)
+            ReceiveCalibratorChunk5s();
+        else
+            ReceiveChunk(comDPM, kCtrRestartMs);
     }
-    const WaitNote note("Meter restarts");
-    if (MeterPort == 0) {
-        ReceiveCalibratorChunk5s();
-        return;
-    }
-    const Deadline limit(kCtrRestartMs);
-    while (comDPM.BytesWaiting() == 0 && !limit.Passed())
-        PumpEvents(limit.LeftMs());
-    comDPM.ReadAll();
+}
+
+int RestartLeftMs()
+{
+    return restart ? restart->LeftMs() : 0;
 }
 
 void WaitPlainRestart()

@@ -5,8 +5,6 @@
 // waits for that. Chain writes with Z and leave Z off the last one.
 #pragma once
 
-#include "links/meter_link.h"
-
 #include <string>
 #include <string_view>
 
@@ -14,6 +12,9 @@ namespace ombrix {
 
 /// The last value given to the display setup words.
 extern int LastDisplaySetup;
+
+/// Nothing written, nothing restarting.
+void InitMeterOperations();
 
 /// count words from `address` downward, 4 digits each, upper-case; "" on silence, a wrong length or a character that is
 /// no hexadecimal digit. Without Z the meter restarts.
@@ -26,9 +27,12 @@ std::string ReadRamBytes(int address, int count);
 /// A text that is no positive multiple of 2 hexadecimal digits is not sent.
 void WriteRamBytes(int address, std::string_view text);
 
-/// One try to read the display, trimmed; "" on silence.
+/// One try to read the display, trimmed; "" on silence and for any line that is no reading. On a line that has gone a
+/// try ends at once, and the next one waits until 1000 ms after it, or until Abort or a stop comes.
 std::string ReadDisplayRaw();
-/// Repeats until the text holds a "."; "" after Abort.
+/// What the last try found was a display that shows no digit: it is over range, not silent.
+bool DisplayIsOverRange();
+/// Repeats until a reading comes; "" after Abort.
 std::string ReadDisplay();
 /// ReadDisplay without its ".".
 std::string ReadDisplayDigits();
@@ -38,6 +42,9 @@ int RestartLeftMs();
 
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();
+/// How many milliseconds of the restart are left by the clock, of the last write or read without Z: until then a
+/// command is lost. 0 when none is.
+int RestartLeftMs();
 /// The same for a meter that is no CTR: 1750 ms.
 void WaitPlainRestart();
 

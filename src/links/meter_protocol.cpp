@@ -1,10 +1,12 @@
 #include "links/meter_protocol.h"
 
+#include "links/calibrator_line.h"
+#include "links/line_wait.h"
+#include "links/meter_frame.h"
 #include "links/meter_simulator.h"
 #include "links/uut.h"
 #include "platform/clock.h"
 #include "platform/text.h"
-#include "session/delays.h"
 #include "session/outlets.h"
 #include "session/state.h"
 
@@ -31,7 +33,49 @@ public:
     RtsEnd &operator=(const RtsEnd &) = delete;
 };
 
+void SwitchSignalsOn()
+{
+    comDPM.SetRts(true);
+    comDPM.SetDtr(true);
+}
+
+bool OpenMeterPortAgain()
+{
+    if (!comDPM.OpenAgain())
+        return false;
+    SwitchSignalsOn();
+    return true;
+}
+
+const SerialPort &LineOfRoute()
+{
+    return MeterPort == 0 ? comCAL : comDPM;
+}
+
 }  // namespace
+
+void InitMeterProtocol()
+{
+    SetMeterAddress("1");
+    MeterReply.clear();
+    LastRestartMicros = 0;
+}
+
+bool Simulated()
+{
+    return !HardwareMode;
+}
+
+bool MeterLineIsGone()
+{
+    return HardwareMode && LineOfRoute().IsGone();
+}
+
+void OpenMeterPort(const std::string &device)
+{
+    comDPM.Open(device);
+    SwitchSignalsOn();
+}
 
 void SetMeterAddress(const std::string &address)
 {
@@ -41,7 +85,8 @@ void SetMeterAddress(const std::string &address)
 void SendMeterCommand(std::string_view payload)
 {
     if (!HardwareMode) {
-        SimulateMeterCommand(payload);
+        if (const auto reply = SimulateMeterCommand(payload, MeterAddr))
+            MeterReply = *reply;
         return;
     }
     const std::string frame = "*" + MeterAddr + std::string(payload) + kCr;
@@ -49,8 +94,10 @@ void SendMeterCommand(std::string_view payload)
         UutSend(frame);
         return;
     }
+    if (comDPM.IsGone() && !OpenMeterPortAgain())
+        return;
     comDPM.SetRts(true);
-    comDPM.ReadAll();
+    comDPM.Drop();
     comDPM.Write(frame);
 }
 
@@ -60,10 +107,7 @@ std::string ReceiveMeterChunk()
         return "";
     if (MeterPort == 0)
         return UutReceive();
-    const Deadline limit(kSilenceMs);
-    while (comDPM.BytesWaiting() == 0 && !limit.Passed())
-        PumpEvents(limit.LeftMs());
-    return comDPM.ReadAll();
+    return ReceiveChunk(comDPM, kSilenceMs);
 }
 
 std::string ReadMeterLine()
@@ -80,7 +124,7 @@ std::string ReadMeterLine()
         const std::string chunk = ReceiveMeterChunk();
         if (!chunk.empty())
             silence.Restart();
-        else if (silence.Passed())
+        else if (silence.Passed() || MeterLineIsGone())
             break;
         reply += chunk;
     }
@@ -94,7 +138,7 @@ void FlushMeterInput()
     if (MeterPort == 0)
         UutFlush();
     else
-        comDPM.ReadAll();
+        comDPM.Drop();
 }
 
 std::string MeterQuery(char letter, int address, int count, std::string_view text)
@@ -102,7 +146,7 @@ std::string MeterQuery(char letter, int address, int count, std::string_view tex
     const WaitNote note("Meter: waiting for reply");
     FlushMeterInput();
     MeterSend(letter, address, count, text);
-    DelayMs(kReplyPauseMs);
+    PauseForInstrument(LineOfRoute(), kReplyPauseMs);
     return ReadMeterLine();
 }
 
@@ -111,28 +155,6 @@ void MeterSend(char letter, int address, int count, std::string_view text)
     SendMeterCommand(MeterPayload(letter, address, count, text));
     if ((letter == 'X' || letter == 'W') && !text.ends_with('Z') && MeterAddr == "1")
         LastRestartMicros = NowMicros();
-}
-
-char CountChar(int count)
-{
-    return count >= 1 && count <= static_cast<int>(kCountAlphabet.size())
-               ? kCountAlphabet[static_cast<std::size_t>(count - 1)]
-               : '1';
-}
-
-std::string MeterPayload(char letter, int address, int count, std::string_view text)
-{
-    return std::string(1, letter) + CountChar(count) + HexText(address, 2) + std::string(text);
-}
-
-bool HoldsLine(std::string_view reply)
-{
-    return reply.find(kCr) != std::string_view::npos;
-}
-
-std::string LineOf(std::string_view reply)
-{
-    return HoldsLine(reply) ? std::string(reply.substr(0, reply.find(kCr))) : "";
 }
 
 }  // namespace ombrix

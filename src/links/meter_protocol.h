@@ -1,12 +1,11 @@
 // One command to the meter, one line back.
 //
-// A frame is `*`, the meter's address, a payload and CR; a reply is text ended by CR. This module knows bytes, routes
-// and waits. What a command means, meter_operations.h knows.
+// This module knows routes and waits. What the bytes are, meter_frame.h knows; what a command means,
+// meter_operations.h.
 #pragma once
 
 #include "platform/serial_port.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -19,25 +18,35 @@ extern std::string MeterAddr;
 /// The last reply line; in simulation what the simulator left.
 extern std::string MeterReply;
 
+/// Address "1", no reply, nothing restarting.
+void InitMeterProtocol();
+
 void SetMeterAddress(const std::string &address);
 
-/// Sends one payload over the route in force: simulator, UUT tunnel or port. Waits for nothing.
+/// The station answers for the meter, and for the calibrator.
+bool Simulated();
+/// With hardware: the line over which the meter is spoken to has gone, the calibrator's on the route through it.
+bool MeterLineIsGone();
+
+/// Opens the meter's own port with RTS and DTR on. Throws RuntimeFault.
+void OpenMeterPort(const std::string &device);
+
+/// Sends one payload over the route in force: simulator, UUT tunnel or port. Waits for nothing. A port whose line has
+/// gone is opened again first; when that fails nothing is sent.
 void SendMeterCommand(std::string_view payload);
 
-/// One wait of at most 1000 ms for any bytes; returns all that wait, "" when none came, "" at once in simulation.
+/// One wait of at most 1000 ms for any bytes; returns all that wait, "" when none came, "" at once in simulation and on
+/// a line that has gone.
 std::string ReceiveMeterChunk();
 
-/// More than this without an end of line is no reply, on either link.
-constexpr std::size_t kReplyLimit = 4096;
-
 /// Gathers one reply line and returns it without its CR. "" when 1000 ms pass in silence before a CR came, on Abort,
-/// and when 4096 characters came without a CR.
+/// when 4096 characters came without a CR, and at once when the line has gone.
 std::string ReadMeterLine();
 
-/// Drops what waits on the route.
+/// Drops what waits on the route, also what the system still holds.
 void FlushMeterInput();
 
-/// Flush, command (letter, count, address, text), 500 ms, reply line.
+/// Flush, command (letter, count, address, text), 500 ms, reply line. Ends at once when the line has gone.
 std::string MeterQuery(char letter, int address, int count, std::string_view text);
 
 /// When the meter under calibration was last sent a read or write without Z, at which it restarts.
@@ -45,18 +54,5 @@ extern std::int64_t LastRestartMicros;
 
 /// Command without flush, wait or reply.
 void MeterSend(char letter, int address, int count, std::string_view text);
-
-/// Characters of the counts 1 to 35.
-constexpr std::string_view kCountAlphabet = "123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
-
-/// The count's character; any count outside 1 to 35 is "1".
-char CountChar(int count);
-
-/// letter + count character + two hex digits of the address + text.
-std::string MeterPayload(char letter, int address, int count, std::string_view text);
-
-/// True when a reply holds its CR; what stands before the first one, "" without one.
-bool HoldsLine(std::string_view reply);
-std::string LineOf(std::string_view reply);
 
 }  // namespace ombrix

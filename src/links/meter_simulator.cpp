@@ -1,7 +1,6 @@
 #include "links/meter_simulator.h"
 
-#include "links/meter_identity.h"
-#include "links/meter_protocol.h"
+#include "links/meter_frame.h"
 #include "platform/fault.h"
 #include "platform/text.h"
 #include "session/outlets.h"
@@ -65,12 +64,13 @@ bool IsWord(int address)
     return false;
 }
 
+void ShowSimSwitch(const Block &block)
+{
+    outlets.showSwitchText(std::to_string(HexValue(block.data.substr(0, 6))));
+}
+
 void WriteSimWords(const Block &block)
 {
-    if (MeterAddr != "1") {
-        outlets.showSwitchText(std::to_string(HexValue(block.data.substr(0, 6))));
-        return;
-    }
     for (int i = 0; i < block.count; ++i) {
         const auto place = static_cast<std::size_t>(i) * 4;
         if (place + 4 > block.data.size())
@@ -81,19 +81,20 @@ void WriteSimWords(const Block &block)
     }
 }
 
-void ReadSimWords(const Block &block)
+std::string ReadSimWords(const Block &block)
 {
-    MeterReply.clear();
+    std::string words;
     for (int i = 0; i < block.count; ++i)
-        MeterReply +=
-            IsWord(block.address - i) ? HexText(SimNvm[static_cast<std::size_t>(block.address - i)], 4) : "0000";
+        words += IsWord(block.address - i) ? HexText(SimNvm[static_cast<std::size_t>(block.address - i)], 4) : "0000";
+    return words;
 }
 
-void ReadSimBytes(const Block &block)
+std::string ReadSimBytes(const Block &block)
 {
-    MeterReply.clear();
+    std::string bytes;
     for (int i = 0; i < block.count; ++i)
-        MeterReply += "65";
+        bytes += "65";
+    return bytes;
 }
 
 float RandomShare()
@@ -101,11 +102,10 @@ float RandomShare()
     return static_cast<float>(scatter()) / static_cast<float>(std::mt19937::max());
 }
 
-void ReadSimDisplay()
+std::string ReadSimDisplay()
 {
     SimReading = SimNominal - SimNoise + 2.0f * SimNoise * RandomShare();
-    MeterReply =
-        SimOneDecimal ? Format(SimReading, 1) : std::to_string(RoundHalfEven(static_cast<double>(SimReading))) + ".";
+    return SimOneDecimal ? Format(SimReading, 1) : std::to_string(RoundHalfEven(static_cast<double>(SimReading))) + ".";
 }
 
 }  // namespace
@@ -117,14 +117,6 @@ void InitMeterSimulator()
     SimNoise = 20;
     SimOneDecimal = false;
 
-    SetMeterAddress("1");
-    MeterReply.clear();
-    MeterKind = MeterSCType = MeterRevNumber = -1;
-    MeterName.clear();
-    MeterRevText.clear();
-    BoardCode.clear();
-    XmtrFlag = false;
-
     SimNvm.fill(0);
     for (const StartWord &start : kStartWords)
         SimNvm[start.address] = start.word;
@@ -135,23 +127,23 @@ void SeedMeterSimulator(unsigned seed)
     scatter.seed(seed);
 }
 
-void SimulateMeterCommand(std::string_view payload)
+std::optional<std::string> SimulateMeterCommand(std::string_view payload, std::string_view address)
 {
     switch (payload.empty() ? '\0' : payload.front()) {
     case 'W':
-        WriteSimWords(BlockOf(payload));
-        break;
+        if (address == "1")
+            WriteSimWords(BlockOf(payload));
+        else
+            ShowSimSwitch(BlockOf(payload));
+        return std::nullopt;
     case 'X':
-        ReadSimWords(BlockOf(payload));
-        break;
+        return ReadSimWords(BlockOf(payload));
     case 'G':
-        ReadSimBytes(BlockOf(payload));
-        break;
+        return ReadSimBytes(BlockOf(payload));
     case 'B':
-        ReadSimDisplay();
-        break;
+        return ReadSimDisplay();
     default:
-        break;
+        return std::nullopt;
     }
 }
 

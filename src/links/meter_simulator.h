@@ -3,6 +3,8 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace ombrix {
@@ -19,13 +21,14 @@ inline float &SimTarget = SimNominal;
 /// While the link opens: a word outside 0..255 is a fault.
 extern bool SimAddressFaults;
 
-/// Random seed, identity unknown, the start words.
+/// Random seed, the start words, nothing at the input.
 void InitMeterSimulator();
 /// The scatter from here on is that of this seed.
 void SeedMeterSimulator(unsigned seed);
-/// Answers into MeterReply. Commands that have no reply leave it as it was. Throws RuntimeFault 9, "Subscript out of
-/// range", for a word outside 0..255 while the link opens; else such a word reads "0000" and a write is dropped.
-void SimulateMeterCommand(std::string_view payload);
+/// The reply to a payload; nothing for a command that has none. What is written to another address than "1" shows as
+/// the output switch. Throws RuntimeFault 9, "Subscript out of range", for a word outside 0..255 while the link opens;
+/// else such a word reads "0000" and a write is dropped.
+std::optional<std::string> SimulateMeterCommand(std::string_view payload, std::string_view address = "1");
 /// A simulated meter without a board code.
 void ClearSimWord21();
 

@@ -36,6 +36,11 @@ void WriteSwitchWords(std::string_view hex)
 
 }  // namespace
 
+void InitOutputSwitch()
+{
+    SwitchState = "V";
+}
+
 void OpenOutputSwitch()
 {
     if (!HardwareMode)

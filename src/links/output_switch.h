@@ -9,6 +9,9 @@ namespace ombrix {
 /// "V" or another text; "V" after opening.
 extern std::string SwitchState;
 
+/// On voltage.
+void InitOutputSwitch();
+
 void OpenOutputSwitch();
 /// Nothing when it stands there already.
 void SetOutputSwitch(const std::string &position);

@@ -1,7 +1,6 @@
 #include "links/uut.h"
 
-#include "links/calibrator.h"
-#include "links/meter_protocol.h"
+#include "links/calibrator_line.h"
 #include "platform/text.h"
 #include "session/state.h"
 
@@ -71,7 +70,7 @@ UutBlock ParseUutBlock(std::string_view buffer)
 
 std::string UutReceive()
 {
-    comCAL.ReadAll();  // an answer that came after its question was given up: it belongs to another frame
+    DropCalibratorInput();  // an answer that came after its question was given up: it belongs to another frame
     SendCalibratorCommand("UUT_RECV?");
     std::string buffer;
     std::size_t received = 0;

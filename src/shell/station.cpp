@@ -1,8 +1,6 @@
 #include "shell/station.h"
 
-#include "links/calibrator_simulator.h"
 #include "links/meter_link.h"
-#include "links/meter_simulator.h"
 #include "model/ini_store.h"
 #include "model/settings.h"
 #include "platform/clock.h"
@@ -65,8 +63,7 @@ void OpenStation()
     ClearStop();
     CloseHandlers(false);
     SilenceBoxes(false);
-    InitMeterSimulator();
-    InitCalibratorSimulator();
+    InitLinks();
     BuildMainWindow();
     ShowBoardChooser(false);
     InitTables();

@@ -156,25 +156,9 @@ TEST_F(CalOutputPanel, NoFlagIsRaisedBeforeAFirstDangerousOutput)
 TEST_F(CalOutputPanel, ANewSessionForgetsTheLevel)
 {
     SetDangerFlag(Danger::Danger);
-    ForgetDangerFlag();
+    ForgetLiveOutput();
     RaiseDangerFlag(Danger::Warning);
     EXPECT_EQ(Flag(), Danger::Warning);
-}
-
-TEST_F(CalOutputPanel, AnUnansweredOutputShowsWhatWasRequested)
-{
-    SetDangerFlag(Danger::Danger);
-    ShowUnansweredOutput("200 mV, 300 Hz", true);
-    EXPECT_EQ(panel, "200.0 mV");
-    EXPECT_EQ(Flag(), Danger::Warning);
-}
-
-TEST_F(CalOutputPanel, AnUnconfirmedOutputKeepsTheHigherFlag)
-{
-    SetDangerFlag(Danger::Danger);
-    ShowUnansweredOutput("0 V", false);
-    EXPECT_EQ(panel, "0.0 V");
-    EXPECT_EQ(Flag(), Danger::Danger) << "nobody knows what stands on the terminals";
 }
 
 TEST_F(CalOutputPanel, InSimulationATemperatureIsWhatTheMeterReads)

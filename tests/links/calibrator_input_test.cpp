@@ -51,6 +51,48 @@ TEST_F(Calibrator, AbortWhileTheErrorsAreReadStillSendsAStandby)
     EXPECT_EQ(clock.Elapsed(), 1000);
 }
 
+TEST_F(Calibrator, AStandbyIsSentAlsoWithAbortSet)
+{
+    CalibratorAnswers("0", "0,V");
+    Abort = true;
+    for (bool (*leave)() : {RemoveInput, CalibratorStandby}) {
+        Start();
+        EXPECT_FALSE(leave());
+        EXPECT_EQ(calibrator.Writes().size(), 1u);
+        EXPECT_THAT(calibrator.Writes().at(0), ::testing::HasSubstr("; STBY ; *WAI"));
+        EXPECT_EQ(clock.Elapsed(), 0) << "its confirmation isn't waited for";
+        EXPECT_FALSE(CalStandbyFlag) << "so the next removal sends it again";
+    }
+}
+
+TEST_F(Calibrator, AbortEndsTheAttemptsOfAStandbyAndSendsItOnceMoreForNone)
+{
+    CalibratorAnswers("1", "2,V");
+    AbortsAfter(3700);
+    EXPECT_FALSE(RemoveInput());
+    EXPECT_EQ(Count("OUT 0 V ; STBY ; *WAI\n"), 2);
+    EXPECT_EQ(clock.Elapsed(), 4000);
+}
+
+TEST_F(Calibrator, AConfirmedStandbyIsSentOnceOnlyAlsoWithAbortSet)
+{
+    CalibratorAnswers("0", "0,V");
+    EXPECT_TRUE(RemoveInput());
+    Abort = true;
+    Start();
+    EXPECT_TRUE(RemoveInput());
+    EXPECT_THAT(calibrator.Writes(), IsEmpty());
+}
+
+TEST_F(Calibrator, AStandbyThatNoPollConfirmsIsNone)
+{
+    CalibratorAnswers("1", "2,V");
+    EXPECT_FALSE(RemoveInput());
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_FALSE(CalibratorStandby());
+    EXPECT_FALSE(CalStandbyFlag);
+}
+
 TEST_F(Calibrator, AbortDuringTheReadBackIsNoEnd)
 {
     calibrator.Answers("ERR?\n", kNoError);
@@ -68,8 +110,12 @@ TEST_F(Calibrator, AnAbortedStandbyIsSentAgain)
     EXPECT_FALSE(CalStandbyFlag);
     Abort = false;
     Start();
-    RemoveInput();
-    EXPECT_GT(Count("OUT 0 V ; STBY ; *WAI\n"), 0);
+    EXPECT_FALSE(RemoveInput());
+    EXPECT_EQ(Count("OUT 0 V ; STBY ; *WAI\n"), 5);
+    EXPECT_FALSE(CalStandbyFlag) << "the calibrator says that it operates";
+    Start();
+    calibrator.Answers("OPER?\n", "0\r\n");
+    EXPECT_TRUE(RemoveInput());
     EXPECT_TRUE(CalStandbyFlag);
 }
 
@@ -165,15 +211,65 @@ TEST_F(Calibrator, ByHand100KohmShows100Point0kOhmOnThePanel)
     EXPECT_EQ(Flag(), Danger::Safe);
 }
 
-TEST_F(Calibrator, ByHandThePanelWaitsForTheOperator)
+TEST_F(Calibrator, ByHandTheFlagRisesBeforeTheBoxOpensAndTheValueComesWithOk)
 {
     ByHand();
     outlets.promptOperator = [this](const std::string &, const std::string &) {
         EXPECT_EQ(panel, "");
+        EXPECT_EQ(Flag(), Danger::Danger);
+        return true;
+    };
+    EXPECT_TRUE(ApplyInput("660 V"));
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(Calibrator, ByHandTheHigherLevelStandsUntilTheLowerValueIsThere)
+{
+    ByHand();
+    ApplyInput("660 V");
+    outlets.promptOperator = [this](const std::string &, const std::string &) {
+        EXPECT_EQ(panel, "660.0 V");
+        EXPECT_EQ(Flag(), Danger::Danger);
         return true;
     };
     ApplyInput("2 V");
     EXPECT_EQ(panel, "2.0 V");
+    EXPECT_EQ(Flag(), Danger::Warning);
+}
+
+TEST_F(Calibrator, AnInputThatTheOperatorSaysIsNotAppliedKeepsTheHigherLevelAndTheOldValue)
+{
+    ByHand();
+    RemoveInput();
+    ASSERT_EQ(panel, "0.0 V");
+    outlets.promptOperator = [](const std::string &, const std::string &) { return false; };
+    EXPECT_FALSE(ApplyInput("660 V"));
+    EXPECT_EQ(panel, "0.0 V");
+    EXPECT_EQ(Flag(), Danger::Danger) << "he may have applied it";
+    EXPECT_TRUE(Abort);
+    EXPECT_FALSE(CalStandbyFlag) << "so it is to be removed";
+    EXPECT_FALSE(ApplyInputValue("20 OHM"));
+}
+
+TEST_F(Calibrator, AnInputThatTheOperatorSaysIsNotRemovedStandsAsItWas)
+{
+    ByHand();
+    ApplyInput("660 V");
+    flags.clear();
+    int asked = 0;
+    outlets.promptOperator = [&](const std::string &, const std::string &) { return ++asked > 2; };
+    EXPECT_FALSE(RemoveInput());
+    EXPECT_FALSE(CalibratorStandby());
+    EXPECT_EQ(panel, "660.0 V");
+    EXPECT_THAT(flags, IsEmpty());
+    EXPECT_FALSE(CalStandbyFlag);
+    EXPECT_FALSE(Abort);
+    EXPECT_TRUE(RemoveInput()) << "asked again";
+    EXPECT_EQ(asked, 3);
+    EXPECT_EQ(panel, "0.0 V");
+    EXPECT_EQ(Flag(), Danger::Safe);
+    EXPECT_TRUE(CalStandbyFlag);
 }
 
 TEST_F(Calibrator, ByHandTheOperatorIsAskedToRemoveOnce)
@@ -195,7 +291,7 @@ TEST_F(Calibrator, ByHandTheOperatorIsAskedToRemoveOnce)
 TEST_F(Calibrator, QuittingSendsStandbyOnceAndReturnsAtOnce)
 {
     Quitting = true;
-    EXPECT_TRUE(SetCalibratorOutput("660 V", "OPER"));
+    EXPECT_FALSE(SetCalibratorOutput("660 V", "OPER")) << "nobody has confirmed it";
     EXPECT_THAT(calibrator.Writes(), ElementsAre("OUT 0 V, 0 Hz ; STBY ; *WAI\n"));
     EXPECT_EQ(clock.Elapsed(), 0);
 }
@@ -206,7 +302,7 @@ TEST_F(Calibrator, QuittingSendsStandbyWhateverTheFlagsSay)
     for (const bool standby : {false, true})
         for (const bool hertz : {false, true})
             for (const bool abort : {false, true}) {
-                for (void (*leave)() : {RemoveInput, CalibratorStandby}) {
+                for (bool (*leave)() : {RemoveInput, CalibratorStandby}) {
                     CalStandbyFlag = standby;
                     CalHzFlag = hertz;
                     Abort = abort;
@@ -273,6 +369,14 @@ TEST_F(Calibrator, DegreesFahrenheitAreAppliedWithFourWires)
     EXPECT_EQ(Count("OUT 1356.4 FAR ; OPER ; *WAI\n"), 1);
     EXPECT_EQ(calibrator.Writes().back(), "ZCOMP WIRE4\n");
     EXPECT_EQ(panel, "1356.4 °F");
+}
+
+TEST_F(Calibrator, AnInputThatWasStoppedHasNoSenseWires)
+{
+    Abort = true;
+    EXPECT_FALSE(ApplyInputValue("20 OHM"));
+    EXPECT_FALSE(ApplyFahrenheit("32"));
+    EXPECT_THAT(calibrator.Writes(), IsEmpty());
 }
 
 TEST_F(Calibrator, OnlyAResistanceIsAppliedWithFourWires)

@@ -3,8 +3,11 @@
 
 #include "links/cal_output.h"
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
 #include "links/calibrator_simulator.h"
+#include "links/meter_frame.h"
 #include "links/meter_identity.h"
+#include "links/meter_link.h"
 #include "links/meter_operations.h"
 #include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
@@ -13,7 +16,9 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "session/delays.h"
+#include "session/live_output.h"
 #include "session/outlets.h"
+#include "session/procedure.h"
 #include "session/state.h"
 #include "support/fake_line.h"
 #include "support/virtual_clock.h"
@@ -36,16 +41,8 @@ protected:
     void SetUp() override
     {
         InitSessionState();
-        InitMeterSimulator();
-        InitCalibratorSimulator();
-        CalReply.clear();
-        CalError.clear();
-        MeterError.clear();
-        CalHzFlag = CalStandbyFlag = false;
-        CalWaitMs = 1000;
-        SwitchState = "V";
-        LastDisplaySetup = 0;
-        ForgetDangerFlag();
+        ClearStop();
+        InitLinks();
         outlets = Outlets();
         outlets.showOutput = [this](const std::string &text) { panel = text; };
         outlets.showDangerFlag = [this](Danger level) { flags.push_back(level); };
@@ -53,6 +50,11 @@ protected:
             prompts.push_back(title + ": " + text);
             return true;
         };
+        outlets.showAlert = [this](const std::string &text) {
+            alert = text;
+            alertTimes.push_back(clock.Elapsed());
+        };
+        outlets.showRemark = [this](const std::string &text) { remarks.push_back(text); };
         outlets.showSwitchText = [this](const std::string &text) { switchText = text; };
         outlets.showSwitch = [this](bool on) { switchShown = on; };
         outlets.showWait = [this](const std::string &text) {
@@ -132,6 +134,9 @@ protected:
     std::string panel;
     std::vector<Danger> flags;
     std::vector<std::string> prompts;
+    std::vector<std::string> remarks;
+    std::string alert;
+    std::vector<std::int64_t> alertTimes;  // of each change
     std::string switchText;
     bool switchShown = false;
     std::vector<std::string> waits;

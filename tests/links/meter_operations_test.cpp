@@ -325,13 +325,60 @@ TEST_F(MeterOperations, OneTryAtASilentDisplayIsEmpty)
     EXPECT_EQ(clock.Elapsed(), 1000);
 }
 
-TEST_F(MeterOperations, TheDisplayIsReadUntilItHoldsAPoint)
+TEST_F(MeterOperations, TheDisplayIsReadUntilAReadingComes)
 {
-    Answers("B1", "", 10);
+    for (const char *line : {"", "OVERLOAD", "x12.34", "12,34", "12.34"})
+        Answers("B1", line, 10);
+    EXPECT_EQ(ReadDisplay(), "12.34");
+    EXPECT_EQ(meter.Writes().size(), 5u);
+    EXPECT_EQ(clock.Elapsed(), 50);
+}
+
+TEST_F(MeterOperations, OneTryThatBringsNoReadingIsEmpty)
+{
+    for (const char *line : {"1234", "12.34.", "12..34", "--12.34", "+-1.", "1-2.3", "12.34V", "1.2E3",
+                             "\x01"
+                             "12.34",
+                             "."}) {
+        meter.onWrite = [this, line](const std::string &) { meter.Says(line + std::string("\r")); };
+        EXPECT_EQ(ReadDisplayRaw(), "") << line;
+    }
+}
+
+TEST_F(MeterOperations, AnOverloadedDisplayIsToldApartFromASilentMeter)
+{
+    const auto isOverRange = [this](const std::string &bytes) {
+        meter.onWrite = [this, bytes](const std::string &) { meter.Says(bytes); };
+        EXPECT_EQ(ReadDisplayRaw(), "") << bytes;
+        return DisplayIsOverRange();
+    };
+    for (const char *shown : {"OVERLOAD\r", " -----.\r", " .    \r", "EEEEEE\r"})
+        EXPECT_TRUE(isOverRange(shown)) << shown;
+    for (const char *shown : {"", "\r", "     \r", "OVERLOAD", "12..3\r", "\xF0\x83.\r", "1\r"})
+        EXPECT_FALSE(isOverRange(shown)) << shown;
+    isOverRange("OVERLOAD\r");
+    meter.onWrite = nullptr;
+    Answers("B1", "12.34");
+    EXPECT_EQ(ReadDisplayRaw(), "12.34");
+    EXPECT_FALSE(DisplayIsOverRange()) << "it was the try before";
+}
+
+TEST_F(MeterOperations, AnOverloadedDisplayIsToldWhileItIsReadAgain)
+{
     Answers("B1", "OVERLOAD", 10);
     Answers("B1", "12.34", 10);
+    outlets.showWait = [this](const std::string &text) { waits.push_back(text); };
     EXPECT_EQ(ReadDisplay(), "12.34");
-    EXPECT_EQ(meter.Writes().size(), 3u);
+    EXPECT_THAT(waits, ElementsAre("Meter: waiting for reply", "", "Meter: the display is over range",
+                                   "Meter: waiting for reply", "Meter: the display is over range", ""));
+}
+
+TEST_F(MeterOperations, AbortEndsTheReadOfADisplayThatBringsNoReading)
+{
+    Answers("B1", "garbled", 70);
+    AbortsAfter(1000);
+    EXPECT_EQ(ReadDisplay(), "");
+    EXPECT_EQ(clock.Elapsed(), 1050) << "the try in work is the last";
 }
 
 TEST_F(MeterOperations, ASilentMeterHoldsTheReadUntilTheStop)
@@ -352,9 +399,9 @@ TEST_F(MeterOperations, AVanishedPortHoldsTheSamePace)
 
 TEST_F(MeterOperations, DigitsAreTheDisplayWithoutItsPoint)
 {
-    for (const char *shown : {"12.34", "80000.", "-.5", "."})
+    for (const char *shown : {"12.34", "80000.", "-.5"})
         Answers("B1", shown);
-    for (const char *digits : {"1234", "80000", "-5", ""})
+    for (const char *digits : {"1234", "80000", "-5"})
         EXPECT_EQ(ReadDisplayDigits(), digits);
     Abort = true;
     EXPECT_EQ(ReadDisplayDigits(), "");
@@ -409,6 +456,55 @@ TEST_F(MeterOperations, ThroughTheCalibratorACountersRestartIsOneLongChunk)
     EXPECT_EQ(clock.Elapsed(), 3000);
     EXPECT_EQ(comCAL.BytesWaiting(), 0u);
     EXPECT_THAT(calibrator.Writes(), IsEmpty());
+}
+
+TEST_F(MeterOperations, WhatIsLeftOfARestartIsKnownByTheClock)
+{
+    std::vector<int> left;
+    const auto looksAt = [&](int ms) { CallAfter(ms, [&left] { left.push_back(RestartLeftMs()); }); };
+    EXPECT_EQ(RestartLeftMs(), 0);
+    looksAt(700);
+    looksAt(1749);
+    WriteNvmWords(200, "00C8", "");
+    EXPECT_THAT(left, ElementsAre(1050, 1));
+    EXPECT_EQ(RestartLeftMs(), 0);
+
+    left.clear();
+    Answers("X16D", "3201", 20);
+    looksAt(100);
+    looksAt(600);
+    ReadNvmWords(109, 1, "");
+    EXPECT_THAT(left, ElementsAre(1650, 1150));
+
+    left.clear();
+    looksAt(100);
+    ReadMeterType();
+    EXPECT_THAT(left, ElementsAre(1650));
+
+    left.clear();
+    looksAt(3);
+    WriteNvmWords(200, "00C8", "Z");
+    EXPECT_THAT(left, ElementsAre(0)) << "with Z nothing restarts";
+}
+
+TEST_F(MeterOperations, ARestartGoesOnWhenTheEndOfTheProgramLeavesItsWait)
+{
+    CallAfter(250, [] { RequestShutdown(); });
+    EXPECT_THROW(WriteNvmWords(200, "00C8", ""), Shutdown);
+    EXPECT_EQ(RestartLeftMs(), 1500);
+    RequestShutdown(false);
+    DelayAlways(1500);
+    EXPECT_EQ(RestartLeftMs(), 0);
+}
+
+TEST_F(MeterOperations, ASimulatedMeterNeverRestarts)
+{
+    Simulate();
+    RealTimeDelays = true;
+    int left = 9;
+    CallAfter(100, [&left] { left = RestartLeftMs(); });
+    WriteNvmWords(200, "00C8", "");
+    EXPECT_EQ(left, 0);
 }
 
 TEST_F(MeterOperations, InSimulationEveryKindRestartsTheSame)

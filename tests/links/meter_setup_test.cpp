@@ -56,14 +56,18 @@ TEST_F(MeterOperations, TheDisplaySetupIsWrittenInHexadecimal)
     }
 }
 
-TEST_F(MeterOperations, TheDisplaySetupOfACounterIsTheCustomers)
+TEST_F(MeterOperations, TheDisplaySetupOfACounterIsTheCustomersAndSoIsThatOfAnUnknownMeter)
 {
-    WriteDisplaySetupForward(1);
-    EXPECT_THAT(Payloads(), ElementsAre("W305000000100001"));
-    Start();
-    MeterKind = kCtr;
-    WriteDisplaySetupForward(1);
-    EXPECT_THAT(Payloads(), IsEmpty());
+    for (const int kind : {-1, 1, 2, 3})
+        for (const int session : {-1, 1, 2, 3}) {
+            MeterKind = kind;
+            SessionMeterKind = session;
+            Start();
+            WriteDisplaySetupForward(1);
+            const bool plain = (kind == kDpm || kind == kWtMtr) && session != kCtr;
+            const auto expected = plain ? std::vector<std::string>{"W305000000100001"} : std::vector<std::string>{};
+            EXPECT_EQ(Payloads(), expected) << kind << " " << session;
+        }
 }
 
 TEST_F(MeterOperations, ARangeIsSetWithOneRestartAtItsEnd)

@@ -18,11 +18,7 @@ protected:
         Simulate();
     }
 
-    static std::string Reply(std::string_view payload)
-    {
-        SimulateMeterCommand(payload);
-        return MeterReply;
-    }
+    static std::string Reply(std::string_view payload) { return SimulateMeterCommand(payload).value_or("nothing"); }
 };
 
 TEST_F(SimulatedMeter, StartsWithTheStartWords)
@@ -43,21 +39,15 @@ TEST_F(SimulatedMeter, StartsWithTheStartWords)
         EXPECT_EQ(SimNvm[i], expected[i]) << i;
 }
 
-TEST_F(SimulatedMeter, StartLeavesTheIdentityUnknown)
+TEST_F(SimulatedMeter, ItsStartLeavesTheIdentityOfTheMeterAlone)
 {
-    MeterKind = 3;
-    MeterSCType = 4;
-    MeterName = "CTR";
-    BoardCode = "01";
-    XmtrFlag = true;
+    MeterKind = kCtr;
     SetMeterAddress("2");
+    SimNoise = 1;
+    SimOneDecimal = true;
     InitMeterSimulator();
-    EXPECT_EQ(MeterKind, -1);
-    EXPECT_EQ(MeterSCType, -1);
-    EXPECT_EQ(MeterName, "");
-    EXPECT_EQ(BoardCode, "");
-    EXPECT_FALSE(XmtrFlag);
-    EXPECT_EQ(MeterAddr, "1");
+    EXPECT_EQ(MeterKind, kCtr);
+    EXPECT_EQ(MeterAddr, "2");
     EXPECT_EQ(SimNoise, 20.0f);
     EXPECT_FALSE(SimOneDecimal);
 }
@@ -95,11 +85,10 @@ TEST_F(SimulatedMeter, BytesOfWorkingMemoryAre65)
     EXPECT_EQ(Reply("GZ30").size(), 70u) << "also beyond 16 bytes";
 }
 
-TEST_F(SimulatedMeter, CommandsWithoutReplyLeaveTheReplyAlone)
+TEST_F(SimulatedMeter, CommandsWithoutReplyHaveNone)
 {
-    MeterReply = "before";
     for (const char *payload : {"A1", "C0", "CZ", "V6", "F1300F", "W150ABCDZ", "", "?"})
-        EXPECT_EQ(Reply(payload), "before") << payload;
+        EXPECT_EQ(Reply(payload), "nothing") << payload;
     EXPECT_EQ(SimNvm[0x30], 0x3400) << "a write of working memory touches no word";
 }
 
@@ -155,10 +144,9 @@ TEST_F(SimulatedMeter, OneSeedGivesOneScatter)
 TEST_F(SimulatedMeter, AWriteAtAnotherAddressShowsTheSwitch)
 {
     const auto before = SimNvm;
-    SetMeterAddress("2");
-    SimulateMeterCommand("W305002B67100000");
+    SimulateMeterCommand("W305002B67100000", "2");
     EXPECT_EQ(switchText, "11111");
-    SimulateMeterCommand("W305000000100000");
+    SimulateMeterCommand("W305000000100000", "2");
     EXPECT_EQ(switchText, "0");
     EXPECT_EQ(SimNvm, before);
 }

@@ -1,0 +1,246 @@
+#include "links/calibrator_line.h"
+
+#include "links/cal_output.h"
+#include "links/calibrator_simulator.h"
+#include "links/line_wait.h"
+#include "model/settings.h"
+#include "platform/text.h"
+#include "session/live_output.h"
+#include "session/state.h"
+
+#include <algorithm>
+#include <deque>
+
+namespace ombrix {
+
+SerialPort comCAL;
+int CalWaitMs = 1000;
+std::string CalReply;
+
+namespace {
+
+constexpr int kSilentReads = 10;  // of one OPER?
+constexpr int kMostLines = 32;    // of one question: a line that chatters is no answer
+constexpr std::size_t kMostOpen = 64;
+constexpr std::string_view kReplyEnd = "\r\n";
+
+// A question whose answer has not come.
+struct OpenQuestion {
+    CalibratorQuestion question;
+    int output;  // the output in force when it was asked
+};
+std::deque<OpenQuestion> openQuestions;
+int outputNumber = 0;
+
+std::string received;  // behind the last line that was read
+std::size_t bytesHeard = 0;
+
+std::string_view CommandOf(CalibratorQuestion question)
+{
+    switch (question) {
+    case CalibratorQuestion::Errors:
+        return "ERR?";
+    case CalibratorQuestion::Operate:
+        return "OPER?";
+    case CalibratorQuestion::Output:
+        break;
+    }
+    return "OUT?";
+}
+
+bool IsWholeNumber(std::string text)
+{
+    if (text.starts_with('-') || text.starts_with('+'))
+        text.erase(0, 1);
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Whose answer a line is: the oldest open question of its form. Those asked before that one were never answered.
+// False when it is nobody's.
+bool TakeAnswer(std::string_view line, OpenQuestion &answered)
+{
+    const auto found = std::find_if(openQuestions.begin(), openQuestions.end(),
+                                    [line](const OpenQuestion &open) { return IsAnswer(open.question, line); });
+    if (found == openQuestions.end())
+        return false;
+    answered = *found;
+    openQuestions.erase(openQuestions.begin(), found + 1);
+    return true;
+}
+
+// What was asked about another output is too old. An error stays one, whenever it was asked for.
+bool IsCurrent(const OpenQuestion &answered, CalibratorQuestion question)
+{
+    return answered.question == question && (question == CalibratorQuestion::Errors || answered.output == outputNumber);
+}
+
+// What has come answers an older question. The piece of a line that is still coming stays: its rest, alone, would look
+// like another answer.
+void SettleLateLines()
+{
+    received += comCAL.Drop();
+    OpenQuestion late{};
+    for (std::size_t end = received.find(kReplyEnd); end != std::string::npos; end = received.find(kReplyEnd)) {
+        TakeAnswer(received.substr(0, end), late);
+        received.erase(0, end + kReplyEnd.size());
+    }
+}
+
+void Ask(CalibratorQuestion question)
+{
+    SettleLateLines();
+    openQuestions.push_back({question, outputNumber});
+    if (openQuestions.size() > kMostOpen)
+        openQuestions.pop_front();
+    SendCalibratorCommand(CommandOf(question));
+}
+
+bool OpenCalibratorAgain()
+{
+    if (!comCAL.OpenAgain())
+        return false;
+    received.clear();
+    comCAL.Write("REMOTE\n");
+    NoteOutputLineBack();
+    return true;
+}
+
+}  // namespace
+
+void InitCalibratorLine()
+{
+    CalWaitMs = 1000;
+    CalReply.clear();
+    received.clear();
+    openQuestions.clear();
+    comCAL.onGone = NoteOutputLineGone;
+}
+
+bool CalibratorLineIsGone()
+{
+    return HardwareMode && comCAL.IsGone();
+}
+
+void SendCalibratorCommand(std::string_view text)
+{
+    if (CalPort == 0)
+        return;
+    if (!HardwareMode) {
+        if (const auto reply = SimulateCalibratorCommand(text))
+            CalReply = *reply;
+        return;
+    }
+    if (comCAL.IsGone() && !OpenCalibratorAgain())
+        return;
+    comCAL.Write(std::string(text) + "\n");
+}
+
+std::string ReceiveCalibratorChunk()
+{
+    if (!HardwareMode)
+        return "";
+    std::string chunk = ReceiveChunk(comCAL, CalWaitMs);
+    bytesHeard += chunk.size();
+    return chunk;
+}
+
+std::string ReceiveCalibratorChunk1s()
+{
+    CalWaitMs = 1000;
+    return ReceiveCalibratorChunk();
+}
+
+std::string ReceiveCalibratorChunk5s()
+{
+    CalWaitMs = 5000;
+    return ReceiveCalibratorChunk();
+}
+
+std::string ReadCalibratorLine()
+{
+    if (!HardwareMode)
+        return CalReply;
+    CalReply.clear();
+    while (!Abort && !Holds(received, kReplyEnd) && received.size() <= kReplyLimit) {
+        const std::string chunk = ReceiveCalibratorChunk1s();
+        if (chunk.empty())
+            break;
+        received += chunk;
+    }
+    const std::size_t end = received.find(kReplyEnd);
+    if (end == std::string::npos) {
+        received.clear();
+        return "";
+    }
+    CalReply = received.substr(0, end);
+    received.erase(0, end + kReplyEnd.size());
+    return CalReply;
+}
+
+void DropCalibratorInput()
+{
+    SettleLateLines();
+    received.clear();
+}
+
+void OpenCalibratorPort(const std::string &device)
+{
+    comCAL.Open(device);
+    received.clear();
+    openQuestions.clear();
+    NoteOutputLineBack();
+}
+
+CalibratorAnswer AskCalibrator(CalibratorQuestion question)
+{
+    CalibratorAnswer answer;
+    if (!HardwareMode) {
+        SendCalibratorCommand(CommandOf(question));
+        return {Trim(ReadCalibratorLine()), "", false};
+    }
+    const std::size_t before = bytesHeard;
+    Ask(question);
+    int reads = question == CalibratorQuestion::Operate ? kSilentReads : 1;
+    for (int lines = 0; lines < kMostLines && reads > 0 && !Abort && !comCAL.IsGone(); ++lines) {
+        const std::string line = ReadCalibratorLine();
+        if (line.empty()) {
+            --reads;
+            continue;
+        }
+        OpenQuestion answered{};
+        const bool known = TakeAnswer(line, answered);
+        if (known && IsCurrent(answered, question)) {
+            answer.line = Trim(line);
+            break;
+        }
+        answer.other = Trim(line);
+        reads = 1;
+        // With no other question open a garbled line can only be this one's answer. A read-back is worth the wait.
+        if (!known && openQuestions.size() == 1 && question != CalibratorQuestion::Output)
+            break;
+    }
+    answer.silent = bytesHeard == before;
+    return answer;
+}
+
+void BeginCalibratorOutput()
+{
+    ++outputNumber;
+}
+
+bool IsAnswer(CalibratorQuestion question, std::string_view text)
+{
+    const std::string line = Trim(text);
+    const bool output = ParseReadBack(line).has_value();
+    switch (question) {
+    case CalibratorQuestion::Errors:
+        return !output && Holds(line, ",") && IsWholeNumber(Trim(Split(line, ',')[0]));
+    case CalibratorQuestion::Operate:
+        return line == "0" || line == "1";
+    case CalibratorQuestion::Output:
+        break;
+    }
+    return output;
+}
+
+}  // namespace ombrix
