@@ -3,6 +3,7 @@
 #include "calibration/corrections.h"
 #include "calibration/step_state.h"
 #include "links/meter_operations.h"
+#include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
 #include "platform/text.h"
 #include "session/delays.h"
@@ -79,7 +80,7 @@ std::string WithoutPoint(std::string text)
 std::string ReadSettledReading()
 {
     std::string text = ReadDisplayDigits();
-    if (!HardwareMode)
+    if (Simulated())
         return text;
     const WaitNote note("Meter: waiting for a steady reading");
     Settling settling(Counts(text));
@@ -159,13 +160,13 @@ Following FollowReading(const LiveReading &live, const std::function<void(const 
         DelayAlways(live.everyMs);
         if (StopWanted())
             break;
-        const std::string text = HardwareMode || !live.simulated ? live.read() : live.simulated();
+        const std::string text = !Simulated() || !live.simulated ? live.read() : live.simulated();
         if (text != kStop)
             show(text);
         else if (StopWanted())
             break;
         else if (live.silenceEnds)
-            return Following::Silent;
+            return DisplayIsOverRange() ? Following::OverRange : Following::Silent;
     }
     WaitOutStop();
     return Following::Stopped;

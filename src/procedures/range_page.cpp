@@ -3,20 +3,24 @@
 #include "calibration/learning.h"
 #include "calibration/readings.h"
 #include "calibration/step_context.h"
+#include "calibration/step_journal.h"
 #include "calibration/step_word.h"
 #include "links/calibrator.h"
 #include "links/meter_operations.h"
 #include "links/output_switch.h"
+#include "model/range_names.h"
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/clock.h"
 #include "platform/text.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
 #include "widgets/page_grid.h"
 #include "widgets/page_kit.h"
 #include "widgets/page_states.h"
+#include "widgets/readout.h"
 #include "widgets/widgets.h"
 
 #include <QFrame>
@@ -27,6 +31,7 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,6 +49,7 @@ struct Round {
     std::array<std::string, 2> before;  // the readings that the correction begins with, as they came
     std::string word;                   // the corrected one, "" as long as there is none
     std::array<std::string, 2> reading;
+    std::int32_t error = 0;
 };
 
 enum class Wish { None, Repeat, Accept, Reset };
@@ -51,9 +57,10 @@ enum class Wish { None, Repeat, Accept, Reset };
 struct RangePage {
     int position = -1;
     bool turnover = false;
-    std::array<std::string, 2> value;  // for the calibrator, of each polarity
-    std::string cable;                 // what to say of it, "" nothing
-    std::string word;                  // now in the meter
+    std::array<std::string, 2> value;     // for the calibrator, of each polarity
+    std::array<std::string, 2> reported;  // what it said that it delivers then
+    std::string cable;                    // what to say of it, "" nothing
+    std::string word;                     // now in the meter
     std::vector<Round> rounds;
     int chosen = -1;   // the round that Accept keeps
     int polarity = 0;  // the input now applied
@@ -69,7 +76,8 @@ enum State { kOpening, kNoWord, kWaiting, kRunning, kWatching, kRepeating, kAcce
 struct View {
     QLabel *lblRangeStep, *lblRangeInput;
     QTableWidget *msgCalibGrid;
-    QFrame *cable;  // shpInst(1)
+    QFrame *lblNewReading, *lblError;  // the numbers to watch
+    QFrame *cable;                     // shpInst(1)
     struct Buttons {
         QPushButton *ready, *repeat, *accept, *stopReset;
     } buttons;
@@ -151,7 +159,16 @@ void ShowNewReadings()
     ShowCell(kNewReading, Lines(page.rounds.back().reading));
     if (page.turnover)
         ShowCell(kTurnover, MeanReadingText());
+    page.rounds.back().error = ReadingError();
     ShowCell(page.turnover ? kTurnover + 1 : kTurnover, ReadingErrorText());
+    ShowLive(view.lblNewReading, page.rounds.back().reading[static_cast<std::size_t>(page.polarity)]);
+    ShowLive(view.lblError, ReadingErrorText());
+}
+
+void FreezeReadings()
+{
+    Freeze(view.lblNewReading);
+    Freeze(view.lblError);
 }
 
 // What the operator is told of the round behind him, and of what Accept would do.
@@ -173,6 +190,8 @@ void ClearRounds()
     page.rounds.clear();
     page.chosen = -1;
     ClearGrid(view.msgCalibGrid);
+    ClearReadout(view.lblNewReading);
+    ClearReadout(view.lblError);
     ShowInstruction(view.cable, page.cable, InfoBackground());
 }
 
@@ -192,13 +211,16 @@ void BeginRound()
     const std::string number = std::to_string(page.rounds.size());
     AddGridRow(view.msgCalibGrid, {number, DesiredText(), "", page.word}, page.turnover ? 2 : 1);
     Choose(static_cast<int>(page.rounds.size()) - 1);
+    FreezeReadings();
     ShowInstruction(view.cable, "", InfoBackground());
     ShowPageState(view.states, kRunning);
 }
 
 bool ApplyPolarity()
 {
-    ApplyInputValue(page.value[static_cast<std::size_t>(page.polarity)]);
+    const auto place = static_cast<std::size_t>(page.polarity);
+    ApplyInputValue(page.value[place]);
+    page.reported[place] = OutputConfirmed() ? GetLiveOutput().Value : "";
     return !Abort;
 }
 
@@ -249,6 +271,27 @@ bool TakeNewReadings()
     return true;
 }
 
+// The frozen number is no longer the meter's.
+void ShowNoReading(Following ended)
+{
+    const bool over = ended == Following::OverRange;
+    ShowTrouble(view.lblNewReading, over ? "over range" : "silent");
+    ShowPrompt(view.states, {over ? "The display is over range, its last reading stands"
+                                  : "The meter fell silent, its last reading stands",
+                             true});
+}
+
+void RecordRoundInWork()
+{
+    const Round &round = page.rounds.back();
+    const auto texts = [](const std::array<std::string, 2> &pair) {
+        return page.turnover ? std::vector{pair[0], pair[1]} : std::vector{pair[0]};
+    };
+    RecordRound(page.position,
+                {static_cast<int>(page.rounds.size()), texts(page.value), texts(page.reported), texts(round.before),
+                 round.wordBefore, round.word, GetCorrectionLimited(), texts(round.reading), round.error});
+}
+
 // Shows the reading as it goes on until a click. The simulated meter isn't asked again: its reading stands.
 void WatchReading()
 {
@@ -262,8 +305,9 @@ void WatchReading()
         reading = text;
         ShowNewReadings();
     });
-    if (ended == Following::Silent && page.wish == Wish::None)
-        ShowPrompt(view.states, {"The meter fell silent, its last reading stands", true});
+    FreezeReadings();
+    if (ended != Following::Stopped && page.wish == Wish::None)
+        ShowNoReading(ended);
     WaitForOperator([] { return page.wish != Wish::None; });
 }
 
@@ -277,8 +321,10 @@ void RunRound(bool first)
         round.before = page.rounds[page.rounds.size() - 2].reading;
     ShowCell(kCurrentReading, Lines(round.before));
     CorrectWord(first);
-    if (TakeNewReadings())
-        WatchReading();
+    if (!TakeNewReadings())
+        return;
+    RecordRoundInWork();
+    WatchReading();
 }
 
 // ---- the calibration of a range ----
@@ -302,12 +348,24 @@ void RestoreWord(const std::string &word)
     page.word = word;
 }
 
+void RecordEnd(const std::string &how, const Round &round)
+{
+    StepEnd end;
+    end.how = how;
+    end.word = page.word;
+    if (how == "accepted")
+        end.reading = page.turnover ? std::vector{round.reading[0], round.reading[1]} : std::vector{round.reading[0]};
+    end.error = round.error;
+    RecordStepEnded(page.position, end);
+}
+
 void AcceptRange()
 {
     const Round &round = page.rounds[static_cast<std::size_t>(page.chosen)];
     RestoreWord(round.word);
     UpdateNominalSlope(ReadingSize(round.reading[0], page.turnover ? round.reading[1] : ""));
     UpdateNominalWord();
+    RecordEnd("accepted", round);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.
     if (page.position <= StepButtonCount())
         NextStep();
@@ -321,6 +379,8 @@ void LeaveRange(Ended ended)
     RemoveInput();
     if (ended == Ended::Done && page.wish == Wish::Accept)
         AcceptRange();
+    else
+        RecordEnd(ended == Ended::Fault ? "fault" : "stopped", page.rounds.back());
     WaitForReady();
 }
 
@@ -376,7 +436,8 @@ void LoadRange()
     page.turnover = GetTurnoverStep();
     page.value = {GetCalValue(), "-" + GetCalValue()};
     view.lblRangeStep->setText(Caption(StepName(CurrentStepId)));
-    view.lblRangeInput->setText(Caption("Input " + page.value[0] + (page.turnover ? ", " + page.value[1] : "")));
+    view.lblRangeInput->setText(Caption("Input " + ValueAsWritten(page.value[0]) +
+                                        (page.turnover ? ", " + ValueAsWritten(page.value[1]) : "")));
     SetGridColumns(view.msgCalibGrid, page.turnover ? kTurnoverColumns : kPlainColumns);
 }
 
@@ -397,6 +458,7 @@ void EnterRangePage()
         return;
     }
     CableConnected(GetRangeCodeIndex());
+    RecordStepOpened(page.position);
     ShowPageState(view.states, kWaiting);
 }
 
@@ -413,12 +475,24 @@ QHBoxLayout *BuildTitle(QFrame *frame)
     return row;
 }
 
+QHBoxLayout *BuildReadouts(QFrame *frame)
+{
+    view.lblNewReading = Readout(frame, "lblNewReading");
+    view.lblError = Readout(frame, "lblReadingError");
+    auto *row = new QHBoxLayout;
+    row->addWidget(Label(frame, "lblNewReadingCaption", "New Reading"));
+    row->addWidget(view.lblNewReading, 2);
+    row->addWidget(Label(frame, "lblReadingErrorCaption", "Error"));
+    row->addWidget(view.lblError, 1);
+    return row;
+}
+
 QHBoxLayout *BuildButtons(QFrame *frame)
 {
     view.buttons = {Button(frame, "cmdReady", "Ready", cmdReady_Click),
-                    Button(frame, "cmdRepeat", "Repeat", cmdRepeat_Click),
-                    Button(frame, "cmdAccept", "Accept", cmdAccept_Click),
-                    Button(frame, "cmdStopReset", "Stop", cmdStopReset_Click)};
+                    Button(frame, "cmdRepeat", "Repeat", cmdRepeat_Click, "Alt+R"),
+                    Button(frame, "cmdAccept", "Accept", cmdAccept_Click, "Alt+A"),
+                    Button(frame, "cmdStopReset", "Stop", cmdStopReset_Click, "Alt+S")};
     auto *row = new QHBoxLayout;
     for (QPushButton *button : {view.buttons.ready, view.buttons.repeat, view.buttons.accept, view.buttons.stopReset}) {
         MakeLarge(button);
@@ -436,6 +510,7 @@ void BuildRangePage(QFrame *frame)
     column->addLayout(BuildTitle(frame));
     view.msgCalibGrid = Grid(frame, "msgCalibGrid", msgCalibGrid_Click);
     column->addWidget(view.msgCalibGrid, 1);
+    column->addLayout(BuildReadouts(frame));
     view.cable = Instruction(frame, 1, 2);
     column->addWidget(view.cable);
     QFrame *instruction = Instruction(frame, 0, 2);

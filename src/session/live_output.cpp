@@ -1,5 +1,7 @@
 #include "session/live_output.h"
 
+#include "session/journal.h"
+
 #include "session/state.h"
 
 namespace ombrix {
@@ -28,6 +30,7 @@ void ShowAlert()
         outlets.showOutput(live.Value);
     RaiseDangerFlag(live.Level);
     outlets.showAlert(Words());
+    Record("warned", {{"of", Words()}});
 }
 
 void TakeAlertAway()

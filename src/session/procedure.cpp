@@ -2,6 +2,7 @@
 
 #include "platform/clock.h"
 #include "session/delays.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/state.h"
 
@@ -51,6 +52,23 @@ public:
     OnTheStack &operator=(const OnTheStack &) = delete;
 };
 
+// At the end of a procedure, however it ends: no stop outlives it, and what it left on the terminals is told.
+class Telling
+{
+public:
+    Telling() = default;
+    ~Telling()
+    {
+        if (ShutdownRequested())
+            return;
+        if (!waiting)
+            ForgetStop();
+        TellLiveOutput();
+    }
+    Telling(const Telling &) = delete;
+    Telling &operator=(const Telling &) = delete;
+};
+
 void NoteStop()
 {
     StopRequested = true;
@@ -69,9 +87,8 @@ bool RunAlone(const std::function<void()> &body)
         const OnTheStack procedure;
         WaitOutStop();
         ForgetStop();
+        const Telling telling;
         std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
-        if (!waiting)
-            ForgetStop();
     }
     return true;
 }

@@ -15,6 +15,7 @@
 #include "shell/quit.h"
 #include "shell/setup_page.h"
 #include "shell/tab_strip.h"
+#include "shell/visit.h"
 #include "widgets/widgets.h"
 
 #include <QColor>
@@ -99,6 +100,7 @@ void PrepareMeter()
 bool TakeLinks(const Wiring &wiring)
 {
     Established = true;
+    BeginVisit();
     if (UseSwitch) {
         ShowEstablishProgress("Output switch: reset ...");
         OpenOutputSwitch();

@@ -2,6 +2,7 @@
 
 #include "links/output_switch.h"
 #include "model/settings.h"
+#include "session/journal.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -49,6 +50,12 @@ void SetTabStops()
         for (QRadioButton *option : options)
             option->setFocusPolicy(option == stop ? Qt::StrongFocus : Qt::ClickFocus);
     }
+}
+
+void RecordChoices()
+{
+    Record("settings",
+           {{"automatic", Automatic}, {"calibrator", CalPort}, {"meter", MeterPort}, {"switch", UseSwitch}});
 }
 
 // A choice of the operator: makes the other options fit, then takes them all over.
@@ -139,6 +146,7 @@ void ChooseSwitch(bool use)
         return;
     RunProcedure([use] {
         UseSwitch = use;
+        RecordChoices();
         SetTabStops();
         if (!use)
             outlets.showSwitch(false);
@@ -251,6 +259,7 @@ void ApplySetupOptions()
     CalPort = cal;
     MeterPort = meter;
     Automatic = automatic;
+    RecordChoices();
     HideStatus();
     ShowPortNotes();
     FocusEstablish();

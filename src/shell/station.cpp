@@ -8,6 +8,8 @@
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
+#include "session/journal.h"
+#include "session/live_output.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
@@ -19,16 +21,43 @@
 #include "shell/operator_dialogs.h"
 #include "shell/output_panel.h"
 #include "shell/page_frame.h"
+#include "shell/quit.h"
 #include "shell/setup_page.h"
 #include "shell/simulation_switch.h"
 #include "shell/status_line.h"
 #include "shell/step_buttons.h"
+#include "shell/step_marks.h"
+#include "shell/summary_window.h"
 #include "shell/tab_strip.h"
 #include "shell/theme.h"
+#include "version.h"
 
 #include <QMainWindow>
+#include <QSysInfo>
+
+#include <iostream>
 
 namespace ombrix {
+
+namespace {
+
+void BeginJournal()
+{
+    FollowSteps(ShowStepMarks);
+    OpenJournal(
+        ".", QSysInfo::machineHostName().toStdString(),
+        VersionText(OMBRIX_VERSION_MAJOR, OMBRIX_VERSION_MINOR, OMBRIX_VERSION_REVISION).trimmed().toStdString());
+    if (LastRunEndedWithoutGoodbye())
+        ShowRemark("The last run ended without goodbye");
+}
+
+void EndJournal()
+{
+    if (const std::size_t lost = CloseJournal())
+        std::cerr << "ombrix: " << lost << " events of the journal could not be recorded\n";
+}
+
+}  // namespace
 
 void FillOutlets()
 {
@@ -46,7 +75,12 @@ void FillOutlets()
     outlets.askOperator = AskOperator;
     outlets.chooseFile = ChooseFile;
     outlets.print = PrintLines;
-    FaultOutlet = ShowRemark;
+    FaultOutlet = [](const std::string &words) {
+        ShowRemark(words);
+        Record("fault", {{"words", words}});
+    };
+    AlertAtQuit = AlertText;
+    SetSummarySource(StepSummary);
     FillDiagramHooks();
 }
 
@@ -81,11 +115,14 @@ void OpenStation()
     TabEventsMuted = true;
     PutStripOn(kTabDc);
     OpenSetup();
+    BeginJournal();
 }
 
 void CloseStation()
 {
     CloseLinks();
+    StopFollowingSteps();
+    EndJournal();
     frameHooks = FrameHooks();
     DestroyMainWindow();
     outlets = Outlets();

@@ -9,9 +9,13 @@
 #include "shell/board_chooser.h"
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
+#include "shell/status_line.h"
+#include "shell/step_marks.h"
 #include "shell/tab_strip.h"
 #include "widgets/widgets.h"
 
+#include <QHBoxLayout>
+#include <QLabel>
 #include <QMainWindow>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -22,6 +26,7 @@ namespace ombrix {
 namespace {
 
 std::array<QPushButton *, kPositions> cmdCalib{};
+std::array<QLabel *, kPositions> lblStepMark{};
 std::array<QColor, kPositions> StepButtonColours;  // kept so that the highlight can be taken off
 int LastCalPosition = 0;
 
@@ -39,6 +44,53 @@ bool IsAllowed(int position)
 void ShowAllowed(int position)
 {
     cmdCalib[position]->setEnabled(TabChangeAllowed && IsAllowed(position));
+}
+
+// Beside the caption, which stays as it is told. A click on it is one on the button.
+QLabel *BuildMark(QPushButton *button, int position)
+{
+    QLabel *mark = Label(button, Indexed("lblStepMark", position));
+    mark->setAttribute(Qt::WA_TransparentForMouseEvents);
+    mark->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    QFont font = mark->font();
+    font.setBold(true);
+    mark->setFont(font);
+    auto *layout = new QHBoxLayout(button);
+    layout->setContentsMargins(4, 0, 6, 0);
+    layout->addStretch(1);
+    layout->addWidget(mark);
+    return mark;
+}
+
+// The step in work keeps its colour and stands out in bold, also while it is off because it works.
+void ShowInWork(int position, bool on)
+{
+    QPushButton *button = cmdCalib[position];
+    QFont font = button->font();
+    font.setBold(on);
+    button->setFont(font);
+    SetFill(button, on ? Cyan() : StepButtonColours[position]);
+    if (!on)
+        return;
+    QPalette palette = button->palette();
+    for (const auto role : {QPalette::Button, QPalette::ButtonText, QPalette::WindowText})
+        palette.setColor(QPalette::Disabled, role, palette.color(QPalette::Active, role));
+    button->setPalette(palette);
+}
+
+// Which of the board's ranges is in work, of how many.
+std::string RangeProgress()
+{
+    int ranges = 0;
+    int now = 0;
+    for (int position = 0; position <= LastCalPosition; position++) {
+        if (NvmWordAtPosition(position) <= 0)
+            continue;
+        ++ranges;
+        if (position == CurrentStepButton)
+            now = ranges;
+    }
+    return now == 0 ? "" : "range " + std::to_string(now) + " of " + std::to_string(ranges);
 }
 
 bool HasNavigationFocus()
@@ -65,9 +117,10 @@ QWidget *BuildStepButtons(QWidget *parent)
         QPushButton *button = Button(column, Indexed("cmdCalib", position), "", [position] { ClickStep(position); });
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
         button->setMinimumHeight(button->fontMetrics().height() + 4);
-        button->setFixedWidth(button->fontMetrics().horizontalAdvance("Current Offset") + 28);
+        button->setFixedWidth(button->fontMetrics().horizontalAdvance("Current Offset ✓ -88") + 28);
         layout->addWidget(button);
         cmdCalib[position] = button;
+        lblStepMark[position] = BuildMark(button, position);
     }
     return column;
 }
@@ -89,6 +142,7 @@ void FillStepTable()
         StepIds[position] = StepIdAtPosition(position);
         const std::string caption = StepName(StepIds[position]);
         cmdCalib[position]->setText(Caption(caption));
+        cmdCalib[position]->setFlat(caption.empty());  // no step, no button
         if (caption.empty())
             Colour(position, ButtonFace());
         else
@@ -96,6 +150,7 @@ void FillStepTable()
         ShowAllowed(position);
         cmdCalib[position]->setVisible(CalibTab <= kTabAnaCal);
     }
+    ShowStepMarks();
 }
 
 void FocusSteps()
@@ -139,15 +194,23 @@ void SelectStep(int index)
         record.enter();
     else
         ShowPage(0);
+    ShowNoPage(record.enter ? "" : StepName(CurrentStepId));
 }
 
 void MarkStep(int index)
 {
     if (IsPosition(CurrentStepButton))
-        SetFill(cmdCalib[CurrentStepButton], StepButtonColours[CurrentStepButton]);
+        ShowInWork(CurrentStepButton, false);
     CurrentStepButton = index;
     if (IsPosition(index))
-        SetFill(cmdCalib[index], Cyan());
+        ShowInWork(index, true);
+    ShowProgress(RangeProgress());
+}
+
+void ShowStepMarks()
+{
+    for (int position = 0; position < kPositions; position++)
+        lblStepMark[position]->setText(Caption(MarkOfStep(BoardName(SCType), position)));
 }
 
 void EnableSteps(bool on)
@@ -158,6 +221,7 @@ void EnableSteps(bool on)
     for (int position = 0; position < kPositions; position++)
         ShowAllowed(position);
     cmdSetup->setEnabled(on);
+    ShowTabsAllowed(on);
     if (!ProcedureRunning())
         GiveFocusBack();
 }

@@ -31,6 +31,9 @@ void SelectStep(int index);
 /// Paints the button in the colour of what is in work, and the one before back. -1 none.
 void MarkStep(int index);
 
+/// Draws the marks of accepted steps anew.
+void ShowStepMarks();
+
 /// The captioned buttons that are allowed, cmdSetup, and whether a click on a tab is taken.
 void EnableSteps(bool on);
 

@@ -13,6 +13,7 @@
 #include "shell/navigation_lock.h"
 #include "shell/setup_page.h"
 #include "shell/step_buttons.h"
+#include "shell/visit.h"
 #include "widgets/widgets.h"
 
 #include <QGuiApplication>
@@ -80,6 +81,8 @@ void EnterTab()
     std::string trouble;
     if (ReadIdentityOnTabChange && !ReadIdentity())
         trouble = Abort ? "Stopped before the meter told its identity" : kMeterSilent;
+    else if (ReadIdentityOnTabChange)
+        BeginVisit();
     TakeTab();
     ApplyBoard();
     if (TabMismatch && CarriesFamily(CalibTab))

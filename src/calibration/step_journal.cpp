@@ -1,0 +1,75 @@
+#include "calibration/step_journal.h"
+
+#include "calibration/step_context.h"
+#include "model/range_tables.h"
+#include "platform/text.h"
+#include "session/journal.h"
+#include "session/state.h"
+
+#include <set>
+#include <utility>
+
+namespace ombrix {
+namespace {
+
+// Words that this visit's rounds have written.
+std::set<int> writtenWords;
+std::string writtenIn;
+
+bool IsAsFound(int word)
+{
+    if (writtenIn != CurrentVisit()) {
+        writtenIn = CurrentVisit();
+        writtenWords.clear();
+    }
+    return writtenWords.insert(word).second;
+}
+
+JournalFields FieldsOfStep(int position)
+{
+    return {{"step", StepName(StepIdAtPosition(position))},
+            {"board", BoardName(SCType)},
+            {"position", position},
+            {"word", HexText(GetStepNvmWord(), 2)}};
+}
+
+void RecordWith(std::string_view kind, int position, const JournalFields &more)
+{
+    JournalFields fields = FieldsOfStep(position);
+    fields.insert(fields.end(), more.begin(), more.end());
+    Record(kind, fields);
+}
+
+}  // namespace
+
+void RecordStepOpened(int position)
+{
+    RecordWith("step opened", position,
+               {{"found", GetStepWordHex()}, {"target", GetTargetCounts()}, {"value", GetCalValue()}});
+}
+
+void RecordRound(int position, const RoundRecord &round)
+{
+    RecordWith("round", position,
+               {{"round", round.number},
+                {"target", GetTargetCounts()},
+                {"asked", round.asked},
+                {"reported", round.reported},
+                {"before", round.before},
+                {"wordBefore", round.wordBefore},
+                {"wordAfter", round.word},
+                {"limited", round.limited},
+                {"reading", round.reading},
+                {"error", round.error},
+                {"asFound", IsAsFound(GetStepNvmWord())}});
+}
+
+void RecordStepEnded(int position, const StepEnd &end)
+{
+    JournalFields more = {{"how", end.how}, {"stays", end.word}};
+    if (!end.reading.empty())
+        more.insert(more.end(), {{"reading", end.reading}, {"error", end.error}});
+    RecordWith("step ended", position, more);
+}
+
+}  // namespace ombrix

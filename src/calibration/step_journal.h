@@ -1,0 +1,38 @@
+// What a page that calibrates the step in work tells the journal of it.
+//
+// Kinds: "step opened", "round", "step ended", "learned". Each names step, board, position and word.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace ombrix {
+
+/// The step's page has put the meter on its range; the word found in it is GetStepWordHex, "" when it did not answer.
+void RecordStepOpened(int position);
+
+/// One round, as it came. The first of a visit that has not written this word before is the as-found reading.
+struct RoundRecord {
+    int number = 1;
+    std::vector<std::string> asked;     ///< values for the calibrator, of each polarity
+    std::vector<std::string> reported;  ///< what it said that it delivers; "" where it confirmed nothing
+    std::vector<std::string> before;    ///< readings that the correction began with
+    std::string wordBefore;
+    std::string word;
+    bool limited = false;
+    std::vector<std::string> reading;  ///< with the new word
+    std::int32_t error = 0;            ///< counts
+};
+void RecordRound(int position, const RoundRecord &round);
+
+/// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left.
+struct StepEnd {
+    std::string how;  ///< "accepted", "stopped", "fault", "line lost"
+    std::string word;
+    std::vector<std::string> reading;
+    std::int32_t error = 0;
+};
+void RecordStepEnded(int position, const StepEnd &end);
+
+}  // namespace ombrix
