@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <deque>
+#include <optional>
 
 namespace ombrix {
 
@@ -72,6 +73,25 @@ bool TakeAnswer(std::string_view line, OpenQuestion &answered)
 bool IsCurrent(const OpenQuestion &answered, CalibratorQuestion question)
 {
     return answered.question == question && (question == CalibratorQuestion::Errors || answered.output == outputNumber);
+}
+
+// Nothing on silence and on Abort: a line may be empty.
+std::optional<std::string> NextLine()
+{
+    while (!Abort && !Holds(received, kReplyEnd) && received.size() <= kReplyLimit) {
+        const std::string chunk = ReceiveCalibratorChunk1s();
+        if (chunk.empty())
+            break;
+        received += chunk;
+    }
+    const std::size_t end = received.find(kReplyEnd);
+    if (end == std::string::npos) {
+        received.clear();
+        return std::nullopt;
+    }
+    std::string line = received.substr(0, end);
+    received.erase(0, end + kReplyEnd.size());
+    return line;
 }
 
 // What has come answers an older question. The piece of a line that is still coming stays: its rest, alone, would look
@@ -158,23 +178,7 @@ std::string ReceiveCalibratorChunk5s()
 
 std::string ReadCalibratorLine()
 {
-    if (!HardwareMode)
-        return CalReply;
-    CalReply.clear();
-    while (!Abort && !Holds(received, kReplyEnd) && received.size() <= kReplyLimit) {
-        const std::string chunk = ReceiveCalibratorChunk1s();
-        if (chunk.empty())
-            break;
-        received += chunk;
-    }
-    const std::size_t end = received.find(kReplyEnd);
-    if (end == std::string::npos) {
-        received.clear();
-        return "";
-    }
-    CalReply = received.substr(0, end);
-    received.erase(0, end + kReplyEnd.size());
-    return CalReply;
+    return HardwareMode ? CalReply = NextLine().value_or("") : CalReply;
 }
 
 void DropCalibratorInput()
@@ -202,18 +206,20 @@ CalibratorAnswer AskCalibrator(CalibratorQuestion question)
     Ask(question);
     int reads = question == CalibratorQuestion::Operate ? kSilentReads : 1;
     for (int lines = 0; lines < kMostLines && reads > 0 && !Abort && !comCAL.IsGone(); ++lines) {
-        const std::string line = ReadCalibratorLine();
-        if (line.empty()) {
-            --reads;
+        const std::size_t heard = bytesHeard;
+        const auto line = NextLine();
+        if (!line) {
+            reads = bytesHeard == heard ? reads - 1 : 0;  // bytes that never became a line were the answer
             continue;
         }
         OpenQuestion answered{};
-        const bool known = TakeAnswer(line, answered);
+        const bool known = TakeAnswer(*line, answered);
         if (known && IsCurrent(answered, question)) {
-            answer.line = Trim(line);
+            CalReply = *line;
+            answer.line = Trim(*line);
             break;
         }
-        answer.other = Trim(line);
+        answer.other = Trim(*line);
         reads = 1;
         // With no other question open a garbled line can only be this one's answer. A read-back is worth the wait.
         if (!known && openQuestions.size() == 1 && question != CalibratorQuestion::Output)

@@ -221,11 +221,6 @@ void WaitMeterRestart()
     }
 }
 
-int RestartLeftMs()
-{
-    return restart ? restart->LeftMs() : 0;
-}
-
 void WaitPlainRestart()
 {
     const WaitNote note("Meter restarts");

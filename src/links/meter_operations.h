@@ -42,9 +42,6 @@ int RestartLeftMs();
 
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();
-/// How many milliseconds of the restart are left by the clock, of the last write or read without Z: until then a
-/// command is lost. 0 when none is.
-int RestartLeftMs();
 /// The same for a meter that is no CTR: 1750 ms.
 void WaitPlainRestart();
 

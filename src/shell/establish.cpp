@@ -1,6 +1,7 @@
 #include "shell/establish.h"
 
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
 #include "links/meter_identity.h"
 #include "links/meter_link.h"
 #include "links/meter_operations.h"

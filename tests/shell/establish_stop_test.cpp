@@ -1,6 +1,7 @@
 // Establish and the tab click against instruments that are stopped, silent or pulled.
 
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
 #include "links/meter_identity.h"
 #include "links/meter_protocol.h"
 #include "platform/clock.h"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
 #include "links/meter_protocol.h"
 #include "model/ini_store.h"
 #include "model/nominals.h"

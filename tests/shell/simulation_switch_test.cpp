@@ -1,6 +1,7 @@
 #include "shell/simulation_switch.h"
 
 #include "links/calibrator.h"
+#include "links/calibrator_line.h"
 #include "links/meter_protocol.h"
 #include "model/nominals.h"
 #include "shell/setup_page.h"

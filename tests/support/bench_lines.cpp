@@ -125,7 +125,7 @@ void BenchLines::RefuseToOpen(bench::Line line, int number, const std::string &w
 
 void BenchLines::ExchangeCables()
 {
-    std::swap(m_wires[0]->device, m_wires[1]->device);
+    std::swap(m_wires[0]->name, m_wires[1]->name);
 }
 
 std::int64_t BenchLines::Bytes() const
