@@ -167,8 +167,11 @@ TEST_F(MeterIdentity, IsUnansweredWhenOneAnswerIsMissingOrNoWord)
         {"32"}, {"32O1"}, {"3201", ""}, {"3201", "01"}, {"3201", "0001", ""}, {"3201", "0001", "00"}};
     for (const auto &answers : rows) {
         Start();
-        for (std::size_t i = 0; i < answers.size(); ++i)
-            Answers(questions[i], answers[i]);
+        meter.onWrite = [&](const std::string &frame) {
+            for (std::size_t i = 0; i < answers.size(); ++i)
+                if (frame == "*1" + questions[i] + "\r")
+                    meter.Says(answers[i] + "\r");
+        };
         EXPECT_FALSE(ReadMeterIdentity()) << answers.back() << " to question " << answers.size();
         EXPECT_EQ(MeterSCType, -1);
         EXPECT_EQ(Payloads().size(), answers.size()) << "the next one is not asked";

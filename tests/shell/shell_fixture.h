@@ -1,6 +1,7 @@
 // The whole station on virtual time, wired to the bench, for the tests of the shell.
 #pragma once
 
+#include "links/calibrator_line.h"
 #include "links/meter_simulator.h"
 #include "model/settings.h"
 #include "platform/clock.h"
