@@ -11,9 +11,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdlib>
 #include <memory>
 #include <ostream>
-#include <set>
 #include <string>
 #include <vector>
 
@@ -32,6 +32,8 @@ constexpr int kStepEntry = 20;
 constexpr int kRemoval = 60;
 constexpr int kEstablish = 30;
 constexpr int kPatience = 300;  // what the operator waits for a round before he clicks Stop
+constexpr int kGlance = 20;     // before a display that says at once that it is over range
+constexpr int kRestart = 3000;  // milliseconds, more than any restart
 constexpr int kLook = 1000;     // milliseconds for which he watches its end
 
 bool NavigationIsFree()
@@ -91,7 +93,7 @@ protected:
     {
         const std::int64_t start = station.clock.Elapsed();
         station.person.Clicks("cmdReady").WaitsUntil("the round ends or lasts too long", [this, start] {
-            return RoundHasEnded() || NavigationIsFree() || station.clock.Elapsed() > start + kPatience * 1000;
+            return RoundHasEnded() || NavigationIsFree() || station.clock.Elapsed() > start + Patience() * 1000;
         });
         station.person.Does([this] {
             if (RoundHasEnded()) {
@@ -102,6 +104,8 @@ protected:
             }
         });
     }
+
+    static int Patience() { return GetParam().fault == "over-range" ? kGlance : kPatience; }
 
     // Clicks; the navigation is to be free again within so many seconds.
     void Leaves(const std::string &button, int seconds)
@@ -169,16 +173,17 @@ protected:
     std::vector<std::string> failures;
 };
 
-// Faults that this loop doesn't put on its station yet.
-const std::set<std::string> kNotYet = {"junk",           "late-calibrator", "refuses-output", "trips",
-                                       "meter-restarts", "over-range",      "drifting"};
+// Every run takes a shorter walk than the long one, which ./test --soak takes: each exchange.
+int Stride(int shortWalk)
+{
+    const char *soak = std::getenv("OMBRIX_SOAK");
+    return soak != nullptr && *soak == '1' ? 1 : shortWalk;
+}
 
 std::vector<Case> Cases(int position, int every)
 {
     std::vector<Case> cases;
     for (const std::string &fault : bench::Bench::FaultNames()) {
-        if (kNotYet.contains(fault))
-            continue;
         for (const bool lasting : {false, true})
             cases.push_back({fault, lasting, position, every});
     }
@@ -202,8 +207,8 @@ TEST_P(FaultLoop, LeavesNoHangAndNoOutputAndTheRangeCanBeCalibratedAfterwards)
     EXPECT_LE(std::abs(station.bench.RemainingError(GetParam().position)), 2.0);
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryExchange, FaultLoop, testing::ValuesIn(Cases(kGnd, 1)), NameOfCase);
-INSTANTIATE_TEST_SUITE_P(EveryThird, FaultLoop, testing::ValuesIn(Cases(kRef, 3)), NameOfCase);
+INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(Cases(kGnd, Stride(3))), NameOfCase);
+INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(Cases(kRef, Stride(7))), NameOfCase);
 
 // The same while the session is established.
 class EstablishFaultLoop : public FaultLoop
@@ -241,6 +246,7 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
         EXPECT_FALSE(station.bench.CalibratorNow().operating);
         EXPECT_GT(station.bench.Exchanges(), exchange);
         station.bench.SwitchFault(GetParam().fault, false);
+        station.person.Waits(kRestart);  // a meter that has just restarted is deaf
         ASSERT_NO_FATAL_FAILURE(EstablishesAgain());
         EXPECT_EQ(SCType, kDc);
         EXPECT_EQ(station.bench.Nvm(), memory) << "nothing misread was written";
@@ -249,7 +255,8 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryExchange, EstablishFaultLoop, testing::ValuesIn(Cases(kNoStep, 1)), NameOfCase);
+INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(Cases(kNoStep, Stride(2))),
+                         NameOfCase);
 
 TEST(DeadCalibrator, IsGivenUpAtOnceByEscWhileTheInputIsRemoved)
 {

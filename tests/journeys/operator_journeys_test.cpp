@@ -114,7 +114,7 @@ TEST(Operator, FindsTheReadingOfAnUnpluggedMeterStandingAndEstablishesAgain)
     });
     station.person.Waits(5000).Does([&] {
         EXPECT_TRUE(ScriptedOperator::IsEnabled("cmdAccept"));
-        EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "2 V: the meter fell silent, its last reading stands");
+        EXPECT_EQ(ScriptedOperator::Text("lblInst(0)"), "The meter fell silent, its last reading stands");
     });
     station.person.Clicks("cmdAccept").WaitsUntil("the range is left", NavigationIsFree).Does([&] {
         instruction = ScriptedOperator::Text("lblInst(0)");

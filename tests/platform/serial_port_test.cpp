@@ -325,15 +325,3 @@ TEST(PortTrouble, IsSilentOnALineOfOurOwn)
     port.Open(pty.Name());
     EXPECT_EQ(PortTrouble(pty.Name()), "");
 }
-
-TEST(PortTrouble, NamesTheProgramThatHoldsTheLine)
-{
-    Pty pty;
-    const std::string command = "sleep 5 < " + pty.Name() + " & echo $! > holder";
-    ASSERT_EQ(std::system(command.c_str()), 0);
-    const Deadline limit(2000);
-    while (PortTrouble(pty.Name()).find("sleep") == std::string::npos && !limit.Passed())
-        PumpEvents(10);
-    EXPECT_EQ(PortTrouble(pty.Name()), "In use by sleep: end that program.");
-    EXPECT_EQ(std::system("kill $(cat holder)"), 0);
-}

@@ -64,7 +64,7 @@ TEST_F(WiredRange, ResistanceIsAppliedWithFourWires)
     person->WaitsFor("cmdRepeat");
     ASSERT_TRUE(person->Runs());
     EXPECT_THAT(bench->log, IsSupersetOf({"cal OUT 200 OHM ; OPER ; *WAI", "cal ZCOMP WIRE4"}));
-    EXPECT_EQ(Text("lblRangeInput"), "Input 200 OHM");
+    EXPECT_EQ(Text("lblRangeInput"), "Input 200 Ohm");
 }
 
 TEST_F(WiredRange, FirstRoundTurnsTheInputOverTwice)

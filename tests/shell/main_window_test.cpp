@@ -106,6 +106,7 @@ TEST_F(MainWindow, TabsLookOffWhileTheyAreOff)
 {
     auto *strip = ScriptedOperator::Find("tabCalib");
     const auto ink = [strip] { return strip->palette().color(QPalette::WindowText); };
+    ShowTabsAllowed(true);
     const QColor on = ink();
     ShowTabsAllowed(false);
     EXPECT_GT(ink().lightness(), on.lightness() + 80);

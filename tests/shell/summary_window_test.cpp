@@ -30,6 +30,7 @@ protected:
 
 TEST_F(SummaryWindow, IsNotOfferedWithoutASource)
 {
+    SetSummarySource({});
     EXPECT_FALSE(ScriptedOperator::Sees("cmdSummary"));
     SetSummarySource([] { return std::string("text"); });
     EXPECT_TRUE(ScriptedOperator::IsEnabled("cmdSummary"));

@@ -116,11 +116,10 @@ private:
         for (; m_begin < m_begins.size() && m_begins[m_begin] <= start; ++m_begin)
             m_now = std::max(m_now, m_begins[m_begin]);
         for (; m_stop < m_stops.size() && m_stops[m_stop] < start; ++m_stop) {
-            // A click inside a reading lets it end and the pause after it; one inside the pause covers it.
-            const std::int64_t click = m_stops[m_stop];
-            m_now = click + kStop + (click < m_now ? kLivePause : 0) + kStop;
+            // The reading in work and the pause after it end inside the second that counts from the click.
+            m_now = m_stops[m_stop] + kStop;
             m_readBefore = false;
-            waits += 3;
+            ++waits;
         }
         return waits;
     }
