@@ -3,7 +3,10 @@
 #include "calibration/step_context.h"
 #include "calibration/step_state.h"
 #include "model/nominals.h"
+#include "model/range_tables.h"
 #include "platform/text.h"
+#include "session/journal.h"
+#include "session/state.h"
 
 #include <cmath>
 
@@ -13,6 +16,13 @@ namespace {
 float SizeOf(const std::string &reading)
 {
     return std::fabs(static_cast<float>(Val(reading)));
+}
+
+void RecordLearned(const JournalFields &what)
+{
+    JournalFields fields = {{"board", BoardName(SCType)}, {"word", HexText(step.StepNvmWord, 2)}};
+    fields.insert(fields.end(), what.begin(), what.end());
+    Record("learned", fields);
 }
 
 }  // namespace
@@ -31,6 +41,7 @@ void UpdateNominalSlope(float size)
     const float learned = (step.NominalSlope * 9.0f + shown) / 10.0f;
     if (learned == step.NominalSlope)
         return;
+    RecordLearned({{"slopeBefore", step.NominalSlope}, {"slope", learned}});
     step.NominalSlope = learned;
     SetNominalSlope(step.StepNvmWord, learned);
 }
@@ -42,8 +53,10 @@ void UpdateNominalWord()
     const auto newWord = static_cast<float>(HexWordToNumber(step.StepWordHex));
     const float value = (oldWord * 9.0f + newWord) / 10.0f;
     const std::string learned = HexText(RoundHalfEven(static_cast<double>(value)), 4);
-    if (learned != old)
-        SetNominalWord(step.StepNvmWord, learned);
+    if (learned == old)
+        return;
+    RecordLearned({{"nominalBefore", old}, {"nominal", learned}});
+    SetNominalWord(step.StepNvmWord, learned);
 }
 
 void UpdateNominalWordFor(int word, const std::string &hex, bool offset)

@@ -55,6 +55,7 @@ QWidget *BuildSimulationMark(QWidget *parent)
     auto *mark = new QHBoxLayout(shpSim);
     mark->setContentsMargins(8, 2, 8, 2);
     mark->addWidget(lblSim);
+    mark->addWidget(Label(shpSim, "lblSimulated", "SIMULATED"));
     OnDoubleClick(lblSim, lblSim_DoubleClick);
     auto *row = new QHBoxLayout(fraSim);
     row->setContentsMargins(0, 0, 0, 0);

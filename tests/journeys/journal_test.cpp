@@ -1,0 +1,163 @@
+// What a session leaves in the journal, and what the window shows of it.
+
+#include "session/journal.h"
+
+#include "session/journal_reader.h"
+#include "session/outlets.h"
+#include "shell/station.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <utility>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+constexpr int k2Volts = 4;  // position on the DC board
+
+std::vector<JournalEvent> EventsOf(const std::string &kind)
+{
+    std::vector<JournalEvent> found;
+    for (const JournalEvent &event : ReadJournal("."))
+        if (event.kind == kind)
+            found.push_back(event);
+    return found;
+}
+
+bool Flag(const JournalEvent &event, const std::string &name)
+{
+    const JournalValue *value = FieldOf(event, name);
+    return value != nullptr && std::get<bool>(value->is);
+}
+
+// What passed on both lines, and when.
+using Passed = std::vector<std::pair<std::int64_t, std::string>>;
+
+Passed Calibrated(bool recorded)
+{
+    UseJournal(recorded);
+    BenchStation station(Wiring{});
+    const std::int64_t start = NowMicros();
+    EXPECT_TRUE(station.Establishes());
+    EXPECT_TRUE(station.Calibrates(k2Volts, 2));
+    Passed passed;
+    for (const auto &line : station.bench.Transcript())
+        passed.emplace_back(line.time - start, line.text);
+    UseJournal(true);
+    return passed;
+}
+
+std::string MarkOf(int position)
+{
+    return ScriptedOperator::Text("lblStepMark(" + std::to_string(position) + ")");
+}
+
+}  // namespace
+
+TEST(JournalOfASession, HoldsTheVisitTheStepsTheRoundsAndWhatWasLearned)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    const int found = station.bench.Nvm()[32];
+    ASSERT_TRUE(station.Calibrates(k2Volts, 2));
+
+    const auto visits = EventsOf("visit");
+    ASSERT_EQ(visits.size(), 1U);
+    EXPECT_EQ(TextOf(visits[0], "meter"), "DPM");
+    EXPECT_EQ(TextOf(visits[0], "board"), "DC");
+    EXPECT_EQ(TextOf(visits[0], "route"), "COM1");
+    EXPECT_FALSE(Flag(visits[0], "simulated"));
+
+    const auto opened = EventsOf("step opened");
+    ASSERT_EQ(opened.size(), 2U) << "2 V, and the step that follows Accept";
+    EXPECT_EQ(TextOf(opened[0], "step"), "2 V");
+    EXPECT_EQ(std::stoi(TextOf(opened[0], "found"), nullptr, 16), found);
+    EXPECT_NE(visits[0].visit, "");
+    EXPECT_EQ(opened[0].visit, visits[0].visit);
+
+    const auto rounds = EventsOf("round");
+    ASSERT_EQ(rounds.size(), 2U);
+    EXPECT_TRUE(Flag(rounds[0], "asFound"));
+    EXPECT_FALSE(Flag(rounds[1], "asFound"));
+    EXPECT_EQ(TextOf(rounds[0], "wordBefore"), TextOf(opened[0], "found"));
+    EXPECT_EQ(TextOf(rounds[1], "wordBefore"), TextOf(rounds[0], "wordAfter"));
+    EXPECT_EQ(std::get<std::vector<std::string>>(FieldOf(rounds[0], "asked")->is),
+              (std::vector<std::string>{"2 V", "-2 V"}));
+    EXPECT_EQ(std::get<std::vector<std::string>>(FieldOf(rounds[0], "reported")->is),
+              (std::vector<std::string>{"2.0 V", "-2.0 V"}));
+
+    const auto ends = EventsOf("step ended");
+    ASSERT_EQ(ends.size(), 1U);
+    EXPECT_EQ(TextOf(ends[0], "how"), "accepted");
+    EXPECT_EQ(std::stoi(TextOf(ends[0], "stays"), nullptr, 16), station.bench.Nvm()[32]);
+    EXPECT_FALSE(EventsOf("learned").empty());
+}
+
+TEST(JournalOfASession, TellsAStopAndTheWordThatStays)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    station.person.Clicks(StepButton(k2Volts)).Clicks("cmdReady").WaitsFor("cmdRepeat").Clicks("cmdStopReset");
+    station.person.WaitsFor("cmdReady");
+    ASSERT_TRUE(station.person.Runs());
+    const auto ends = EventsOf("step ended");
+    ASSERT_EQ(ends.size(), 1U);
+    EXPECT_EQ(TextOf(ends[0], "how"), "stopped");
+    EXPECT_EQ(std::stoi(TextOf(ends[0], "stays"), nullptr, 16), station.bench.Nvm()[32]);
+    EXPECT_TRUE(EventsOf("learned").empty());
+}
+
+TEST(JournalOfASession, ChangesNothingOnTheWireNorItsTimes)
+{
+    const Passed recorded = Calibrated(true);
+    const Passed silent = Calibrated(false);
+    ASSERT_GT(recorded.size(), 40U);
+    EXPECT_EQ(recorded, silent);
+}
+
+TEST(JournalOfASession, TellsTheNextStartThatTheLastRunEndedWithoutGoodbye)
+{
+    namespace fs = std::filesystem;
+    const WorkFolder folder;
+    VirtualClock clock;
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "");
+    fs::copy("Journal", "as it was", fs::copy_options::recursive);
+    CloseStation();
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "") << "it ended cleanly";
+    CloseStation();
+    fs::remove_all("Journal");
+    fs::rename("as it was", "Journal");  // as a kill would have left it
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "The last run ended without goodbye");
+    CloseStation();
+}
+
+TEST(StepMarks, StandOnAcceptedStepsUntilTheirWordIsWrittenAgainOrAnotherMeterComes)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    EXPECT_EQ(MarkOf(k2Volts), "");
+    ASSERT_TRUE(station.Calibrates(k2Volts, 3));
+    EXPECT_THAT(MarkOf(k2Volts), testing::StartsWith("✓ "));
+    EXPECT_EQ(ScriptedOperator::Text(StepButton(k2Volts)), "2 V") << "the caption stays";
+    station.person.Clicks(StepButton(k2Volts)).Clicks("cmdReady").WaitsFor("cmdRepeat").Does([] {
+        EXPECT_EQ(MarkOf(k2Volts), "") << "a round has written its word";
+    });
+    station.person.Clicks("cmdAccept").WaitsUntil("the range is left", [] {
+        return ScriptedOperator::IsEnabled("cmdSetup");
+    });
+    ASSERT_TRUE(station.person.Runs());
+    EXPECT_THAT(MarkOf(k2Volts), testing::StartsWith("✓ "));
+    station.person.ClicksTab(0).WaitsUntil("the tab is read", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
+    ASSERT_TRUE(station.person.Runs());
+    EXPECT_EQ(MarkOf(k2Volts), "") << "no meter can tell its number: this may be another one";
+}
