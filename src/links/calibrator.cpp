@@ -208,7 +208,7 @@ std::string CheckCalibratorErrors()
 {
     const WaitNote note("Calibrator: waiting for reply");
     CalibratorAnswer answer = AskCalibrator(CalibratorQuestion::Errors);
-    const std::string first = answer.line.empty() ? answer.other : answer.line;
+    std::string first = answer.line.empty() ? answer.other : answer.line;
     if (IsError(first))
         outlets.showRemark("Calibrator: " + first);
     for (int reads = 1; IsError(answer.line) && !Abort && reads < kErrorReads; ++reads)

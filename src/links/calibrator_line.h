@@ -52,6 +52,6 @@ void BeginCalibratorOutput();
 
 /// Pure: what a line answers. ERR?: whole number, comma, text. OPER?: 0 or 1. OUT?: number, comma, a unit that the
 /// panel knows, whatever follows.
-bool IsAnswer(CalibratorQuestion question, std::string_view line);
+bool IsAnswer(CalibratorQuestion question, std::string_view text);
 
 }  // namespace ombrix

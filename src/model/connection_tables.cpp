@@ -96,8 +96,8 @@ std::string LcRangeName(int row)
 
 int JumperBlockOfBoard(int board)
 {
-    constexpr int blocks[kBoards] = {0, 1, 2, 3, 4, 1, 6, 7, 8, 5};
-    return board >= 0 && board < kBoards ? blocks[board] : -1;
+    constexpr int kBlocks[kBoards] = {0, 1, 2, 3, 4, 1, 6, 7, 8, 5};
+    return board >= 0 && board < kBoards ? kBlocks[board] : -1;
 }
 
 std::string RangeCaption(int board, int row)
@@ -194,7 +194,7 @@ std::string PinLabel(int kind, int place)
 {
     constexpr int kKinds = 11;
     constexpr int kPlaces = 6;
-    constexpr const char *labels[kKinds][kPlaces] = {
+    constexpr const char *kLabels[kKinds][kPlaces] = {
         {"", "", "", "", "", ""},                                            // 0
         {"", "", "", "", "", ""},                                            // 1
         {"", "", "3 - SIG", "4 + SIG", "", ""},                              // 2
@@ -208,7 +208,7 @@ std::string PinLabel(int kind, int place)
         {"1 - EXC", "2 + EXC", "3 - SIG", "4 + SIG", "", ""},                // 10
     };
     const bool known = kind >= 0 && kind < kKinds && place >= 0 && place < kPlaces;
-    return known ? labels[kind][place] : "";
+    return known ? kLabels[kind][place] : "";
 }
 
 Cable Ac3Cable(int row)

@@ -29,7 +29,7 @@ std::string TakeField(std::string_view &line)
     const bool quoted = start != std::string_view::npos && line[start] == '"';
     const std::size_t quote = quoted ? line.find('"', start + 1) : std::string_view::npos;
     const std::size_t comma = line.find(',', quote == std::string_view::npos ? 0 : quote);
-    const std::string field = WithoutQuotes(Trim(line.substr(0, comma)));
+    std::string field = WithoutQuotes(Trim(line.substr(0, comma)));
     line.remove_prefix(comma == std::string_view::npos ? line.size() : comma + 1);
     return field;
 }

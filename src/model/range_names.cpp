@@ -159,17 +159,17 @@ std::string DescribeRangeCode(int board, const std::string &code)
 
 std::string RtdSimValue(int index)
 {
-    constexpr const char *values[] = {"0 V",         "387.55 OHM",  "387.55 OHM", "391.391 OHM", "391.391 OHM",
-                                      "366.531 OHM", "366.531 OHM", "18.72 OHM",  "18.72 OHM",   "20 OHM",
-                                      "200 OHM",     "2 KOHM",      "20 KOHM",    "100 KOHM"};
-    return index >= 0 && index < static_cast<int>(std::size(values)) ? values[index] : values[0];
+    constexpr const char *kValues[] = {"0 V",         "387.55 OHM",  "387.55 OHM", "391.391 OHM", "391.391 OHM",
+                                       "366.531 OHM", "366.531 OHM", "18.72 OHM",  "18.72 OHM",   "20 OHM",
+                                       "200 OHM",     "2 KOHM",      "20 KOHM",    "100 KOHM"};
+    return index >= 0 && index < static_cast<int>(std::size(kValues)) ? kValues[index] : kValues[0];
 }
 
 std::string RtdSimTemperature(int index)
 {
-    constexpr const char *temperatures[] = {"0.0",   "1544.0", "840.0", "1544.0", "840.0",
-                                            "482.0", "250.0",  "482.0", "250.0"};
-    return index >= 0 && index < static_cast<int>(std::size(temperatures)) ? temperatures[index] : temperatures[0];
+    constexpr const char *kTemperatures[] = {"0.0",   "1544.0", "840.0", "1544.0", "840.0",
+                                             "482.0", "250.0",  "482.0", "250.0"};
+    return index >= 0 && index < static_cast<int>(std::size(kTemperatures)) ? kTemperatures[index] : kTemperatures[0];
 }
 
 std::string ValueAsWritten(const std::string &value)

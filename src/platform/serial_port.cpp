@@ -88,7 +88,7 @@ public:
     // The toolkit's buffer takes what has come only when events are delivered: until then the system holds it.
     std::string Drop() override
     {
-        const std::string dropped = ReadAll();
+        std::string dropped = ReadAll();
         if (m_port.isOpen())
             m_port.clear(QSerialPort::Input);
         return dropped;

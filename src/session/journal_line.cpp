@@ -155,8 +155,8 @@ std::optional<JournalValue> ValueOf(const QJsonValue &json)
 
 bool HoldsTexts(const QJsonObject &object)
 {
-    constexpr std::array<const char *, 7> names = {"id", "utc", "station", "version", "visit", "kind", "prev"};
-    return std::all_of(names.begin(), names.end(), [&](const char *name) { return object[name].isString(); });
+    constexpr std::array<const char *, 7> kNames = {"id", "utc", "station", "version", "visit", "kind", "prev"};
+    return std::all_of(kNames.begin(), kNames.end(), [&](const char *name) { return object[name].isString(); });
 }
 
 }  // namespace

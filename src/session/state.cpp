@@ -70,7 +70,7 @@ void InitSessionState()
 namespace {
 
 // The start values stand once, above; they are there before main too.
-[[maybe_unused]] const bool startValuesSet = (InitSessionState(), true);
+[[maybe_unused]] const bool kStartValuesSet = (InitSessionState(), true);
 
 }  // namespace
 

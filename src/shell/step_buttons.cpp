@@ -83,7 +83,7 @@ std::string RangeProgress()
 {
     int ranges = 0;
     int now = 0;
-    for (int position = 0; position <= LastCalPosition; position++) {
+    for (int position = 0; position < kPositions; position++) {
         if (NvmWordAtPosition(position) <= 0)
             continue;
         ++ranges;
@@ -117,7 +117,7 @@ QWidget *BuildStepButtons(QWidget *parent)
         QPushButton *button = Button(column, Indexed("cmdCalib", position), "", [position] { ClickStep(position); });
         button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
         button->setMinimumHeight(button->fontMetrics().height() + 4);
-        button->setFixedWidth(button->fontMetrics().horizontalAdvance("Current Offset ✓ -88") + 28);
+        button->setFixedWidth(button->fontMetrics().horizontalAdvance("REF (200 mV)  ✓ -88") + 40);
         layout->addWidget(button);
         cmdCalib[position] = button;
         lblStepMark[position] = BuildMark(button, position);

@@ -1,8 +1,8 @@
 #include "shell/quit.h"
 
 #include "platform/fault.h"
-#include "session/procedure.h"
 #include "platform/text.h"
+#include "session/procedure.h"
 #include "shell/quit_fixture.h"
 
 using namespace ombrix;
