@@ -16,8 +16,8 @@ constexpr int kJunkBytes = 4;
 struct Known {
     std::string_view name;
     std::string_view what;
-    std::string_view unit = "";  // of its parameter
-    int parameter = 0;           // when none is told; 0: it takes none
+    std::string_view unit{};  // of its parameter
+    int parameter = 0;        // when none is told; 0: it takes none
 };
 
 // In the order of Fault.
@@ -100,6 +100,7 @@ Faults::Faults(unsigned seed) : m_dice(seed + kFaultStream) {}
 std::vector<std::string> Faults::Names()
 {
     std::vector<std::string> names;
+    names.reserve(kKnown.size());
     for (const Known &known : kKnown)
         names.emplace_back(known.name);
     return names;

@@ -142,7 +142,7 @@ KeyFilter HexKeys()
 {
     return [](char key, const std::string &) {
         const auto byte = static_cast<unsigned char>(key);
-        return std::isxdigit(byte) ? static_cast<char>(std::toupper(byte)) : '\0';
+        return std::isxdigit(byte) != 0 ? static_cast<char>(std::toupper(byte)) : '\0';
     };
 }
 
