@@ -1,4 +1,4 @@
-// Clicks and keys at every moment of a calibration, on real lines.
+// Clicks and keys at every moment of a calibration, on the bench.
 #include "procedures/range_page_fixture.h"
 
 #include "links/calibrator.h"
@@ -24,10 +24,13 @@ protected:
     {
         slopeBefore = NominalSlopeOf(kDc, 32);
         nominalBefore = static_cast<float>(HexValue(NominalWordOf(kDc, 32)));
+        ShowsAFirstRound();
         return Calibrates()
-            .Does([this] { bench->drift = 300; })
+            .Does([this] { bench->ShowNext({" 80300."}); })
             .WaitsUntil("the reading drifts", [] { return Cell(0, 5) == "+80300\n-80000"; })
             .Clicks("cmdRepeat")
+            .WaitsUntil("round 2 begins", Begins(2))
+            .Does([this] { bench->ShowNext({}); })
             .WaitsUntil("round 2 is watched", Watches(2))
             .Does([] {
                 ASSERT_EQ(Cell(0, 4), "8A01");
@@ -44,7 +47,7 @@ protected:
     /// Word and reading of row 1, both: neither goes with the other row's.
     void LearnedFromRowOne() const
     {
-        EXPECT_EQ(bench->words[32], 0x8A01);
+        EXPECT_EQ(WordOf(32), 0x8A01);
         const float nominal = (nominalBefore * 9.0f + 0x8A01) / 10.0f;
         EXPECT_EQ(NominalWordOf(kDc, 32), HexText(RoundHalfEven(static_cast<double>(nominal)), 4));
         const float shown = (0x8A01 - 0x8948) / (80150.0f - 79944.0f);
@@ -71,7 +74,7 @@ TEST_F(TwoRounds, ClickWhileTheAcceptedWordIsWrittenIsTooLate)
         .ClicksCell("msgCalibGrid", 0, 1)
         .WaitsUntil("row 1 is chosen", Chosen(0))
         .Clicks("cmdAccept")
-        .WaitsUntil("its word is written", [this] { return bench->words[32] == 0x8A01; })
+        .WaitsUntil("its word is written", [this] { return WordOf(32) == 0x8A01; })
         .ClicksCell("msgCalibGrid", 1, 1)
         .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
@@ -82,7 +85,7 @@ TEST_F(TwoRounds, ClickWhileTheInputIsRemovedStillChooses)
 {
     WatchesTwo()
         .Clicks("cmdAccept")
-        .WaitsUntil("the input goes", [this] { return !bench->operating; })
+        .WaitsUntil("the input goes", [this] { return !Operates(); })
         .ClicksCell("msgCalibGrid", 0, 1)
         .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
@@ -94,7 +97,7 @@ TEST_F(TwoRounds, LastOfTwoClicksInsideASecondChooses)
     WatchesTwo()
         .ClicksCell("msgCalibGrid", 0, 1)
         .ClicksCell("msgCalibGrid", 1, 1)
-        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
+        .WaitsUntil("the live reading ends", IsFrozen())
         .Waits(2500)
         .Does([] {
             EXPECT_EQ(Colour(0, 1), "");
@@ -128,10 +131,11 @@ TEST_F(TwoRounds, RepeatInsideTheSecondOfAClickStartsARound)
 TEST_F(TwoRounds, ClickInTheFirstIsForgottenInTheNext)
 {
     std::string last;
+    ShowsAFirstRound();
     Calibrates()
         .ClicksCell("msgCalibGrid", 0, 1)
-        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
-        .Does([this] { bench->goodWord = 0x8000; })
+        .WaitsUntil("the live reading ends", IsFrozen())
+        .Does([this] { bench->ShowNext({}); })
         .Clicks("cmdRepeat")
         .WaitsUntil("round 2 is watched", Watches(2))
         .Clicks("cmdRepeat")
@@ -143,14 +147,14 @@ TEST_F(TwoRounds, ClickInTheFirstIsForgottenInTheNext)
         .Clicks("cmdAccept")
         .WaitsUntil("the next step is open", StandsAt(5));
     ASSERT_TRUE(person->Runs());
-    EXPECT_EQ(HexText(bench->words[32], 4), last);
+    EXPECT_EQ(HexText(WordOf(32), 4), last);
 }
 
 TEST_F(TwoRounds, ClickWhileARoundRunsChoosesAtOnceAndDoesNotDisturbIt)
 {
     WatchesTwo()
         .Clicks("cmdRepeat")
-        .WaitsUntil("round 3 begins", [] { return Rows() == 3; })
+        .WaitsUntil("round 3 begins", Begins(3))
         .ClicksCell("msgCalibGrid", 0, 1)
         .Does([] {
             EXPECT_EQ(Colour(0, 1), kCyan);
@@ -159,7 +163,7 @@ TEST_F(TwoRounds, ClickWhileARoundRunsChoosesAtOnceAndDoesNotDisturbIt)
         .WaitsUntil("round 3 is watched", Watches(3))
         .Does([this] {
             EXPECT_EQ(Colour(0, 1), kCyan);
-            EXPECT_EQ(Cell(2, 4), HexText(bench->words[32], 4));
+            EXPECT_EQ(Cell(2, 4), HexText(WordOf(32), 4));
             EXPECT_EQ(Cell(0, 4), "8A01");
         });
     EXPECT_TRUE(person->Runs());
@@ -172,15 +176,15 @@ TEST_F(WiredRange, ReadyStartsAtThePlusSideWhereverTheLastRoundEnded)
     Calibrates()
         .Clicks("cmdRepeat")
         .WaitsUntil("round 2 is watched", Watches(2))
-        .Does([this] { EXPECT_EQ(bench->output, "-2 V"); })
+        .Does([this] { EXPECT_EQ(Output(), "-2 V"); })
         .Clicks("cmdStopReset")
         .WaitsFor("cmdReady")
-        .Does([this] { bench->log.clear(); })
+        .Does([this] { Forget(); })
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")
         .Does([this] {
-            EXPECT_EQ(bench->log[1], "cal OUT 2 V ; OPER ; *WAI");
-            EXPECT_EQ(Cell(0, 2), "+80000\n-80000");
+            EXPECT_EQ(Said().at(1), "OUT 2 V ; OPER ; *WAI");
+            EXPECT_THAT(Cell(0, 2), testing::MatchesRegex("\\+[0-9]+\n-[0-9]+"));
         });
     EXPECT_TRUE(person->Runs());
 }
@@ -197,7 +201,7 @@ TEST_F(WiredRange, AnAcceptedCalibrationDoesNotAcceptTheNext)
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")
         .ClicksCell("msgCalibGrid", 0, 1)
-        .WaitsUntil("the live reading ends", [] { return !StopArmed; })
+        .WaitsUntil("the live reading ends", IsFrozen())
         .Waits(10'000)
         .Does([] {
             EXPECT_EQ(Rows(), 1);
@@ -210,9 +214,9 @@ TEST_F(WiredRange, ReadyOfTheStepBeforeIsOffWhileTheNextOneIsOpened)
 {
     UseSwitch = true;
     Opens()
-        .Does([this] { bench->log.clear(); })
+        .Does([this] { Forget(); })
         .Clicks(StepButton(8))  // 2 mA
-        .WaitsUntil("the switch turns", [this] { return !bench->log.empty(); })
+        .WaitsUntil("the switch turns", [this] { return !Said().empty(); })
         .Does([] { EXPECT_FALSE(IsEnabled("cmdReady")); })
         .WaitsForText("lblRangeStep", "2 mA")
         .WaitsFor("cmdReady");
@@ -230,7 +234,7 @@ TEST_F(WiredRange, InsideTheSecondOfResetNothingElseCanBeAskedFor)
     person->WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(Rows(), 0);
-    EXPECT_FALSE(bench->operating);
+    EXPECT_FALSE(Operates());
 }
 
 TEST_F(WiredRange, ResetInsideTheSecondOfAcceptLearnsNothing)
@@ -249,7 +253,7 @@ TEST_F(WiredRange, EscapeInsideTheSecondOfAcceptLearnsNothing)
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(CurrentStepButton, 4);
     EXPECT_EQ(NominalWordOf(kDc, 32), nominal);
-    EXPECT_FALSE(bench->operating);
+    EXPECT_FALSE(Operates());
 }
 
 TEST_F(WiredRange, EscapeWhileTheReadingIsFollowedEndsTheFollowingAlone)
@@ -257,7 +261,7 @@ TEST_F(WiredRange, EscapeWhileTheReadingIsFollowedEndsTheFollowingAlone)
     Calibrates().Presses(Qt::Key_Escape).Presses(Qt::Key_Escape).Waits(60'000).Presses(Qt::Key_Escape).Does([this] {
         EXPECT_EQ(Rows(), 1);
         EXPECT_TRUE(IsEnabled("cmdAccept"));
-        EXPECT_TRUE(bench->operating);
+        EXPECT_TRUE(Operates());
     });
     person->Clicks("cmdAccept").WaitsUntil("the next step is open", StandsAt(5));
     EXPECT_TRUE(person->Runs());
@@ -267,11 +271,11 @@ TEST_F(WiredRange, EscapeAgainWhileTheInputIsRemovedLeavesTheCalibratorInStandby
 {
     Calibrates()
         .Clicks("cmdStopReset")
-        .WaitsUntil("the input goes", [this] { return !bench->operating; })
+        .WaitsUntil("the input goes", [this] { return !Operates(); })
         .Presses(Qt::Key_Escape)
         .WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
-    EXPECT_FALSE(bench->operating);
+    EXPECT_FALSE(Operates());
     EXPECT_FALSE(CalStandbyFlag) << "it was not confirmed, so the next removal speaks again";
     EXPECT_TRUE(IsEnabled("cmdSetup"));
     Opens().Clicks("cmdReady").WaitsFor("cmdRepeat");
@@ -289,15 +293,15 @@ TEST_F(WiredRange, StopAtAnyMomentGivesThePageBack)
         bool watched = false;
         for (int ms = 0; !watched; ms += 130) {
             SCOPED_TRACE((byKey ? "Esc after " : "Stop after ") + std::to_string(ms));
-            bench->log.clear();
-            person->Clicks("cmdReady").Waits(ms).Does([&watched] { watched = StopArmed; });
+            Forget();
+            person->Clicks("cmdReady").Waits(ms).Does([&watched] { watched = IsEnabled("cmdRepeat"); });
             person->Does([this, byKey, &watched] {  // what is only followed, Esc leaves as it is
                 byKey && !watched ? person->Presses(Qt::Key_Escape) : person->Clicks("cmdStopReset");
                 person->WaitsFor("cmdReady");
             });
             ASSERT_TRUE(person->Runs());
             EXPECT_EQ(Rows(), 0);
-            EXPECT_FALSE(bench->operating);
+            EXPECT_FALSE(Operates());
             EXPECT_TRUE(CalStandbyFlag);
             EXPECT_EQ(Text("cmdStopReset"), "Stop");
             EXPECT_FALSE(IsEnabled("cmdStopReset"));
@@ -307,7 +311,7 @@ TEST_F(WiredRange, StopAtAnyMomentGivesThePageBack)
             EXPECT_TRUE(IsEnabled("cmdSetup"));
             EXPECT_FALSE(StopArmed);
             EXPECT_FALSE(Abort);
-            EXPECT_EQ(HexText(bench->words[32], 4), GetStepWordHex()) << "the page knows the word in the meter";
+            EXPECT_EQ(HexText(WordOf(32), 4), GetStepWordHex()) << "the page knows the word in the meter";
             EXPECT_EQ(NominalWordOf(kDc, 32), nominal);
         }
     }
@@ -324,22 +328,22 @@ TEST_F(WiredRange, SilenceAtAnyReadingOfARoundIsWaitedOutUntilStop)
             if ((outputs == 1 && written) || (outputs == 3 && !written))
                 continue;
             SCOPED_TRACE("after output " + std::to_string(outputs) + (written ? ", word written" : ""));
-            bench->displaySilent = false;
-            bench->words[32] = 0x8948;
-            bench->log.clear();
+            bench->SwitchFault("silent-meter", false);
+            bench->SetWord(32, 0x8948);
+            Forget();
             const auto said = [this](const char *start) {
-                return std::count_if(bench->log.begin(), bench->log.end(),
+                const std::vector<std::string> all = Said();
+                return std::count_if(all.begin(), all.end(),
                                      [start](const std::string &line) { return line.starts_with(start); });
             };
-            const std::string read = "meter 1B1";
+            const std::string read = "*1B1";
             person->Clicks("cmdReady")
-                .WaitsUntil(
-                    "it goes silent",
-                    [=, this] { return said("cal OUT ") == outputs && said("meter 1W120") == (written ? 1 : 0); })
-                .Does([this] { bench->displaySilent = true; })
+                .WaitsUntil("it goes silent",
+                            [=, this] { return said("OUT ") == outputs && said("*1W120") == (written ? 1 : 0); })
+                .Does([this] { bench->SwitchFault("silent-meter", true); })
                 .Waits(60'000)
                 .Does([&] {
-                    EXPECT_EQ(bench->log.back(), read) << "it is still asked";
+                    EXPECT_EQ(Said().back(), read) << "it is still asked";
                     EXPECT_FALSE(IsEnabled("cmdAccept"));
                     EXPECT_EQ(Text("cmdStopReset"), "Stop");
                 })
@@ -347,8 +351,8 @@ TEST_F(WiredRange, SilenceAtAnyReadingOfARoundIsWaitedOutUntilStop)
                 .WaitsFor("cmdReady");
             ASSERT_TRUE(person->Runs());
             EXPECT_EQ(Rows(), 0);
-            EXPECT_FALSE(bench->operating);
-            EXPECT_EQ(said("meter 1W120"), written ? 1 : 0);
+            EXPECT_FALSE(Operates());
+            EXPECT_EQ(said("*1W120"), written ? 1 : 0);
         }
     }
 }

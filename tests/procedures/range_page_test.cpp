@@ -307,7 +307,7 @@ TEST_F(SimulatedRange, LiveReadingStandsWhereItIs)
     std::string shown;
     Calibrates(4).Does([&shown] { shown = Cell(0, 5); }).Waits(10'000).Does([&shown] {
         EXPECT_EQ(Cell(0, 5), shown);
-        EXPECT_TRUE(StopArmed);
+        EXPECT_EQ(Mark(), "live");
     });
     EXPECT_TRUE(person->Runs());
 }
