@@ -97,7 +97,7 @@ TEST_F(TwoRounds, LastOfTwoClicksInsideASecondChooses)
     WatchesTwo()
         .ClicksCell("msgCalibGrid", 0, 1)
         .ClicksCell("msgCalibGrid", 1, 1)
-        .WaitsUntil("the live reading ends", IsFrozen())
+        .WaitsUntil("the live reading ends", IsMarked("frozen"))
         .Waits(2500)
         .Does([] {
             EXPECT_EQ(Colour(0, 1), "");
@@ -134,7 +134,7 @@ TEST_F(TwoRounds, ClickInTheFirstIsForgottenInTheNext)
     ShowsAFirstRound();
     Calibrates()
         .ClicksCell("msgCalibGrid", 0, 1)
-        .WaitsUntil("the live reading ends", IsFrozen())
+        .WaitsUntil("the live reading ends", IsMarked("frozen"))
         .Does([this] { bench->ShowNext({}); })
         .Clicks("cmdRepeat")
         .WaitsUntil("round 2 is watched", Watches(2))
@@ -183,7 +183,7 @@ TEST_F(WiredRange, ReadyStartsAtThePlusSideWhereverTheLastRoundEnded)
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")
         .Does([this] {
-            EXPECT_EQ(Said().at(1), "OUT 2 V ; OPER ; *WAI");
+            EXPECT_EQ(ToCalibrator().at(1), "OUT 2 V ; OPER ; *WAI");
             EXPECT_THAT(Cell(0, 2), testing::MatchesRegex("\\+[0-9]+\n-[0-9]+"));
         });
     EXPECT_TRUE(person->Runs());
@@ -201,7 +201,7 @@ TEST_F(WiredRange, AnAcceptedCalibrationDoesNotAcceptTheNext)
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")
         .ClicksCell("msgCalibGrid", 0, 1)
-        .WaitsUntil("the live reading ends", IsFrozen())
+        .WaitsUntil("the live reading ends", IsMarked("frozen"))
         .Waits(10'000)
         .Does([] {
             EXPECT_EQ(Rows(), 1);

@@ -17,47 +17,50 @@
 
 namespace ombrix::test {
 
-/// What stands on the range page, for a base of page tests.
-template <class Page> class RangePageOn : public Page
+// ---- what stands on the page ----
+
+/// Background of a cell, "" the palette's own.
+inline std::string Colour(int row, int column)
 {
-protected:
-    static QTableWidget *TheGrid() { return qobject_cast<QTableWidget *>(ScriptedOperator::Find("msgCalibGrid")); }
-    /// Of a cell's background, "" the palette's own.
-    static std::string Colour(int row, int column)
-    {
-        const QBrush brush = TheGrid()->item(row, column)->background();
-        return brush.style() == Qt::NoBrush ? "" : brush.color().name().toStdString();
-    }
-    static std::string Cell(int row, int column) { return ScriptedOperator::Cell("msgCalibGrid", row, column); }
-    static int Rows() { return ScriptedOperator::Rows("msgCalibGrid"); }
-    /// Beside the number to watch: "live", "frozen", "silent".
-    static std::string Mark() { return ScriptedOperator::Text("lblNewReadingMark"); }
+    const auto *grid = qobject_cast<QTableWidget *>(ScriptedOperator::Find("msgCalibGrid"));
+    const QBrush brush = grid->item(row, column)->background();
+    return brush.style() == Qt::NoBrush ? "" : brush.color().name().toStdString();
+}
+inline std::string Cell(int row, int column)
+{
+    return ScriptedOperator::Cell("msgCalibGrid", row, column);
+}
+inline int Rows()
+{
+    return ScriptedOperator::Rows("msgCalibGrid");
+}
+/// Beside the number to watch: "live", "frozen", "silent".
+inline std::string Mark()
+{
+    return ScriptedOperator::Text("lblNewReadingMark");
+}
 
-    /// What a script waits for: a round that is shown live.
-    static std::function<bool()> Watches(int round)
-    {
-        return [round] { return Rows() == round && ScriptedOperator::IsEnabled("cmdRepeat") && Mark() == "live"; };
-    }
-    static std::function<bool()> Begins(int round)
-    {
-        return [round] { return Rows() == round; };
-    }
-    static std::function<bool()> IsFrozen()
-    {
-        return [] { return Mark() == "frozen"; };
-    }
+// ---- what a script waits for ----
 
-    ScriptedOperator &OpensStep(int position)
-    {
-        return this->person->Clicks(StepButton(position)).WaitsFor("cmdReady");
-    }
-};
+inline std::function<bool()> Begins(int round)
+{
+    return [round] { return Rows() == round; };
+}
+/// A round that is shown live.
+inline std::function<bool()> Watches(int round)
+{
+    return [round] { return Rows() == round && ScriptedOperator::IsEnabled("cmdRepeat") && Mark() == "live"; };
+}
+inline std::function<bool()> IsMarked(const std::string &mark)
+{
+    return [mark] { return Mark() == mark; };
+}
 
 /// In simulation.
-class SimulatedRange : public RangePageOn<SimulatedPage>
+class SimulatedRange : public SimulatedPage
 {
 protected:
-    ScriptedOperator &Opens(int position) { return OpensStep(position); }
+    ScriptedOperator &Opens(int position) { return person->Clicks(StepButton(position)).WaitsFor("cmdReady"); }
 
     /// Opens the step of a DC meter and lets one round pass.
     ScriptedOperator &Calibrates(int position)
@@ -67,8 +70,8 @@ protected:
     }
 };
 
-/// On the bench, with a DC meter.
-class WiredRange : public RangePageOn<WiredPage>
+/// On the bench, with a DC meter at first.
+class WiredRange : public WiredPage
 {
 protected:
     void SetUp() override
@@ -78,9 +81,9 @@ protected:
         Establishes();
     }
 
-    /// The 2 V range.
-    ScriptedOperator &Opens() { return OpensStep(4); }
-    ScriptedOperator &Calibrates() { return Opens().Clicks("cmdReady").WaitsFor("cmdRepeat"); }
+    /// The 2 V range when nothing else is told.
+    ScriptedOperator &Opens(int position = 4) { return person->Clicks(StepButton(position)).WaitsFor("cmdReady"); }
+    ScriptedOperator &Calibrates(int position = 4) { return Opens(position).Clicks("cmdReady").WaitsFor("cmdRepeat"); }
 
     /// The next readings, each until it has settled; the last one stays.
     void Shows(const std::vector<std::string> &readings)

@@ -316,9 +316,7 @@ TEST_F(SimulatedRange, InManualModeTheOperatorAppliesEachPolarity)
 {
     std::vector<std::string> asked;
     person->onBox = [&asked](const std::string &, const std::string &text) { asked.push_back(text); };
-    person->DoubleClicks("lblCalOut").Clicks("optManual").Clicks("cmdEstablish").WaitsUntil("it is established", [] {
-        return Established;
-    });
+    person->DoubleClicks("lblCalOut").Clicks("optManual").Clicks("cmdEstablish").WaitsFor("cmdSetup");
     Opens(4)
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")

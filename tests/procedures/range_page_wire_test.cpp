@@ -61,10 +61,9 @@ TEST_F(WiredRange, ResistanceIsAppliedWithFourWires)
 {
     Stands({.board = bench::board::kRtd});
     Establishes();
-    OpensStep(5).Clicks("cmdReady");
-    person->WaitsFor("cmdRepeat");
+    Calibrates(5);
     ASSERT_TRUE(person->Runs());
-    EXPECT_THAT(Said(), IsSupersetOf({"OUT 200 OHM ; OPER ; *WAI", "ZCOMP WIRE4"}));
+    EXPECT_THAT(ToCalibrator(), IsSupersetOf({"OUT 200 OHM ; OPER ; *WAI", "ZCOMP WIRE4"}));
     EXPECT_EQ(bench->CalibratorNow().sensing, "WIRE4");
     EXPECT_EQ(Text("lblRangeInput"), "Input 200 Ohm");
 }
@@ -305,8 +304,8 @@ TEST_F(WiredRange, AfterAStopNoFurtherInputIsApplied)
         .Clicks("cmdStopReset")
         .WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
-    EXPECT_THAT(Said(), Not(Contains("OUT -2 V ; OPER ; *WAI")));
-    EXPECT_THAT(Said(), Not(Contains(testing::StartsWith("*1W120"))));
+    EXPECT_THAT(ToCalibrator(), Not(Contains("OUT -2 V ; OPER ; *WAI")));
+    EXPECT_THAT(ToMeter(), Not(Contains(testing::StartsWith("*1W120"))));
     EXPECT_EQ(Said().back(), "OUT?");
 }
 
@@ -319,7 +318,7 @@ TEST_F(WiredRange, AfterAStopTheMeterIsAskedNothingMore)
         .Clicks("cmdStopReset")
         .WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
-    EXPECT_THAT(Said(), Not(Contains(testing::StartsWith("*1"))));
+    EXPECT_THAT(ToMeter(), testing::IsEmpty());
     EXPECT_FALSE(Operates());
 }
 
@@ -346,7 +345,7 @@ TEST_F(WiredRange, SilenceInTheLiveReadingLeavesTheButtons)
     ShowsAFirstRound();
     Calibrates()
         .Does([this] { bench->SwitchFault("silent-meter", true); })
-        .WaitsUntil("the live reading ends", [] { return Mark() == "silent"; })
+        .WaitsUntil("the live reading ends", IsMarked("silent"))
         .Waits(30'000)
         .Does([] {
             EXPECT_EQ(Cell(0, 5), "+80000\n-80000");
@@ -383,14 +382,15 @@ TEST_F(WiredRange, SilenceInARoundIsWaitedOutUntilStop)
 
 TEST_F(WiredRange, SilenceOnAPlainStepIsNoReadingEither)
 {
-    OpensStep(2).Does([this] {
+    Opens(2).Does([this] {
         bench->SetWord(26, 0x1234);
         bench->SwitchFault("silent-meter", true);
     });
     person->Clicks("cmdReady").Waits(60'000).Clicks("cmdStopReset").WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(WordOf(26), 0x1234);
-    EXPECT_THAT(Said(), Not(Contains(testing::StartsWith("*1W11A"))));
+    EXPECT_THAT(ToMeter(), Contains("*1B1"));
+    EXPECT_THAT(ToMeter(), Not(Contains(testing::StartsWith("*1W11A"))));
 }
 
 TEST_F(WiredRange, GarbageOnTheDisplayIsReadAgain)
@@ -433,8 +433,8 @@ TEST_F(WiredRange, QuitInTheMiddlePutsTheCalibratorInStandbyAndWritesNoWord)
     EXPECT_TRUE(Quitting);
     EXPECT_FALSE(Operates());
     EXPECT_EQ(WordOf(32), 0x8948);
-    EXPECT_THAT(Said(), Contains("OUT 0 V, 0 Hz ; STBY ; *WAI").Times(1));
-    EXPECT_THAT(Said(), Not(Contains(testing::StartsWith("*1W120"))));
+    EXPECT_THAT(ToCalibrator(), Contains("OUT 0 V, 0 Hz ; STBY ; *WAI").Times(1));
+    EXPECT_THAT(ToMeter(), Not(Contains(testing::StartsWith("*1W120"))));
     EXPECT_FALSE(ProcedureRunning());
 }
 
