@@ -52,6 +52,7 @@ Program::Program(const std::vector<std::string> &command, const std::string &fol
                  const std::vector<std::string> &variables)
 {
     std::vector<char *> words;
+    words.reserve(command.size() + 1);
     for (const std::string &word : command)
         words.push_back(const_cast<char *>(word.c_str()));
     words.push_back(nullptr);
