@@ -130,6 +130,7 @@ void BlankSteps()
     CurrentStepButton = -1;
     for (int position = 0; position < kPositions; position++) {
         cmdCalib[position]->setText("");
+        cmdCalib[position]->setFlat(true);
         cmdCalib[position]->setEnabled(false);
         Colour(position, ButtonFace());
     }
