@@ -281,15 +281,18 @@ void ShowNoReading(Following ended)
                              true});
 }
 
+// Of both polarities, or of the only one.
+std::vector<std::string> OfUse(const std::array<std::string, 2> &pair)
+{
+    return page.turnover ? std::vector{pair[0], pair[1]} : std::vector{pair[0]};
+}
+
 void RecordRoundInWork()
 {
     const Round &round = page.rounds.back();
-    const auto texts = [](const std::array<std::string, 2> &pair) {
-        return page.turnover ? std::vector{pair[0], pair[1]} : std::vector{pair[0]};
-    };
     RecordRound(page.position,
-                {static_cast<int>(page.rounds.size()), texts(page.value), texts(page.reported), texts(round.before),
-                 round.wordBefore, round.word, GetCorrectionLimited(), texts(round.reading), round.error});
+                {static_cast<int>(page.rounds.size()), OfUse(page.value), OfUse(page.reported), OfUse(round.before),
+                 round.wordBefore, round.word, GetCorrectionLimited(), OfUse(round.reading), round.error});
 }
 
 // Shows the reading as it goes on until a click. The simulated meter isn't asked again: its reading stands.
@@ -354,7 +357,7 @@ void RecordEnd(const std::string &how, const Round &round)
     end.how = how;
     end.word = page.word;
     if (how == "accepted")
-        end.reading = page.turnover ? std::vector{round.reading[0], round.reading[1]} : std::vector{round.reading[0]};
+        end.reading = OfUse(round.reading);
     end.error = round.error;
     RecordStepEnded(page.position, end);
 }

@@ -123,10 +123,9 @@ void CloseStation()
     CloseLinks();
     StopFollowingSteps();
     EndJournal();
-    frameHooks = FrameHooks();
+    frameHooks = FrameHooks();  // before the window that they reach
     DestroyMainWindow();
     outlets = Outlets();
-    frameHooks = FrameHooks();
     FaultOutlet = [](const std::string &) {};
     CloseHandlers(false);
 }
