@@ -12,9 +12,11 @@ struct JournalWrites {
     int syncs = 0;  ///< of the other process meanwhile
 };
 
-/// Records some 20,000 events in `folder` while another process writes and syncs a file there, in about 20 s. Throws
-/// std::runtime_error when not all of them are on file, or when nothing was synced.
-JournalWrites RecordOnABusyDisk(const std::string &folder);
+enum class Disk { Busy, Quiet };
+
+/// Records 10,000 events in `folder` in about 10 s; on a busy disk while another process writes and syncs a file there.
+/// Throws std::runtime_error when not all of them are on file, or when nothing was synced.
+JournalWrites RecordBeside(Disk disk, const std::string &folder);
 
 /// That other process: writes and syncs the file until it is ended. Returns when it can't.
 void KeepSyncing(const std::string &path);

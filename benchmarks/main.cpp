@@ -134,11 +134,13 @@ void MeasureSimulatedRun()
 
 void MeasureJournal(const StationFolder &folder)
 {
-    const JournalWrites writes = RecordOnABusyDisk(folder.Path().string());
-    Row("syncs of the disk by another process meanwhile", writes.syncs, "");
-    Row("an event recorded, median", writes.medianMs, "ms");
-    Row("  99 of 100 within", writes.p99Ms, "ms", writes.p99Ms < 0.1, "< 0.1");
-    Row("  all within", writes.maxMs, "ms");
+    const JournalWrites quiet = RecordBeside(Disk::Quiet, folder.Path().string());
+    Row("an event recorded, 99 of 100 within", quiet.p99Ms, "ms");
+    const JournalWrites busy = RecordBeside(Disk::Busy, folder.Path().string());
+    Row("  while another process syncs the disk, median", busy.medianMs, "ms");
+    Row("  99 of 100 within", busy.p99Ms, "ms", busy.p99Ms < 0.1, "< 0.1");
+    Row("  all within", busy.maxMs, "ms");
+    Row("  syncs meanwhile", busy.syncs, "");
 }
 
 void MeasureWait()

@@ -12,6 +12,9 @@
 #include <QUuid>
 
 #include <algorithm>
+#include <array>
+#include <chrono>
+#include <cstdio>
 #include <deque>
 #include <exception>
 #include <iterator>
@@ -79,11 +82,21 @@ std::string Uuid()
     return QUuid::createUuid().toString(QUuid::WithoutBraces).toStdString();
 }
 
+// As ISO 8601 writes it: "2026-11-22T01:39:00.123Z". By hand, because QDateTime takes a third of a whole Record for it.
 std::string UtcNow()
 {
+    using namespace std::chrono;
     const std::int64_t now = wallClock ? wallClock() : QDateTime::currentMSecsSinceEpoch();
-    const auto moment = QDateTime::fromMSecsSinceEpoch(std::clamp<std::int64_t>(now, 0, kLastMoment), Qt::UTC);
-    return moment.toString(Qt::ISODateWithMs).toStdString();
+    const sys_time moment{milliseconds(std::clamp<std::int64_t>(now, 0, kLastMoment))};
+    const auto midnight = floor<days>(moment);
+    const year_month_day date{midnight};
+    const hh_mm_ss time{moment - midnight};
+    std::array<char, 96> text{};  // room for any int in each place
+    std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
+                  static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
+                  static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
+                  static_cast<int>(time.seconds().count()), static_cast<int>(time.subseconds().count()));
+    return text.data();
 }
 
 // ---- the file ----
