@@ -1,0 +1,94 @@
+// Two loops for any page's script: each fault at each of its exchanges, and Quit at any of its moments.
+//
+// A page tells its script once, as a PageScript, and asks for both loops where its journeys stand:
+//   INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(script, Stride(3))), NameOfFaultCase);
+//   INSTANTIATE_TEST_SUITE_P(OnGnd, QuitLoop, testing::ValuesIn(QuitCases(script, {0, 1, 450})), NameOfQuitCase);
+#pragma once
+
+#include "support/bench_station.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ombrix::test {
+
+struct PageScript {
+    Wiring wiring;
+    /// Tells the operator what he does on the page, from the click that opens it until navigation is free again. He is
+    /// patient for a time that the fault's name may shorten, and stops what goes no further. Navigation is free before.
+    std::function<void(BenchStation &station, const std::string &fault)> works;
+    /// Tells him the same up to the click behind which Quit may come at any moment.
+    std::function<void(BenchStation &station)> begins;
+    /// After the last fault: that the page does its work on a sound bench, by the truth that the bench knows.
+    std::function<void(BenchStation &station)> proves;
+};
+
+/// Setup can be clicked, so nothing is in work.
+bool NavigationIsFree();
+
+/// Tells the operator to click, and to find navigation free within so many seconds.
+void Leaves(BenchStation &station, const std::string &button, int seconds);
+
+/// Every run takes a shorter walk than the long one, which ./test --soak takes: each exchange.
+int Stride(int shortWalk);
+
+// ---- faults ----
+
+struct FaultCase {
+    std::string fault;
+    bool lasting;
+    int every;          ///< exchanges from one run to the next
+    PageScript script;  ///< empty where Establish itself is the script
+};
+
+/// Each fault that the bench knows, once and lasting.
+std::vector<FaultCase> FaultCases(const PageScript &script, int every);
+void PrintTo(const FaultCase &each, std::ostream *out);
+std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
+
+/// One station goes through the script again and again. Each time a fault begins at the next exchange.
+class FaultLoop : public testing::TestWithParam<FaultCase>
+{
+protected:
+    FaultLoop();
+    ~FaultLoop() override;
+
+    /// The operator follows what he was told.
+    void Runs();
+    /// Another wiring ends the session.
+    void DropsTheSession();
+    /// What the operator does about a device that was pulled.
+    void EstablishesAgain();
+
+    int ExchangesOfACleanRun();
+    void RunsIntoTheFaultAt(int exchange);
+
+    BenchStation station;
+    std::vector<std::string> failures;  ///< run-time faults that were told
+
+private:
+    void WorksThePage();
+    void EndsTheFault(int exchange);
+    bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
+};
+
+// ---- the end of the program ----
+
+struct QuitCase {
+    int after;  ///< milliseconds behind the script's last click
+    PageScript script;
+};
+
+std::vector<QuitCase> QuitCases(const PageScript &script, const std::vector<int> &moments);
+void PrintTo(const QuitCase &each, std::ostream *out);
+std::string NameOfQuitCase(const testing::TestParamInfo<QuitCase> &info);
+
+class QuitLoop : public testing::TestWithParam<QuitCase>
+{
+};
+
+}  // namespace ombrix::test
