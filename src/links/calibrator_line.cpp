@@ -4,6 +4,7 @@
 #include "links/calibrator_simulator.h"
 #include "links/line_wait.h"
 #include "model/settings.h"
+#include "platform/clock.h"
 #include "platform/text.h"
 #include "session/live_output.h"
 #include "session/state.h"
@@ -20,15 +21,16 @@ std::string CalReply;
 
 namespace {
 
-constexpr int kSilentReads = 10;  // of one OPER?
-constexpr int kMostLines = 32;    // of one question: a line that chatters is no answer
-constexpr std::size_t kMostOpen = 64;
+constexpr int kSilentReads = 10;                    // of one OPER?
+constexpr int kMostLines = 32;                      // of one question: a line that chatters is no answer
+constexpr std::int64_t kLatestMicros = 20'000'000;  // of an answer: twice the longest that is held back on purpose
 constexpr std::string_view kReplyEnd = "\r\n";
 
 // A question whose answer has not come.
 struct OpenQuestion {
     CalibratorQuestion question;
     int output;  // the output in force when it was asked
+    std::int64_t asked = 0;
 };
 std::deque<OpenQuestion> openQuestions;
 int outputNumber = 0;
@@ -56,17 +58,36 @@ bool IsWholeNumber(std::string text)
     return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
 }
 
-// Whose answer a line is: the oldest open question of its form. Those asked before that one were never answered.
-// False when it is nobody's.
+// Junk came before an answer that would be one without it.
+bool EndsInAnswer(CalibratorQuestion question, std::string_view line)
+{
+    for (std::size_t from = 1; from < line.size(); ++from)
+        if (IsAnswer(question, line.substr(from)))
+            return true;
+    return false;
+}
+
+// The oldest open question that a line answers, by IsAnswer or EndsInAnswer.
+template <class Rule> auto QuestionOf(std::string_view line, Rule rule)
+{
+    return std::find_if(openQuestions.begin(), openQuestions.end(),
+                        [line, rule](const OpenQuestion &open) { return rule(open.question, line); });
+}
+
+// Whose answer a line is. Those asked before that one were never answered. False when it is nobody's: a spoilt answer
+// counts for none, but closes its question too, unless that is the one just asked, for which another line may come.
 bool TakeAnswer(std::string_view line, OpenQuestion &answered)
 {
-    const auto found = std::find_if(openQuestions.begin(), openQuestions.end(),
-                                    [line](const OpenQuestion &open) { return IsAnswer(open.question, line); });
-    if (found == openQuestions.end())
-        return false;
-    answered = *found;
-    openQuestions.erase(openQuestions.begin(), found + 1);
-    return true;
+    const auto found = QuestionOf(line, IsAnswer);
+    if (found != openQuestions.end()) {
+        answered = *found;
+        openQuestions.erase(openQuestions.begin(), found + 1);
+        return true;
+    }
+    const auto spoilt = QuestionOf(line, EndsInAnswer);
+    if (spoilt != openQuestions.end() && spoilt + 1 != openQuestions.end())
+        openQuestions.erase(openQuestions.begin(), spoilt + 1);
+    return false;
 }
 
 // What was asked about another output is too old. An error stays one, whenever it was asked for.
@@ -106,13 +127,19 @@ void SettleLateLines()
     }
 }
 
+// A question whose answer was lost isn't waited for for ever: each later answer would be taken for the one before.
+void ForgetLostQuestions()
+{
+    while (!openQuestions.empty() && NowMicros() - openQuestions.front().asked > kLatestMicros)
+        openQuestions.pop_front();
+}
+
 void Ask(CalibratorQuestion question)
 {
     SettleLateLines();
-    openQuestions.push_back({question, outputNumber});
-    if (openQuestions.size() > kMostOpen)
-        openQuestions.pop_front();
-    SendCalibratorCommand(CommandOf(question));
+    ForgetLostQuestions();
+    SendCalibratorCommand(CommandOf(question));  // first: a line that is opened again knows no older question
+    openQuestions.push_back({question, outputNumber, NowMicros()});
 }
 
 bool OpenCalibratorAgain()
@@ -120,6 +147,7 @@ bool OpenCalibratorAgain()
     if (!comCAL.OpenAgain())
         return false;
     received.clear();
+    openQuestions.clear();
     comCAL.Write("REMOTE\n");
     NoteOutputLineBack();
     return true;

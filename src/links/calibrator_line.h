@@ -2,7 +2,7 @@
 //
 // A calibrator answers in the order in which it was asked. An answer may come late, when its question was given up long
 // ago, or with junk before it: so a line counts only when it has the form of its question and no older question of that
-// kind is still open.
+// kind is still open. A question is open no more when its answer came spoilt by junk before it, or after 20 s.
 #pragma once
 
 #include "platform/serial_port.h"

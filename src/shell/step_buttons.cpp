@@ -3,6 +3,7 @@
 #include "links/calibrator.h"
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -105,6 +106,13 @@ void Colour(int position, const QColor &colour)
     SetFill(cmdCalib[position], colour);
 }
 
+// Nothing of the page that is left can be clicked any more.
+void LeavePage()
+{
+    ShowNoPage("");
+    ShowPage(0);
+}
+
 }  // namespace
 
 QWidget *BuildStepButtons(QWidget *parent)
@@ -189,8 +197,11 @@ void SelectStep(int index)
     HighlightStep(index);
     CurrentStepId = IsPosition(index) ? StepIds[index] : -1;
     const StepRecord record = RecordOfStep(CurrentStepId);
-    if (CalibTab == kTabTc && !record.takesInput)
+    // Under an alert each step is a try to end it: a line may be back.
+    if ((CalibTab == kTabTc && !record.takesInput) || !AlertText().empty()) {
+        LeavePage();
         CalibratorStandby();
+    }
     if (record.enter)
         record.enter();
     else

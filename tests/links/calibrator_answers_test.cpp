@@ -203,3 +203,43 @@ TEST_F(SlowCalibrator, AnAnswerThatWasLostCostsOnePollAndNoMore)
     EXPECT_THAT(calibrator.Writes(), ElementsAre("ERR?\n", "OUT 0 V ; STBY ; *WAI\n", "OPER?\n", "OUT?\n"));
     EXPECT_LE(clock.Elapsed(), 600);
 }
+
+TEST_F(SlowCalibrator, AMinuteOfJunkCostsOnePollAndNoMore)
+{
+    EXPECT_TRUE(SetCalibratorOutput("660 V", "OPER"));
+    junk = "\xF0\x83\x01\x07";
+    EXPECT_FALSE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_FALSE(SetCalibratorOutput("0 V", "STBY"));
+    junk.clear();
+    Start();
+    EXPECT_TRUE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_LE(Count("OPER?\n"), 2);
+    EXPECT_EQ(panel, "0.0 V");
+}
+
+TEST_F(SlowCalibrator, JunkBeforeALateAnswerMakesItNobodyElsesAnswer)
+{
+    late = 2600;
+    operateDelay = 600;
+    junk = "\xF0\x83\x01\x07\r\n";  // a line of its own
+    AbortsAfter(1600);
+    EXPECT_FALSE(SetCalibratorOutput("660 V", "OPER"));
+    Abort = false;
+    operateDelay = 600'000;  // it doesn't go to standby
+    EXPECT_FALSE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_TRUE(operating);
+    EXPECT_EQ(Flag(), Danger::Danger);
+}
+
+TEST_F(SlowCalibrator, WhatALongSilenceLeftOpenIsForgottenAfter20Seconds)
+{
+    EXPECT_TRUE(SetCalibratorOutput("660 V", "OPER"));
+    calibrator.Vanishes();
+    for (int tries = 0; tries < 5; ++tries)
+        EXPECT_FALSE(SetCalibratorOutput("0 V", "STBY"));
+    calibrator.ComesBack();
+    DelayAlways(20'001);
+    Start();
+    EXPECT_TRUE(SetCalibratorOutput("0 V", "STBY"));
+    EXPECT_EQ(Count("OPER?\n"), 1);
+}
