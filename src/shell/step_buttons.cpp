@@ -197,8 +197,8 @@ void SelectStep(int index)
     HighlightStep(index);
     CurrentStepId = IsPosition(index) ? StepIds[index] : -1;
     const StepRecord record = RecordOfStep(CurrentStepId);
-    // Under an alert each step is a try to end it: a line may be back.
-    if ((CalibTab == kTabTc && !record.takesInput) || !AlertText().empty()) {
+    // A line that went may be back: then the alert ends here.
+    if ((CalibTab == kTabTc && !record.takesInput) || GetLiveOutput().LineGone) {
         LeavePage();
         CalibratorStandby();
     }
