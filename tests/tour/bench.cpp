@@ -5,11 +5,11 @@
 #include "platform/text.h"
 #include "session/state.h"
 #include "shell/station.h"
+#include "support/bench_program.h"
 #include "support/bench_station.h"
 #include "support/scripted_operator.h"
 
 #include <QDir>
-#include <QProcess>
 
 #include <cstdio>
 #include <string>
@@ -22,7 +22,6 @@ using test::ScriptedOperator;
 using test::StepButton;
 
 constexpr unsigned kSeed = 7;
-constexpr int kStartMs = 5000;
 
 // Either case will do; -1 when there is no such board.
 int BoardNamed(const QString &name)
@@ -74,40 +73,14 @@ RangeRun CalibrateOneRange(ScriptedOperator &person)
     return run;
 }
 
-// The testbench as its own program, wired to a station folder.
-class BenchProgram
-{
-public:
-    BenchProgram(const QString &program, const QString &folder, const QString &board)
-    {
-        m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(program, {"--station", folder, "--board", board, "--seed", QString::number(kSeed)});
-    }
-    ~BenchProgram()
-    {
-        m_process.terminate();
-        m_process.waitForFinished(2000);
-    }
-    bool Stands(const QString &folder)
-    {
-        const Deadline limit(kStartMs);
-        while (!QFile::exists(folder + "/Ombrix.ini") && !limit.Passed())
-            PumpEvents(20);
-        return m_process.state() == QProcess::Running && QFile::exists(folder + "/Ombrix.ini");
-    }
-
-private:
-    QProcess m_process;
-};
-
 }  // namespace
 
 RangeRun RunRangeInRealTime(const Options &options)
 {
     const test::WorkFolder folder;
     RangeRun run;
-    BenchProgram bench(options.testbench, QDir::currentPath(), options.board);
-    if (!bench.Stands(QDir::currentPath())) {
+    const test::BenchProgram bench(options.testbench, QDir::currentPath(), options.board, kSeed);
+    if (!bench.Stands()) {
         std::printf("ombrix-testbench doesn't start\n");
         return run;
     }
