@@ -1,6 +1,8 @@
 #include "calibration/step_journal.h"
 
 #include "calibration/step_context.h"
+#include "links/calibrator_line.h"
+#include "links/meter_protocol.h"
 #include "model/range_tables.h"
 #include "platform/text.h"
 #include "session/journal.h"
@@ -62,6 +64,13 @@ void RecordRound(int position, const RoundRecord &round)
                 {"reading", round.reading},
                 {"error", round.error},
                 {"asFound", IsAsFound(GetStepNvmWord())}});
+}
+
+std::string HowEnded(Ended ended)
+{
+    if (ended == Ended::Fault)
+        return "fault";
+    return MeterLineIsGone() || CalibratorLineIsGone() ? "line lost" : "stopped";
 }
 
 void RecordStepEnded(int position, const StepEnd &end)

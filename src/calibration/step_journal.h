@@ -3,6 +3,8 @@
 // Kinds: "step opened", "round", "step ended", "learned". Each names step, board, position and word.
 #pragma once
 
+#include "session/procedure.h"
+
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -26,9 +28,13 @@ struct RoundRecord {
 };
 void RecordRound(int position, const RoundRecord &round);
 
+/// How a procedure ended that was not accepted: "fault", "line lost" while the meter's or the calibrator's is gone, else
+/// "stopped".
+std::string HowEnded(Ended ended);
+
 /// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left.
 struct StepEnd {
-    std::string how;  ///< "accepted", "stopped", "fault", "line lost"
+    std::string how;  ///< "accepted", or as HowEnded says
     std::string word;
     std::vector<std::string> reading;
     std::int32_t error = 0;

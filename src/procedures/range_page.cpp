@@ -383,7 +383,7 @@ void LeaveRange(Ended ended)
     if (ended == Ended::Done && page.wish == Wish::Accept)
         AcceptRange();
     else
-        RecordEnd(ended == Ended::Fault ? "fault" : "stopped", page.rounds.back());
+        RecordEnd(HowEnded(ended), page.rounds.back());
     WaitForReady();
 }
 

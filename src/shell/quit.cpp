@@ -8,6 +8,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/delays.h"
+#include "session/live_output.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
@@ -30,8 +31,6 @@
 #include <unistd.h>
 
 namespace ombrix {
-
-std::function<std::string()> AlertAtQuit = [] { return std::string(); };
 
 namespace {
 
@@ -164,7 +163,7 @@ void Quit(QuitBy by)
         return;
     Quitting = true;
     Abort = false;
-    const std::string alert = AlertAtQuit();
+    const std::string alert = AlertText();
     {
         const NoShutdownScope lastWords;
         CloseDoors();

@@ -1,7 +1,6 @@
 // The way out: standby, local, settings saved, from whatever the station is doing.
 #pragma once
 
-#include <functional>
 #include <string>
 
 namespace ombrix {
@@ -11,9 +10,6 @@ enum class QuitBy { Operator, Signal };
 /// Ends the session and then, through the pump, every procedure on the stack; the event loop if one runs. Once.
 /// By a signal nobody is asked anything.
 void Quit(QuitBy by);
-
-/// The alert that stands, "" none: what the operator is told once more when the program ends.
-extern std::function<std::string()> AlertAtQuit;
 
 /// Closes both ports. A calibrator whose port is open gets standby and local first, each said once, whatever is chosen
 /// on the Setup page by now; nobody waits for its answer.

@@ -79,7 +79,6 @@ void FillOutlets()
         ShowRemark(words);
         Record("fault", {{"words", words}});
     };
-    AlertAtQuit = AlertText;
     SetSummarySource(StepSummary);
     FillDiagramHooks();
 }

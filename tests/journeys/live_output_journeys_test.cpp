@@ -2,6 +2,7 @@
 
 #include "journeys/page_loops.h"
 #include "platform/clock.h"
+#include "session/journal_reader.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "support/bench_station.h"
@@ -87,10 +88,20 @@ protected:
     std::unique_ptr<BenchStation> station;
 };
 
+std::string HowTheLastStepEnded()
+{
+    std::string how;
+    for (const JournalEvent &event : ReadJournal("."))
+        if (event.kind == "step ended")
+            how = TextOf(event, "how");
+    return how;
+}
+
 // A way on that the operator may take under the alert.
 struct WayOn {
     const char *button;
     bool behindReset;  // off as long as the reading is followed
+    bool accepts = false;
 };
 
 class GoneLine : public Terminals, public testing::WithParamInterface<WayOn>
@@ -133,6 +144,8 @@ TEST_P(GoneLine, Under200VoltsIsToldAtOnceAndEveryWayOnEndsSoonAndNothingSaysSaf
     EXPECT_THAT(seen.flags, Each("DANGER"));
     EXPECT_TRUE(station->bench.CalibratorNow().operating) << "nobody could reach it";
 
+    EXPECT_EQ(HowTheLastStepEnded(), GetParam().accepts ? "accepted" : "line lost");
+
     const int operated = Heard("; OPER");
     Person().Clicks(StepButton(k2Volts)).WaitsFor("cmdReady").Clicks("cmdReady").Waits(1100);
     Person().WaitsUntil("Ready has ended", seen.While(NavigationIsFree));
@@ -155,7 +168,7 @@ TEST_P(GoneLine, Under200VoltsIsToldAtOnceAndEveryWayOnEndsSoonAndNothingSaysSaf
 }
 
 INSTANTIATE_TEST_SUITE_P(WaysOn, GoneLine,
-                         testing::Values(WayOn{"cmdAccept", false}, WayOn{"cmdStopReset", false},
+                         testing::Values(WayOn{"cmdAccept", false, true}, WayOn{"cmdStopReset", false},
                                          WayOn{"cmdCalib(5)", true}, WayOn{"cmdSetup", true}),
                          NameOfWay);
 
@@ -248,7 +261,8 @@ TEST_F(Terminals, JunkBeforeAReadingIsNeverARowOfGnd)
     ASSERT_NO_FATAL_FAILURE(Runs());
     EXPECT_EQ(station->bench.Nvm()[kGndWord], before);
     station->bench.SwitchFault("junk", false);
-    ASSERT_TRUE(station->Calibrates(kGnd, 3)) << Person().Trouble() << ScriptedOperator::Text("lblInst(0)") << station->bench.LastWords(40);
+    ASSERT_TRUE(station->Calibrates(kGnd, 3))
+        << Person().Trouble() << ScriptedOperator::Text("lblInst(0)") << station->bench.LastWords(40);
     EXPECT_LE(std::abs(station->bench.RemainingError(kGnd)), 2.0);
 }
 

@@ -1,3 +1,5 @@
+#include "session/live_output.h"
+#include "session/state.h"
 #include "shell/quit_fixture.h"
 
 #include <csignal>
@@ -113,16 +115,18 @@ namespace {
 class QuitUnderAlert : public QuitProcedure
 {
 protected:
-    QuitUnderAlert()
+    // 200 V that nobody can vouch for.
+    static void Stands()
     {
-        AlertAtQuit = [] { return std::string("Standby not confirmed"); };
-    }
-    ~QuitUnderAlert() override
-    {
-        AlertAtQuit = [] { return std::string(); };
+        CalPort = 2;
+        NoteOutputAsked("200.0 V", Danger::Danger);
+        TellLiveOutput();
     }
 
-    static bool BoxIsUp() { return ScriptedOperator::BoxText() == "Standby not confirmed"; }
+    static bool BoxIsUp() { return ScriptedOperator::BoxText() == kAlert; }
+
+    static constexpr const char *kAlert =
+        "Output not confirmed: 200.0 V may be on the terminals. Press the calibrator's own STBY key.";
 };
 
 }  // namespace
@@ -131,6 +135,7 @@ TEST_F(QuitUnderAlert, ShowsItOnceMoreInABoxThatClosesByItselfAfter10Seconds)
 {
     EstablishOnLines();
     Learn();
+    Stands();
     testing::internal::CaptureStderr();
     std::int64_t spoken = 0;
     ClicksQuit().WaitsUntil("the alert is shown", BoxIsUp).Does([&] {
@@ -141,7 +146,7 @@ TEST_F(QuitUnderAlert, ShowsItOnceMoreInABoxThatClosesByItselfAfter10Seconds)
     });
     person.WaitsUntil("the box is gone", [] { return ScriptedOperator::BoxText().empty(); });
     ASSERT_TRUE(person.Runs());
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("ombrix: Standby not confirmed\n"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr(std::string("ombrix: ") + kAlert));
     EXPECT_LT(spoken, 4000);
     EXPECT_NEAR(static_cast<double>(clock.Elapsed() - spoken), 10'000, 1) << "and the bench's own last byte";
     EXPECT_FALSE(frmOmbrix->isVisible());
@@ -150,6 +155,7 @@ TEST_F(QuitUnderAlert, ShowsItOnceMoreInABoxThatClosesByItselfAfter10Seconds)
 TEST_F(QuitUnderAlert, ItsBoxMayBeClosedAndASignalTakesItAway)
 {
     for (const bool signal : {false, true}) {
+        Stands();
         ClicksQuit().WaitsUntil("the alert is shown", BoxIsUp);
         if (signal)
             person.Does([] { Quit(QuitBy::Signal); });
@@ -166,6 +172,7 @@ TEST_F(QuitUnderAlert, ItsBoxMayBeClosedAndASignalTakesItAway)
 TEST_F(QuitUnderAlert, ASignalShowsNoBoxAndTheWordsStandInTheTerminal)
 {
     EstablishOnLines();
+    Stands();
     testing::internal::CaptureStderr();
     bool box = false;
     SignalComes().WaitsUntil("a box comes or not", [&] {
@@ -173,7 +180,7 @@ TEST_F(QuitUnderAlert, ASignalShowsNoBoxAndTheWordsStandInTheTerminal)
         return box || !frmOmbrix->isVisible();
     });
     person.Runs();
-    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr("ombrix: Standby not confirmed\n"));
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr(std::string("ombrix: ") + kAlert));
     EXPECT_FALSE(box);
     EXPECT_LT(clock.Elapsed(), 4000);
 }
