@@ -60,6 +60,7 @@ public:
         std::filesystem::create_directory(m_path);
         std::filesystem::permissions(m_path, std::filesystem::perms::owner_all);  // so it serves as XDG_RUNTIME_DIR
         std::filesystem::copy_file(OMBRIX_STATION, m_path / "ombrix");
+        std::filesystem::copy_file(OMBRIX_GUARD, m_path / "ombrix-guard");
     }
     ~StationFolder()
     {

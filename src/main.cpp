@@ -16,6 +16,7 @@ int main(int argc, char **argv)
     ombrix::FillOutlets();
     ombrix::RegisterPages();
     ombrix::OpenStation();
+    ombrix::OpenGuard((QCoreApplication::applicationDirPath() + "/ombrix-guard").toStdString());
     ombrix::WatchSignals();
     const int result = ombrix::Quitting ? 0 : QApplication::exec();  // nothing would end it after the last words
     ombrix::StopWatchingSignals();

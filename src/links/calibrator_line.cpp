@@ -5,6 +5,7 @@
 #include "links/line_wait.h"
 #include "model/settings.h"
 #include "platform/clock.h"
+#include "platform/line_guard.h"
 #include "platform/text.h"
 #include "session/live_output.h"
 #include "session/state.h"
@@ -162,6 +163,7 @@ void InitCalibratorLine()
     received.clear();
     openQuestions.clear();
     comCAL.onGone = NoteOutputLineGone;
+    comCAL.onLine = GuardLine;
 }
 
 bool CalibratorLineIsGone()

@@ -116,6 +116,7 @@ public:
     }
 
     bool IsGone() const override { return m_gone; }
+    int Handle() const override { return m_port.isOpen() ? static_cast<int>(m_port.handle()) : -1; }
 
 private:
     QString m_path;
@@ -145,7 +146,7 @@ void SerialPort::Open(const std::string &device)
 
 bool SerialPort::OpenAgain()
 {
-    m_device.reset();  // it holds the name
+    Leave();  // it holds the name
     try {
         Take(m_name);
     } catch (const RuntimeFault &) {
@@ -159,17 +160,32 @@ void SerialPort::Take(const std::string &device)
     auto opened = makeDevice();
     opened->Open(device);
     opened->onGone = [this] {
+        TellLine(-1);
         if (onGone)
             onGone();
     };
     m_device = std::move(opened);
     m_name = device;
     m_lost = false;
+    TellLine(m_device->Handle());
+}
+
+void SerialPort::Leave()
+{
+    if (m_device)
+        TellLine(-1);
+    m_device.reset();
+}
+
+void SerialPort::TellLine(int handle) const
+{
+    if (onLine)
+        onLine(handle);
 }
 
 void SerialPort::Close()
 {
-    m_device.reset();
+    Leave();
     m_lost = false;
 }
 

@@ -33,6 +33,8 @@ public:
     virtual void SetDtr(bool on) = 0;
     /// The device ended with an error: hang-up, unplugged.
     virtual bool IsGone() const = 0;
+    /// As the system numbers it; -1 for a line that is none of the system's.
+    virtual int Handle() const { return -1; }
 
     /// Told once when it has gone, from a later event: never out of the device's own error handler.
     std::function<void()> onGone = [] {};
@@ -67,9 +69,13 @@ public:
 
     /// Told, from an event, when the line has gone.
     std::function<void()> onGone;
+    /// Told the handle of each line that was opened, and -1 before it closes and when it has gone.
+    std::function<void(int handle)> onLine;
 
 private:
     void Take(const std::string &device);
+    void Leave();
+    void TellLine(int handle) const;
 
     std::unique_ptr<SerialDevice> m_device;
     std::string m_name;

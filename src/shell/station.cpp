@@ -5,10 +5,12 @@
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "platform/line_guard.h"
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
 #include "session/journal.h"
+#include "session/kept_remarks.h"
 #include "session/live_output.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -117,9 +119,20 @@ void OpenStation()
     BeginJournal();
 }
 
+void OpenGuard(const std::string &program)
+{
+    if (StartGuard(program))
+        return;
+    const std::string words = "No output guard: a kill leaves the output as it stands";
+    KeepRemarkOn(Subject::Guard, words);
+    std::fprintf(stderr, "ombrix: %s (%s can't be started)\n", words.c_str(), program.c_str());
+    Record("warned", {{"of", words}});
+}
+
 void CloseStation()
 {
     CloseLinks();
+    EndGuard();
     StopFollowingSteps();
     EndJournal();
     frameHooks = FrameHooks();  // before the window that they reach

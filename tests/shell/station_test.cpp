@@ -159,3 +159,15 @@ TEST(Theme, ComesFromTheSettings)
     EXPECT_GT(frmOmbrix->palette().color(QPalette::Window).lightness(), 150);
     CloseStation();
 }
+
+TEST_F(StartUp, WithoutAGuardTheStatusLineAndStandardErrorSayItAndTheStationWorks)
+{
+    testing::internal::CaptureStderr();
+    OpenGuard("/nowhere/ombrix-guard");
+    const std::string told = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(told, "ombrix: No output guard: a kill leaves the output as it stands (/nowhere/ombrix-guard can't be "
+                    "started)\n");
+    EXPECT_NE(Text("lblRemark").find("No output guard: a kill leaves the output as it stands"), std::string::npos);
+    person.DoubleClicks("lblCalOut").Clicks("cmdEstablish").WaitsUntil("it is established", [] { return Established; });
+    EXPECT_TRUE(person.Runs());
+}

@@ -102,6 +102,22 @@ RangeRun RunRangeInRealTime(const Options &options)
     return run;
 }
 
+bool RunUntilKilled(const std::string &guard)
+{
+    test::OpenWholeStation();
+    OpenGuard(guard);
+    ScriptedOperator person;
+    person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
+        return Established && ScriptedOperator::IsEnabled("cmdSetup");
+    });
+    bool good = person.Runs();
+    while (good)
+        good = CalibrateOneRange(person).good;
+    std::printf("%s\n", person.Trouble().c_str());
+    CloseStation();
+    return false;
+}
+
 RangeRun RunRangeOnVirtualTime(const Options &options)
 {
     test::Wiring wiring;

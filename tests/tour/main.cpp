@@ -26,9 +26,13 @@ int main(int argc, char **argv)
     parser.addOption({"bench", "One range in real time against the testbench."});
     parser.addOption({"testbench", "With --bench: where ombrix-testbench lies.", "path",
                       QApplication::applicationDirPath() + "/ombrix-testbench"});
+    parser.addOption({"until-killed", "In the current folder's station, under <guard>, until it is killed.", "guard"});
     parser.addOption({"theme", "light or dark.", "theme", "light"});
     parser.addPositionalArgument("board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd.", "[board]");
     parser.process(application);
+
+    if (parser.isSet("until-killed"))
+        return ombrix::tour::RunUntilKilled(parser.value("until-killed").toStdString()) ? 0 : 1;
 
     const QStringList boards = parser.positionalArguments();
     const ombrix::tour::Options options{

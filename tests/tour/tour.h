@@ -33,6 +33,10 @@ RangeRun RunRangeInRealTime(const Options &options);
 /// The same on virtual time. What is left are the waits, the bytes and the instruments: the least that it can take.
 RangeRun RunRangeOnVirtualTime(const Options &options);
 
+/// In the current folder, whose settings name the lines: establishes, and calibrates the board's first gain step again
+/// and again, under this guard, until it is killed. False when something keeps it from going on.
+bool RunUntilKilled(const std::string &guard);
+
 /// Both, printed: counts before and after, and the time over its floor.
 bool RunBench(const Options &options);
 

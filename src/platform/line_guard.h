@@ -1,0 +1,21 @@
+// The guard: a small program that holds the calibrator's line too, and puts the calibrator in standby when this one dies
+// without a goodbye, whatever it dies of (guard/main.c tells what it says).
+//
+// Nothing here throws or waits longer than a moment: without a guard the station works on.
+#pragma once
+
+#include <string>
+
+namespace ombrix {
+
+/// Starts it. False when that can't be done, or on a system that has none.
+bool StartGuard(const std::string &program);
+/// The calibrator's line as the system numbers it: from here on the guard holds it too, in place of the one before.
+/// -1: there is none; the guard has given it up when this returns. Starts a guard that has died anew.
+void GuardLine(int handle);
+/// The last words have been said: it ends without a word.
+void EndGuard();
+/// One was started and answers.
+bool GuardStands();
+
+}  // namespace ombrix

@@ -1,0 +1,274 @@
+// The guard, started as the station starts it: what it says on a line when the one who started it has died.
+
+#include "platform/clock.h"
+#include "platform/line_guard.h"
+#include "testbench/bench.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <poll.h>
+#include <string>
+#include <sys/wait.h>
+#include <termios.h>
+#include <thread>
+#include <unistd.h>
+#include <vector>
+
+using namespace ombrix;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+constexpr int kHangUpMs = 3000;
+
+// A pseudo-terminal: the near end is the station's line, the far end the calibrator's.
+class Line
+{
+public:
+    Line()
+    {
+        m_far = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+        if (m_far < 0 || grantpt(m_far) != 0 || unlockpt(m_far) != 0)
+            std::abort();
+        m_near = open(ptsname(m_far), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
+        termios plain{};
+        tcgetattr(m_near, &plain);
+        cfmakeraw(&plain);
+        tcsetattr(m_near, TCSANOW, &plain);
+    }
+    ~Line()
+    {
+        LeaveNear();
+        close(m_far);
+    }
+    Line(const Line &) = delete;
+    Line &operator=(const Line &) = delete;
+
+    int Near() const { return m_near; }
+    void LeaveNear()
+    {
+        if (m_near >= 0)
+            close(m_near);
+        m_near = -1;
+    }
+    // All that is said until nobody holds the near end any more; with "..." at its end when somebody still does.
+    std::string HeardUntilTheEnd() const
+    {
+        std::string heard;
+        for (;;) {
+            pollfd input = {m_far, POLLIN, 0};
+            if (poll(&input, 1, kHangUpMs) != 1)
+                return heard + "...";
+            std::array<char, 256> bytes{};
+            const ssize_t got = read(m_far, bytes.data(), bytes.size());
+            if (got <= 0)
+                return heard;
+            heard.append(bytes.data(), static_cast<std::size_t>(got));
+        }
+    }
+
+private:
+    int m_far = -1;
+    int m_near = -1;
+};
+
+void Writes(int line, const std::string &bytes)
+{
+    if (write(line, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+        _exit(3);
+}
+
+// Another process does something with a guard and dies as told: by a signal, or with 0 by its own end. True when it
+// had come that far.
+bool Dies(int signal, const std::function<void()> &life)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        if (!StartGuard(OMBRIX_GUARD))
+            _exit(2);
+        life();
+        if (signal != 0)
+            kill(getpid(), signal);
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return signal != 0 ? WIFSIGNALED(status) && WTERMSIG(status) == signal
+                       : WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string LastWords()
+{
+    Line line;
+    EXPECT_TRUE(Dies(SIGKILL, [&line] { GuardLine(line.Near()); }));
+    line.LeaveNear();
+    return line.HeardUntilTheEnd();
+}
+
+// What a calibrator on the bench does that heard all this.
+bench::CalibratorState After(const std::string &heard)
+{
+    bench::Bench bench{bench::BenchSetup()};
+    bench.Receive(bench::Line::Calibrator, heard, 0);
+    for (bench::Micros now = 0; now < 5'000'000; now += 10'000)
+        bench.Collect(bench::Line::Calibrator, now);
+    return bench.CalibratorNow();
+}
+
+class GuardAfter : public testing::TestWithParam<int>
+{
+};
+
+}  // namespace
+
+TEST_P(GuardAfter, SaysStandbyAndLocalAndLeavesTheLine)
+{
+    Line line;
+    ASSERT_TRUE(Dies(GetParam(), [&line] {
+        GuardLine(line.Near());
+        Writes(line.Near(), "OUT 660 V ; OP");
+    }));
+    line.LeaveNear();
+    const std::string heard = line.HeardUntilTheEnd();
+    EXPECT_THAT(heard, StartsWith("OUT 660 V ; OP\nOUT 0 V, 0 Hz ; STBY ; *WAI\n"));
+    EXPECT_THAT(heard, testing::EndsWith("\nOUT 0 V, 0 Hz ; STBY ; *WAI\nLOCAL\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Deaths, GuardAfter, testing::Values(SIGKILL, SIGSEGV, SIGABRT, 0));
+
+TEST(Guard, SaysNothingAfterAGoodbye)
+{
+    Line line;
+    ASSERT_TRUE(Dies(0, [&line] {
+        GuardLine(line.Near());
+        EndGuard();
+    }));
+    line.LeaveNear();
+    EXPECT_EQ(line.HeardUntilTheEnd(), "");
+}
+
+TEST(Guard, SaysNothingOnALineThatWasGivenUp)
+{
+    Line line;
+    ASSERT_TRUE(Dies(SIGKILL, [&line] {
+        GuardLine(line.Near());
+        GuardLine(-1);
+    }));
+    line.LeaveNear();
+    EXPECT_EQ(line.HeardUntilTheEnd(), "");
+}
+
+TEST(Guard, HoldsTheLineThatWasOpenedLastAndNoOther)
+{
+    Line first;
+    Line second;
+    ASSERT_TRUE(Dies(SIGKILL, [&] {
+        GuardLine(first.Near());
+        GuardLine(second.Near());
+    }));
+    first.LeaveNear();
+    second.LeaveNear();
+    EXPECT_EQ(first.HeardUntilTheEnd(), "");
+    EXPECT_THAT(second.HeardUntilTheEnd(), HasSubstr("STBY"));
+}
+
+TEST(Guard, SurvivesWhatATerminalSendsToTheStationsGroup)
+{
+    Line line;
+    ASSERT_TRUE(Dies(SIGKILL, [&line] {
+        setpgid(0, 0);
+        GuardLine(line.Near());
+        for (const int each : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGTSTP}) {
+            signal(each, SIG_IGN);
+            kill(0, each);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        if (!GuardStands())
+            _exit(4);
+    }));
+    line.LeaveNear();
+    EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
+}
+
+TEST(Guard, ThatDiedIsStartedAnewForTheNextLine)
+{
+    Line line;
+    ASSERT_TRUE(Dies(SIGKILL, [&line] {
+        GuardLine(-1);
+        for (const auto &each : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(each.path() / "status");
+            const std::string status((std::istreambuf_iterator<char>(file)), {});
+            if (status.find("PPid:\t" + std::to_string(getpid()) + "\n") != std::string::npos)
+                kill(std::atoi(each.path().filename().c_str()), SIGKILL);
+        }
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        GuardLine(line.Near());
+        if (!GuardStands())
+            _exit(4);
+    }));
+    line.LeaveNear();
+    EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
+}
+
+TEST(Guard, ThatIsNotThereIsToldAndEverythingElseGoesOn)
+{
+    EXPECT_FALSE(StartGuard("/nowhere/ombrix-guard"));
+    EXPECT_FALSE(GuardStands());
+    GuardLine(0);
+    EndGuard();
+}
+
+TEST(Guard, WhereverTheStationDiesInACommandTheCalibratorEndsInStandby)
+{
+    const std::string lastWords = LastWords();
+    const std::string before = "REMOTE\nOUT 660 V ; OPER ; *WAI\n";
+    const std::string block(150, 'F');
+    const std::vector<std::string> commands = {"OUT 200 V ; OPER ; *WAI\n", "OPER?\n", "UUT_SEND #205*1B1\r\n",
+                                               "UUT_SEND #3151*1W" + block.substr(3) + "\r\n", "ERR?\n"};
+    for (const std::string &command : commands)
+        for (std::size_t cut = 0; cut <= command.size(); ++cut) {
+            const std::string heard = before + command.substr(0, cut);
+            EXPECT_TRUE(cut > 0 || After(heard).operating);
+            const bench::CalibratorState end = After(heard + lastWords);
+            EXPECT_FALSE(end.operating) << command.substr(0, cut);
+        }
+}
+
+TEST(Guard, TakesNextToNothing)
+{
+    Line line;
+    std::array<int, 2> told{};
+    ASSERT_EQ(pipe(told.data()), 0);
+    ASSERT_TRUE(Dies(0, [&] {
+        GuardLine(line.Near());
+        long kib = 0;
+        for (const auto &each : std::filesystem::directory_iterator("/proc")) {
+            std::ifstream file(each.path() / "status");
+            const std::string status((std::istreambuf_iterator<char>(file)), {});
+            const auto at = status.find("VmRSS:");
+            if (status.find("PPid:\t" + std::to_string(getpid()) + "\n") != std::string::npos &&
+                at != std::string::npos)
+                kib = std::atol(status.c_str() + at + 6);
+        }
+        if (write(told[1], &kib, sizeof kib) != sizeof kib)
+            _exit(3);
+        EndGuard();
+    }));
+    long kib = 0;
+    ASSERT_EQ(read(told[0], &kib, sizeof kib), static_cast<ssize_t>(sizeof kib));
+    close(told[0]);
+    close(told[1]);
+    EXPECT_GT(kib, 0);
+    EXPECT_LT(kib, 2048);
+}
