@@ -104,7 +104,7 @@ void ShowReadBack(const std::string &value, bool confirmed)
     const auto readBack = ParseReadBack(AskCalibrator(CalibratorQuestion::Output).line);
     const OutputValue output = readBack.value_or(ParseOutputValue(value));
     const CalOutput shown = DescribeCalOutput(output.number, output.unit);
-    if (!confirmed && (shown.level == Danger::Safe || (!readBack && shown.level < ShownDanger())))
+    if (!confirmed && (shown.level == Danger::Safe || shown.level < ShownDanger()))
         return;
     UpdateCalOutputPanel(output.number, output.unit);
     NoteOutputSeen(shown.text, shown.level);
@@ -115,14 +115,17 @@ int LookForCalibrator()
     OpenCalibratorPort(PortDevice(CalPort));
     ResetCalibrator();
     CalibratorRemote();
-    if (CheckCalibratorErrors().empty()) {
-        CalStandbyFlag = false;
+    const std::string answer = CheckCalibratorErrors();
+    CalStandbyFlag = IsAnswer(CalibratorQuestion::Errors, answer);
+    if (answer.empty()) {
         CalError = "Calibrator not found";
         return kNotFound;
     }
     NoteStandbyAsked();  // by its reset
-    NoteOutputConfirmed();
-    ForgetLiveOutput();
+    if (CalStandbyFlag) {
+        NoteOutputConfirmed();
+        ForgetLiveOutput();
+    }
     return 0;
 }
 

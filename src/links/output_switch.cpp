@@ -45,16 +45,20 @@ void OpenOutputSwitch()
 {
     if (!HardwareMode)
         outlets.showSwitch(true);
+    SwitchState.clear();
     WriteSwitchWords("000000100000001000001000");
-    SwitchState = "V";
+    if (!MeterLineIsGone())
+        SwitchState = "V";
 }
 
 void SetOutputSwitch(const std::string &position)
 {
     if (position == SwitchState)
         return;
-    SwitchState = position;
+    SwitchState.clear();
     WriteSwitchWords(HexText(position == "V" ? 0 : kCurrentDisplay, 6) + "100000");
+    if (!MeterLineIsGone())
+        SwitchState = position;
 }
 
 void ApplySwitched(std::string_view value)

@@ -1,8 +1,12 @@
 #include "session/live_output.h"
 
+#include "platform/text.h"
 #include "session/journal.h"
-
 #include "session/state.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
 
 namespace ombrix {
 namespace {
@@ -10,6 +14,7 @@ namespace {
 LiveOutput live;
 Danger shownLevel = Danger::Safe;
 bool alertStands = false;
+std::string told;  // the words of the alert that stands
 
 bool IsKnown()
 {
@@ -23,14 +28,44 @@ std::string Words()
            " may be on the terminals. Press the calibrator's own STBY key.";
 }
 
+// The panel may have been emptied since: value and flag are drawn anew.
 void ShowAlert()
 {
     alertStands = true;
     if (!live.Value.empty())
         outlets.showOutput(live.Value);
-    RaiseDangerFlag(live.Level);
-    outlets.showAlert(Words());
-    Record("warned", {{"of", Words()}});
+    SetDangerFlag(std::max(shownLevel, live.Level));
+    const std::string words = Words();
+    outlets.showAlert(words);
+    if (words != std::exchange(told, words))
+        Record("warned", {{"of", words}});
+}
+
+// "-200.0 mV" is 0.2 of "V".
+struct Quantity {
+    double size = 0;
+    std::string unit;
+};
+
+Quantity QuantityOf(const std::string &value)
+{
+    const auto words = Split(value, ' ');
+    Quantity quantity{std::fabs(Val(value)), words.size() > 1 ? words[1] : ""};
+    if (quantity.unit.size() > 1 && (quantity.unit[0] == 'm' || quantity.unit[0] == 'k')) {
+        quantity.size *= quantity.unit[0] == 'm' ? 1e-3 : 1e3;
+        quantity.unit.erase(0, 1);
+    }
+    return quantity;
+}
+
+// What stands may be either of the two for a while: the one that is worse counts, of two of a kind the larger.
+bool IsAsBad(const std::string &value, Danger level)
+{
+    if (level != live.Level)
+        return level > live.Level;
+    const Quantity asked = QuantityOf(value);
+    const Quantity standing = QuantityOf(live.Value);
+    return asked.unit != standing.unit || asked.size >= standing.size;
 }
 
 void TakeAlertAway()
@@ -38,6 +73,7 @@ void TakeAlertAway()
     if (!alertStands)
         return;
     alertStands = false;
+    told.clear();
     outlets.showAlert("");
 }
 
@@ -53,6 +89,7 @@ void InitLiveOutput()
     live = LiveOutput();
     shownLevel = Danger::Safe;
     alertStands = false;
+    told.clear();
 }
 
 void ForgetLiveOutput()
@@ -63,12 +100,13 @@ void ForgetLiveOutput()
 
 void NoteOutputAsked(const std::string &value, Danger level)
 {
-    if (!live.MayStand || level >= live.Level) {
+    if (!live.MayStand || IsAsBad(value, level)) {
         live.Value = value;
         live.Level = level;
     }
     live.MayStand = true;
     live.StandbyAsked = live.Confirmed = false;
+    outlets.showOutput(live.Value);
     RaiseDangerFlag(level);
 }
 
@@ -119,6 +157,12 @@ bool OutputConfirmed()
 void TellLiveOutput()
 {
     if (CalPort != 0 && !IsKnown())
+        ShowAlert();
+}
+
+void RepeatAlert()
+{
+    if (alertStands)
         ShowAlert();
 }
 

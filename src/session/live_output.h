@@ -28,7 +28,7 @@ void ForgetLiveOutput();
 // ---- noted by the links ----
 
 /// The calibrator is going to be told to operate at a value. It, or the value before, may stand from here on: the more
-/// dangerous one counts, and the flag is raised to it.
+/// dangerous one counts, of two of a kind the larger: the panel shows it at once, and the flag is raised to it.
 void NoteOutputAsked(const std::string &value, Danger level);
 void NoteStandbyAsked();
 /// What was asked last was confirmed: takes the alert away. In simulation an alert about real terminals stays.
@@ -46,6 +46,8 @@ bool OutputConfirmed();
 /// Shows the alert when the output or standby asked last could not be confirmed, and its value on panel and flag.
 /// Nothing without a calibrator.
 void TellLiveOutput();
+/// Draws an alert that stands once more, with its value and flag, after the panel was emptied.
+void RepeatAlert();
 /// The alert that stands, or that the end of the program has to tell; "" when there is none.
 std::string AlertText();
 

@@ -180,11 +180,14 @@ void Quit(QuitBy by)
 
 void ReleaseLinks()
 {
+    const bool mayStand = GetLiveOutput().MayStand;
     if (comCAL.IsOpen()) {
         ReleaseCalibrator();
         DelayAlways(kLastBytesMs);
     }
     CloseLinks();
+    if (!mayStand)
+        ForgetLiveOutput();  // nobody waits for the answer to a standby that changed nothing
 }
 
 void WatchSignals()

@@ -3,6 +3,7 @@
 #include "links/calibrator.h"
 #include "platform/clock.h"
 #include "session/kept_remarks.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -213,6 +214,7 @@ void ResetSession()
     cmdEstablish->setEnabled(true);
     UpdateNavigation();
     ClearOutputPanel();
+    RepeatAlert();
     KeepRemarkOn(Subject::Board, "");
 }
 
