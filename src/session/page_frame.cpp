@@ -14,6 +14,7 @@ namespace {
 std::map<int, StepRecord> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
 std::map<int, std::function<void()>> tabPreparations;
+std::string unsaved;
 
 template <class Record> Record Registered(const std::map<int, Record> &table, int key)
 {
@@ -51,7 +52,28 @@ void CableConnected(int row)
 void ShowPage(int index)
 {
     SetNavigation(Navigation::Free);
+    unsaved.clear();
     frameHooks.showPage(index);
+}
+
+void SetUnsaved(const std::string &sentence)
+{
+    unsaved = sentence;
+}
+
+std::string Unsaved()
+{
+    return unsaved;
+}
+
+void ShowWordBoxes(const WordBoxes &boxes)
+{
+    frameHooks.showWordBoxes(boxes);
+}
+
+void EnterRawWords(const RawWordsFrom &from)
+{
+    frameHooks.enterRawWords(from);
 }
 
 void NextStep()

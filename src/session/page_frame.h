@@ -17,7 +17,7 @@ constexpr int kPages = 19;  ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is t
 // ---- what a page gets ----
 
 /// Shows fraCalib(index) and hides the others, the diagrams and the values panel. Navigation is free until the page
-/// says otherwise.
+/// says otherwise, and nothing is unsaved.
 void ShowPage(int index);
 /// Opens the next allowed calibration step, wrapping to position 0. Nothing behind the last calibration position. In a
 /// procedure a wish, carried out when it has ended.
@@ -28,6 +28,34 @@ void OpenStep(int position);
 void HighlightStep(int index);
 /// Shows or hides the output panel's controls.
 void ShowCalPanel(bool on);
+
+/// What the operator has changed on the page in front and not saved, as a sentence; "" nothing. Quit asks once about it.
+void SetUnsaved(const std::string &sentence);
+std::string Unsaved();
+
+// ---- the words of the meter's memory, shown and edited ----
+
+/// What the word boxes of fraCalib(15) show: words 49 to 0 of a counter.
+struct WordBoxes {
+    std::string image;     ///< 200 digits, word 49 first; of another length the boxes stay empty
+    std::string meant;     ///< what was written; a box that holds something else is red. "" nothing was written
+    std::string says;      ///< lblVFNVM
+    bool trouble = false;  ///< in red
+    /// What "Save" does, as the page's procedure. The boxes that it returns are shown then. Empty: no "Save".
+    std::function<WordBoxes()> save = {};
+};
+/// Brings the word boxes to the front, for reading only.
+void ShowWordBoxes(const WordBoxes &boxes);
+
+/// Who opens the page of raw words from a page of his own.
+struct RawWordsFrom {
+    /// Told what the meter holds after each "Save": words from `address` downward.
+    std::function<void(int address, const std::string &hex)> written;
+    /// "Back": shows the page again.
+    std::function<void()> back;
+};
+/// The page of raw words, fraCalib(18). Steps, tabs and Setup stay off on it. Call it from a handler.
+void EnterRawWords(const RawWordsFrom &from);
 
 // ---- drawn by the diagrams ----
 
@@ -53,6 +81,8 @@ struct FrameHooks {
     std::function<void()> openNextStep = [] {};
     std::function<void(int index)> highlightStep = [](int) {};
     std::function<void(bool on)> showCalPanel = [](bool) {};
+    std::function<void(const WordBoxes &)> showWordBoxes = [](const WordBoxes &) {};
+    std::function<void(const RawWordsFrom &)> enterRawWords = [](const RawWordsFrom &) {};
     /// Step buttons, tabs and Setup on or off; session/procedure.h works out which.
     std::function<void(bool on)> enableSteps = [](bool) {};
     std::function<void(int)> showConnectionDiagram = [](int) {};

@@ -178,9 +178,9 @@ void RunAfterProcedure(std::function<void()> action)
         waiting = std::move(action);
 }
 
-void WaitForOperator(const std::function<bool()> &done)
+void WaitForOperator(const std::function<bool()> &done, Escape escape)
 {
-    const ScopedFlag scope(waitsForOperator);
+    const ScopedFlag scope(waitsForOperator, escape == Escape::Ignored);
     while (!done() && !Abort)
         PumpEvents(kForever);
 }

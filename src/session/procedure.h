@@ -54,8 +54,11 @@ void RunAfterStop(std::function<void()> action);
 /// runs. Navigation that the operator asked for goes before it.
 void RunAfterProcedure(std::function<void()> action);
 
+/// What Esc does while a page waits for its buttons: nothing, or it is the page's Stop, because an input stands.
+enum class Escape { Ignored, Stops };
+
 /// Sleeps until `done` holds or Abort is set. Flags change only in handlers, so it looks again after each event.
-void WaitForOperator(const std::function<bool()> &done);
+void WaitForOperator(const std::function<bool()> &done, Escape escape = Escape::Ignored);
 
 /// A page's Stop: ends the work of the running procedure (Abort). Nothing without one.
 void StopWork();

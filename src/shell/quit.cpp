@@ -9,6 +9,7 @@
 #include "platform/fault.h"
 #include "session/delays.h"
 #include "session/live_output.h"
+#include "session/page_frame.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
@@ -101,6 +102,16 @@ void TellAlert(const std::string &alert, QuitBy by)
         ShowAlertBox(alert);
 }
 
+// The question about what the page in front would lose. Whoever quits while it stands has answered it.
+bool MayEnd(QuitBy by)
+{
+    static bool asking = false;
+    if (by == QuitBy::Signal || asking || Unsaved().empty())
+        return true;
+    const ScopedFlag scope(asking);
+    return AskOperator(Unsaved() + "\r\nQuit without saving?", "Quit") && !Quitting;
+}
+
 void SaveSettings()
 {
     SaveGains();
@@ -159,7 +170,7 @@ void Quit(QuitBy by)
         if (alertBox)
             alertBox->hide();
     }
-    if (Quitting)
+    if (Quitting || !MayEnd(by))
         return;
     Quitting = true;
     Abort = false;

@@ -8,7 +8,8 @@ namespace ombrix {
 enum class QuitBy { Operator, Signal };
 
 /// Ends the session and then, through the pump, every procedure on the stack; the event loop if one runs. Once.
-/// By a signal nobody is asked anything.
+/// The operator is asked first about what he has changed and not saved; a second Quit answers that. By a signal nobody is
+/// asked anything.
 void Quit(QuitBy by);
 
 /// Closes both ports. A calibrator whose port is open gets standby and local first, each said once, whatever is chosen

@@ -3,6 +3,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/procedure.h"
+#include "widgets/widgets.h"
 
 #include <QClipboard>
 #include <QFocusEvent>
@@ -166,6 +167,27 @@ QLineEdit *Field(QWidget *parent, const QString &name, KeyFilter filter, Commit 
 void SetField(QLineEdit *field, const std::string &text)
 {
     static_cast<FilteredField *>(field)->Put(text);
+}
+
+QLineEdit *FreeText(QWidget *parent, const QString &name, Edited edited)
+{
+    auto *field = new QLineEdit(parent);
+    field->setObjectName(name);
+    QObject::connect(field, &QLineEdit::textEdited, field, [edited = std::move(edited)](const QString &text) {
+        RunHandler([&] { edited(text.toStdString()); });
+    });
+    return field;
+}
+
+void FillField(QLineEdit *field, const QColor &colour)
+{
+    SetFill(field, colour);
+    QPalette palette = field->palette();
+    for (const auto group : {QPalette::Active, QPalette::Inactive, QPalette::Disabled}) {
+        palette.setColor(group, QPalette::Base, palette.color(group, QPalette::Window));
+        palette.setColor(group, QPalette::Text, palette.color(group, QPalette::WindowText));
+    }
+    field->setPalette(palette);
 }
 
 }  // namespace ombrix

@@ -6,6 +6,7 @@
 #include <functional>
 #include <string>
 
+class QColor;
 class QLineEdit;
 class QWidget;
 
@@ -33,5 +34,12 @@ QLineEdit *Field(QWidget *parent, const QString &name, KeyFilter filter, Commit 
 
 /// A change by the program: silent, and what the operator had begun there is gone.
 void SetField(QLineEdit *field, const std::string &text);
+
+/// A line of free text that nothing waits for, so it takes keys also while a procedure runs. `edited` is told each change
+/// that the operator makes.
+QLineEdit *FreeText(QWidget *parent, const QString &name, Edited edited);
+
+/// Fills a field with a colour, its text black or white; ClearFill takes it off.
+void FillField(QLineEdit *field, const QColor &colour);
 
 }  // namespace ombrix

@@ -49,10 +49,12 @@ void ShowPageState(PageStates &states, int state, const Prompt &prompt)
 {
     const PageState &row = RowOf(states, state);
     states.now = state;
-    if (states.page->isAncestorOf(QApplication::focusWidget()))
+    QWidget *keys = QApplication::focusWidget();
+    const bool stays = row.keysStay && Holds(row.on, keys);
+    if (!stays && states.page->isAncestorOf(keys))
         DropFocus(states.page);  // else a button that goes off hands the keys to its neighbour
     ShowControls(states, row);
-    if (row.focus)
+    if (!stays && row.focus)
         EnableAndFocus(row.focus);
     ShowPrompt(states, prompt);
     SetNavigation(row.navigation);

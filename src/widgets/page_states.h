@@ -26,6 +26,7 @@ struct PageState {
     std::vector<QWidget *> away = {};                                       ///< not to be seen
     std::vector<std::pair<QAbstractButton *, const char *>> captions = {};  ///< of buttons that change theirs
     Navigation navigation = Navigation::Free;
+    bool keysStay = false;  ///< a control that stays on keeps the keys; without one that has them, they go to `focus`
 };
 
 /// A page's table and where the page stands in it. Its controls are all that stand in a row.

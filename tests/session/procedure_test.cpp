@@ -429,3 +429,14 @@ TEST_F(Procedures, DelaysDoNotEndOnAbort)
     DelayMs(500);
     EXPECT_EQ(clock.Elapsed(), 500);
 }
+
+TEST_F(Procedures, EscStopsAWaitDuringWhichAnInputStands)
+{
+    RunProcedure([this] {
+        CallAfter(100, [] { EXPECT_TRUE(PressEscape()); });
+        WaitForOperator([] { return false; }, Escape::Stops);
+        EXPECT_TRUE(Abort);
+        EXPECT_EQ(clock.Elapsed(), 100);
+    });
+    EXPECT_FALSE(Abort);
+}

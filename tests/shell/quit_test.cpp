@@ -2,6 +2,7 @@
 
 #include "platform/fault.h"
 #include "platform/text.h"
+#include "session/page_frame.h"
 #include "session/procedure.h"
 #include "shell/quit_fixture.h"
 
@@ -290,4 +291,55 @@ TEST_F(QuitProcedure, TheStationOpensAfresh)
     EXPECT_TRUE(IsEnabled("cmdEstablish"));
     EstablishOnLines();
     EXPECT_TRUE(Established);
+}
+
+// ---- what isn't saved ----
+
+class UnsavedQuit : public QuitProcedure
+{
+protected:
+    void SetUp() override
+    {
+        QuitProcedure::SetUp();
+        EstablishOnLines();
+        SetUnsaved("Words were changed.");
+    }
+};
+
+TEST_F(UnsavedQuit, AsksOnceAndGoesOnWorkingWhenItIsNotMeant)
+{
+    ClicksQuit().AnswersBox("Cancel");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_FALSE(Quitting);
+    EXPECT_TRUE(frmOmbrix->isVisible());
+    EXPECT_EQ(Unsaved(), "Words were changed.");
+    ClicksQuit().WaitsUntil("the question stands",
+                            [] { return ScriptedOperator::BoxText() == "Words were changed.\nQuit without saving?"; });
+    person.AnswersBox("OK");
+    ASSERT_TRUE(person.Runs());
+    ExpectLastWords();
+}
+
+TEST_F(UnsavedQuit, ASecondQuitIsAnAnswer)
+{
+    ClicksQuit().WaitsUntil("the question stands", [] { return ScriptedOperator::Box() != nullptr; });
+    ClicksQuit();
+    ASSERT_TRUE(person.Runs());
+    ExpectLastWords();
+}
+
+TEST_F(UnsavedQuit, ASignalAsksNobody)
+{
+    SignalComes();
+    ASSERT_TRUE(person.Runs());
+    ExpectLastWords();
+}
+
+TEST_F(UnsavedQuit, AnotherPageHasNothingUnsaved)
+{
+    ShowPage(4);
+    EXPECT_EQ(Unsaved(), "");
+    ClicksQuit();
+    ASSERT_TRUE(person.Runs());
+    ExpectLastWords();
 }

@@ -176,5 +176,24 @@ TEST_F(Fields, AHeldEnterCommitsOnce)
     EXPECT_EQ(commits.size(), 1U);
 }
 
+TEST_F(Fields, FreeTextTakesKeysAlsoWhileAProcedureRuns)
+{
+    QLineEdit *text = FreeText(&page, "txtDpmID", [this](const std::string &now) { edits.push_back(now); });
+    page.show();
+    RunProcedure([&] { QTest::keyClicks(text, "a 7"); });
+    EXPECT_EQ(text->objectName(), "txtDpmID");
+    EXPECT_THAT(edits, ElementsAre("a", "a ", "a 7"));
+}
+
+TEST_F(Fields, AFilledFieldIsPaintedInItsColourWithATextThatReads)
+{
+    Opens(HexKeys());
+    FillField(field, Qt::cyan);
+    EXPECT_EQ(field->palette().color(QPalette::Base), QColor(Qt::cyan));
+    EXPECT_EQ(field->palette().color(QPalette::Text), QColor(Qt::black));
+    FillField(field, Qt::darkBlue);
+    EXPECT_EQ(field->palette().color(QPalette::Text), QColor(Qt::white));
+}
+
 }  // namespace
 }  // namespace ombrix::test
