@@ -5,34 +5,8 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
 namespace ombrix {
-namespace {
-
-std::function<FileFault(FileCall)> fileFaults;
-
-FileFault FaultOf(FileCall call)
-{
-    return fileFaults ? fileFaults(call) : FileFault();
-}
-
-// True, with errno set, when the call is not to reach the system.
-bool Fails(FileCall call)
-{
-    const int error = FaultOf(call).error;
-    if (error != 0)
-        errno = error;
-    return error != 0;
-}
-
-}  // namespace
-
-void UseFileFaults(std::function<FileFault(FileCall)> faults)
-{
-    fileFaults = std::move(faults);
-}
-
 bool MakeFolder(const std::string &path)
 {
     if (Fails(FileCall::MakeFolder))

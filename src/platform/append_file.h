@@ -4,9 +4,10 @@
 // again when it next has something to say.
 #pragma once
 
+#include "platform/file_faults.h"
+
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <sys/types.h>
@@ -48,17 +49,5 @@ private:
     ino_t m_number = 0;
     std::string m_path;
 };
-
-/// What is asked of the system.
-enum class FileCall { MakeFolder, Open, Look, Size, Read, Write };
-
-/// How a call to the system fails: after so many bytes written, with an error of errno.h.
-struct FileFault {
-    int error = 0;          ///< 0: it does not fail
-    std::size_t taken = 0;  ///< FileCall::Write alone: more than 0 is a short write, which has no error
-};
-
-/// For tests: asked before each call; nullptr takes it away.
-void UseFileFaults(std::function<FileFault(FileCall)> faults);
 
 }  // namespace ombrix
