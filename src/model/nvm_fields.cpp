@@ -73,23 +73,6 @@ std::size_t PlaceOfWord(int topWord, int word)
     return static_cast<std::size_t>(topWord - word) * kWordDigits;
 }
 
-// Changed words that follow each other, the highest first.
-std::vector<NvmRun> ChangedRuns(std::string_view before, std::string_view after, int topWord)
-{
-    std::vector<NvmRun> runs;
-    const std::size_t words = std::min(before.size(), after.size()) / kWordDigits;
-    for (std::size_t at = 0; at < words; ++at) {
-        if (before.substr(at * kWordDigits, kWordDigits) == after.substr(at * kWordDigits, kWordDigits))
-            continue;
-        const int word = topWord - static_cast<int>(at);
-        if (!runs.empty() && runs.back().start - runs.back().count == word)
-            ++runs.back().count;
-        else
-            runs.push_back({word, 1});
-    }
-    return runs;
-}
-
 // One run from the first word of `high` to the last of `low`.
 NvmRun Joined(const NvmRun &high, const NvmRun &low)
 {
@@ -152,6 +135,22 @@ std::string WithNvmField(std::string image, const NvmField &field, int topWord, 
     return image;
 }
 
+std::vector<NvmRun> ChangedRuns(std::string_view before, std::string_view after, int topWord)
+{
+    std::vector<NvmRun> runs;
+    const std::size_t words = std::min(before.size(), after.size()) / kWordDigits;
+    for (std::size_t at = 0; at < words; ++at) {
+        if (before.substr(at * kWordDigits, kWordDigits) == after.substr(at * kWordDigits, kWordDigits))
+            continue;
+        const int word = topWord - static_cast<int>(at);
+        if (!runs.empty() && runs.back().start - runs.back().count == word)
+            ++runs.back().count;
+        else
+            runs.push_back({word, 1});
+    }
+    return runs;
+}
+
 std::vector<NvmRun> RunsToWrite(std::string_view before, std::string_view after, int topWord)
 {
     std::vector<NvmRun> runs = ChangedRuns(before, after, topWord);
@@ -173,6 +172,14 @@ std::string DigitsOfRun(std::string_view image, int topWord, const NvmRun &run)
     const std::size_t place = PlaceOfWord(topWord, run.start);
     return place < image.size() ? std::string(image.substr(place, static_cast<std::size_t>(run.count) * kWordDigits))
                                 : "";
+}
+
+std::string WithRun(std::string image, int topWord, int word, std::string_view digits)
+{
+    const std::size_t place = PlaceOfWord(topWord, word);
+    if (word <= topWord && place + digits.size() <= image.size())
+        image.replace(place, digits.size(), digits);
+    return image;
 }
 
 std::vector<std::string> WordsThatDiffer(std::string_view one, std::string_view other, int topWord)

@@ -37,11 +37,15 @@ struct NvmRun {
     int count = 0;
     bool operator==(const NvmRun &) const = default;
 };
+/// Changed words that follow each other, the highest first.
+std::vector<NvmRun> ChangedRuns(std::string_view before, std::string_view after, int topWord);
 /// The fewest writes that bring every changed word into the meter: at most two, cut at the first of the largest gaps. A
 /// run may carry unchanged words between changed ones. None when nothing was changed.
 std::vector<NvmRun> RunsToWrite(std::string_view before, std::string_view after, int topWord);
 /// The digits of a run.
 std::string DigitsOfRun(std::string_view image, int topWord, const NvmRun &run);
+/// The image with the words from `word` downward replaced; unchanged when they don't all lie in it.
+std::string WithRun(std::string image, int topWord, int word, std::string_view digits);
 /// The numbers of the words of two images that differ, two hexadecimal digits each, the highest first.
 std::vector<std::string> WordsThatDiffer(std::string_view one, std::string_view other, int topWord);
 

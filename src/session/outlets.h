@@ -56,6 +56,9 @@ struct Outlets {
     /// An Open dialog that begins at a file; `filter` as "Meter files (*.dpm)". The path, "" when it was cancelled.
     std::function<std::string(const std::string &title, const std::string &filter, const std::string &start)>
         chooseFile = [](const std::string &, const std::string &, const std::string &) { return std::string(); };
+    /// The same for a file that may be new: readings will be written into it.
+    std::function<std::string(const std::string &title, const std::string &filter, const std::string &start)> nameFile =
+        [](const std::string &, const std::string &, const std::string &) { return std::string(); };
     /// A print dialog, then the page in 'Courier New' at `points`. "" when it was printed or cancelled, otherwise why it
     /// could not be.
     std::function<std::string(const std::string &title, const std::vector<PrintedLine> &lines, int points)> print =

@@ -65,19 +65,24 @@ bool Paint(QPainter &painter, QPrinter &printer, const std::vector<PrintedLine> 
     return true;
 }
 
-}  // namespace
-
-std::string ChooseFile(const std::string &title, const std::string &filter, const std::string &start)
+void PrepareFileDialog(QFileDialog &dialog, const std::string &filter, const std::string &start)
 {
-    QFileDialog dialog(frmOmbrix, Caption(title));
     dialog.setObjectName("dlgOpen");
     dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setFileMode(QFileDialog::AnyFile);  // a file that isn't there is told below, in a box of the station's own
+    dialog.setFileMode(QFileDialog::AnyFile);  // a file that isn't there is told by whoever can't use one
     dialog.setNameFilter(QString::fromStdString(filter));
     const QFileInfo begin(QString::fromStdString(start));
     dialog.setDirectory(begin.isDir() ? begin.absoluteFilePath() : begin.absolutePath());
     if (!begin.isDir())
         dialog.selectFile(begin.fileName());
+}
+
+}  // namespace
+
+std::string ChooseFile(const std::string &title, const std::string &filter, const std::string &start)
+{
+    QFileDialog dialog(frmOmbrix, Caption(title));
+    PrepareFileDialog(dialog, filter, start);
     while (ShowAndWait(&dialog)) {
         const QString path = dialog.selectedFiles().value(0);
         if (QFileInfo(path).isFile())
@@ -85,6 +90,13 @@ std::string ChooseFile(const std::string &title, const std::string &filter, cons
         WarnOperator("There is no such file: " + path.toStdString(), title);
     }
     return "";
+}
+
+std::string NameFile(const std::string &title, const std::string &filter, const std::string &start)
+{
+    QFileDialog dialog(frmOmbrix, Caption(title));
+    PrepareFileDialog(dialog, filter, start);
+    return ShowAndWait(&dialog) ? dialog.selectedFiles().value(0).toStdString() : "";
 }
 
 std::string PrintLines(const std::string &title, const std::vector<PrintedLine> &lines, int points)

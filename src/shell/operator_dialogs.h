@@ -12,6 +12,9 @@ namespace ombrix {
 /// "" when it was cancelled.
 std::string ChooseFile(const std::string &title, const std::string &filter, const std::string &start);
 
+/// The same for a file that need not be there yet.
+std::string NameFile(const std::string &title, const std::string &filter, const std::string &start);
+
 /// A print dialog, then the lines in 'Courier New' at `points`, smaller where the longest would not fit the page. A file
 /// can be printed to where there is no printer. "" when it was printed or cancelled, otherwise why it could not be.
 std::string PrintLines(const std::string &title, const std::vector<PrintedLine> &lines, int points);

@@ -9,6 +9,8 @@
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
+#include "records/nvm_page.h"
+#include "records/verify_page.h"
 #include "session/journal.h"
 #include "session/kept_remarks.h"
 #include "session/live_output.h"
@@ -76,6 +78,7 @@ void FillOutlets()
     outlets.warnOperator = WarnOperator;
     outlets.askOperator = AskOperator;
     outlets.chooseFile = ChooseFile;
+    outlets.nameFile = NameFile;
     outlets.print = PrintLines;
     FaultOutlet = [](const std::string &words) {
         ShowRemark(words);
@@ -83,6 +86,7 @@ void FillOutlets()
     };
     SetSummarySource(StepSummary);
     FillDiagramHooks();
+    FillNvmHooks();
 }
 
 void RegisterPages()
@@ -90,6 +94,8 @@ void RegisterPages()
     RegisterSetupPage();
     RegisterStepRules();
     RegisterRangePage();
+    RegisterNvmPage();
+    RegisterVerifyPage();
 }
 
 void OpenStation()
