@@ -121,6 +121,11 @@ void Bench::SetRatioReading(double counts)
     m_parts->meter.Board().ratioReading = counts;
 }
 
+void Bench::WearOut(int word)
+{
+    m_parts->meter.WearOut(word);
+}
+
 void Bench::SetWord(int word, std::uint16_t value)
 {
     m_parts->meter.SetWord(word, value);

@@ -82,6 +82,8 @@ public:
     void SetRatioReading(double counts);
     /// Replaces one word of the meter's memory; it takes effect with the next restart.
     void SetWord(int word, std::uint16_t value);
+    /// From now on a word of the memory takes nothing that is written to it.
+    void WearOut(int word);
     /// Blocks of the UUT port in one form only; otherwise each of the three in turn.
     void UseBlockForm(BlockForm form);
 

@@ -81,7 +81,8 @@ void Meter::WriteWords(const MeterCommand &command)
 {
     for (int i = 0; i < command.count; ++i) {
         const std::string_view hex = std::string_view(command.data).substr(static_cast<std::size_t>(i) * 4, 4);
-        m_nvm[static_cast<std::size_t>(command.address - i)] = static_cast<std::uint16_t>(HexValue(hex));
+        if (!m_worn.contains(command.address - i))
+            m_nvm[static_cast<std::size_t>(command.address - i)] = static_cast<std::uint16_t>(HexValue(hex));
     }
 }
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <deque>
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -47,6 +48,8 @@ public:
     void SetSignOfLife(const std::string &bytes) { m_signOfLife = bytes; }
     void SetWord(int word, std::uint16_t value) { m_nvm[static_cast<std::size_t>(word)] = value; }
 
+    /// A word that keeps its value whatever is written to it.
+    void WearOut(int word) { m_worn.insert(word); }
     /// When it next does something by itself: ends a restart, sends a record.
     std::optional<Micros> NextDue() const;
     /// Does what is due, and what it says by itself.
@@ -109,6 +112,7 @@ private:
     bool m_drifted = false;
     std::deque<std::string> m_shown;
     int m_reads = 0;
+    std::set<int> m_worn;
 };
 
 }  // namespace ombrix::bench

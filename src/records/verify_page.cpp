@@ -140,6 +140,13 @@ std::string NameOfPath(const std::string &path)
     return path.substr(path.find_last_of("/\\") + 1);
 }
 
+// Where the next dialog begins.
+std::string FolderOfFile()
+{
+    const std::string folder = page.file.substr(0, page.file.size() - NameOfPath(page.file).size());
+    return folder.empty() ? "." : folder;
+}
+
 std::string RangeName()
 {
     return VerifyRangeName(SCType, page.selected);
@@ -245,7 +252,7 @@ bool MayUse(const std::string &path)
 // False when there is none to go on with.
 bool ChooseVerifyFile(std::string &trouble)
 {
-    const std::string path = outlets.nameFile("File", "All files (*)", "");
+    const std::string path = outlets.nameFile("File", "All files (*)", FolderOfFile());
     if (path.empty() || !MayUse(path))
         return false;
     page.file = path;

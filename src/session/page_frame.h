@@ -37,10 +37,10 @@ std::string Unsaved();
 
 /// What the word boxes of fraCalib(15) show: words 49 to 0 of a counter.
 struct WordBoxes {
-    std::string image;     ///< 200 digits, word 49 first; of another length the boxes stay empty
-    std::string meant;     ///< what was written; a box that holds something else is red. "" nothing was written
-    std::string says;      ///< lblVFNVM
-    bool trouble = false;  ///< in red
+    std::string image;       ///< 200 digits, word 49 first; of another length the boxes stay empty
+    std::string meant = {};  ///< what was written; a box that holds something else is red. "" nothing was written
+    std::string says = {};   ///< lblVFNVM
+    bool trouble = false;    ///< in red
     /// What "Save" does, as the page's procedure. The boxes that it returns are shown then. Empty: no "Save".
     std::function<WordBoxes()> save = {};
 };
@@ -50,9 +50,9 @@ void ShowWordBoxes(const WordBoxes &boxes);
 /// Who opens the page of raw words from a page of his own.
 struct RawWordsFrom {
     /// Told what the meter holds after each "Save": words from `address` downward.
-    std::function<void(int address, const std::string &hex)> written;
+    std::function<void(int address, const std::string &hex)> written = {};
     /// "Back": shows the page again.
-    std::function<void()> back;
+    std::function<void()> back = {};
 };
 /// The page of raw words, fraCalib(18). Steps, tabs and Setup stay off on it. Call it from a handler.
 void EnterRawWords(const RawWordsFrom &from);

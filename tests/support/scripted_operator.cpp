@@ -48,23 +48,25 @@ template <class Dialog> Dialog *Open()
     return nullptr;
 }
 
-void ClickButton(QWidget *dialog, QDialogButtonBox::StandardButton which, QDialogButtonBox::StandardButton orElse)
-{
-    auto *box = dialog->findChild<QDialogButtonBox *>();
-    QTest::mouseClick(box->button(box->button(which) ? which : orElse), Qt::LeftButton);
-}
-
-QString Name(const std::string &name)
-{
-    return QString::fromStdString(name);
-}
-
 QWidget *MainWindow()
 {
     for (QWidget *window : QApplication::topLevelWidgets())
         if (qobject_cast<QMainWindow *>(window))
             return window;
     return nullptr;
+}
+
+void ClickButton(QWidget *dialog, QDialogButtonBox::StandardButton which, QDialogButtonBox::StandardButton orElse)
+{
+    auto *box = dialog->findChild<QDialogButtonBox *>();
+    QTest::mouseClick(box->button(box->button(which) ? which : orElse), Qt::LeftButton);
+    if (!dialog->isVisible())
+        QApplication::setActiveWindow(MainWindow());  // as a desktop does; without one nobody does
+}
+
+QString Name(const std::string &name)
+{
+    return QString::fromStdString(name);
 }
 
 // A check box and an option react on their indicator and text, not on the whole width.

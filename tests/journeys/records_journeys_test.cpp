@@ -1,0 +1,273 @@
+// A meter's records: every range verified into a file, words changed by name and by number. And what can go wrong then.
+
+#include "journeys/page_loops.h"
+#include "model/range_tables.h"
+#include "model/step_ids.h"
+#include "model/verify_file.h"
+#include "platform/safe_file.h"
+#include "platform/text.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "support/bench_log.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QDir>
+
+#include <cmath>
+#include <string>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+constexpr int kStepEntry = 20;  // seconds, as for a range
+constexpr int kRemoval = 60;
+constexpr int kPatience = 60;  // what the operator waits for a reading before he presses Esc
+
+std::string ButtonOf(int step)
+{
+    for (int position = 0; position < kPositions; ++position)
+        if (StepIdAtPosition(position) == step)
+            return StepButton(position);
+    return "";
+}
+
+std::string Path(const std::string &file)
+{
+    return QDir::current().filePath(QString::fromStdString(file)).toStdString();
+}
+
+// What the display showed last, without its point, as a record of the file holds it.
+std::string LastShown(const bench::Bench &bench)
+{
+    std::string shown;
+    bool asked = false;
+    for (const auto &line : bench.Transcript()) {
+        if (line.line != bench::Line::Meter)
+            continue;
+        if (!line.fromStation && asked)
+            shown = line.text.substr(0, line.text.find('\\'));
+        asked = line.fromStation && line.text == "*1B1\\r";
+    }
+    std::string digits;
+    for (const char c : shown)
+        if (c != '.' && c != ' ')
+            digits += c;
+    return std::string(6 - std::min<std::size_t>(digits.size(), 6), ' ') + digits;
+}
+
+Wiring WiringOf(int board, bool manual, bool uut)
+{
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.kind = board == kVf ? kCtr : kDpm;
+    wiring.bench.uut = uut;
+    wiring.manual = manual;
+    return wiring;
+}
+
+struct VerifyCase {
+    const char *name;
+    int board;
+    bool manual;
+};
+
+class VerifyJourney : public testing::TestWithParam<VerifyCase>
+{
+};
+
+}  // namespace
+
+TEST_P(VerifyJourney, KeepsOfEveryRangeWhatTheMeterShowed)
+{
+    const int board = GetParam().board;
+    BenchStation station(WiringOf(board, GetParam().manual, false));
+    ASSERT_TRUE(station.Establishes());
+    std::string wanted = EmptyVerifyFile();
+    station.person.Clicks(ButtonOf(Step::Verify)).Clicks("cmdFileSpec").ChoosesFile(Path("unit.vfy"));
+    const int polarities = VerifyTwoPolarity(board) ? 2 : 1;
+    for (int button = 0; button <= VerifyLastButton(board); ++button) {
+        station.person.Clicks("cmdVfyReady").WaitsFor("cmdVfyOK");
+        for (int polarity = 0; polarity < polarities; ++polarity) {
+            const int slot = 2 * button + polarity;
+            const std::string shape = "shpVfyRdg(" + std::to_string(slot) + ")";
+            station.person.WaitsUntil("the input stands", [shape] {
+                return ScriptedOperator::IsEnabled("cmdVfyOK") && ScriptedOperator::Fill(shape) == "#00ffff";
+            });
+            station.person.Clicks("cmdVfyOK").WaitsUntil("it was read", [shape] {
+                return ScriptedOperator::Fill(shape) != "#00ffff";
+            });
+            station.person.Does([&wanted, &station, board, slot] {
+                wanted.replace(VerifyPlaceOf(VerifyRecordOf(board, slot)), 6, LastShown(station.bench));
+                EXPECT_EQ(ReadFile("unit.vfy"), wanted) << "slot " << slot;
+            });
+        }
+        station.person.WaitsFor("cmdVfyReady");
+    }
+    station.person.Clicks("cmdVfyDone").WaitsFor("cmdSetup");
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_EQ(ReadFile("unit.vfy"), wanted);
+    EXPECT_EQ(FirstEmptyRange(wanted, board), 0) << "nothing is missing";
+    EXPECT_FALSE(station.bench.CalibratorNow().operating);
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(OfABoard, VerifyJourney,
+                         testing::Values(VerifyCase{"Dc", kDc, false}, VerifyCase{"Ac", kAc, false},
+                                         VerifyCase{"Ac3", kAc3, false}, VerifyCase{"Lc", kLc, false},
+                                         VerifyCase{"DcByHand", kDc, true}),
+                         [](const testing::TestParamInfo<VerifyCase> &info) { return info.param.name; });
+
+TEST(VerifyJourneys, DcAndAcReadingsOfAUnitShareAFile)
+{
+    std::string dc;
+    for (const int board : {kDc, kAc}) {
+        BenchStation station(WiringOf(board, false, false));
+        if (board == kAc) {
+            ASSERT_EQ(WriteFile("unit.vfy", dc), "");
+        }
+        ASSERT_TRUE(station.Establishes());
+        station.person.Clicks(ButtonOf(Step::Verify)).Clicks("cmdFileSpec").ChoosesFile(Path("unit.vfy"));
+        station.person.Clicks("cmdVfyReady").Clicks("cmdVfyOK").WaitsUntil("it was read", [] {
+            return ScriptedOperator::Text("lblVfyRdg(0)") != "      ";
+        });
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        const std::string bytes = ReadFile("unit.vfy").value_or("");
+        if (board == kDc)
+            dc = bytes;
+        else
+            EXPECT_EQ(bytes.substr(0, 108), dc.substr(0, 108));
+        EXPECT_EQ(bytes.substr(VerifyPlaceOf(VerifyRecordOf(board, 0)), 6), LastShown(station.bench));
+    }
+}
+
+TEST(EditorJourney, ChangesACountersWordsThroughTheCalibratorsPort)
+{
+    BenchStation station(WiringOf(kVf, false, true));
+    ASSERT_TRUE(station.Establishes());
+    const auto before = station.bench.Nvm();
+    station.person.Clicks(ButtonOf(Step::ViewNvm)).WaitsFor("txtNVM(35)");
+    station.person.Types("txtNVM(43)", "0004D2").Types("txtNVM(82)", "ABCD");  // words 13, 12 and 45
+    station.person.Clicks("cmdNVMsave(1)").WaitsFor("cmdSetup");
+    station.person.Clicks("cmdNVMWord(1)").Types("txtNVMWord(0)", "2F").Clicks("cmdNVMWord(2)");
+    station.person.WaitsFor("txtNVMWord(1)").Types("txtNVMWord(1)", "55AA").Clicks("cmdNVMWord(3)");
+    station.person.WaitsFor("cmdNVMWord(5)").Clicks("cmdNVMWord(5)").WaitsFor("txtNVM(35)");
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    auto wanted = before;
+    wanted[13] = static_cast<std::uint16_t>(before[13] & 0xFF00);
+    wanted[12] = 0x04D2;
+    wanted[45] = 0xABCD;
+    wanted[47] = 0x55AA;
+    EXPECT_EQ(station.bench.Nvm(), wanted);
+    EXPECT_EQ(ScriptedOperator::Text("txtNVM(84)"), "55AA");
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+// ---- what can go wrong ----
+
+namespace {
+
+void TakesAReading(BenchStation &station)
+{
+    const std::int64_t start = station.clock.Elapsed();
+    station.person.Clicks("cmdVfyOK").WaitsUntil("it was read or lasts too long", [&station, start] {
+        return ScriptedOperator::IsEnabled("cmdVfyOK") || ScriptedOperator::IsEnabled("cmdVfyReady") ||
+               station.clock.Elapsed() > start + kPatience * 1000;
+    });
+    station.person.Does([] {
+        if (!ScriptedOperator::IsEnabled("cmdVfyOK") && !ScriptedOperator::IsEnabled("cmdVfyReady"))
+            PressEscape();
+    });
+}
+
+// The first range of a DC board: both readings, then Done.
+PageScript VerifyScript()
+{
+    PageScript script;
+    script.works = [](BenchStation &station, const std::string &) {
+        Leaves(station, ButtonOf(Step::Verify), kStepEntry);
+        station.person.Clicks("cmdFileSpec").ChoosesFile(Path("unit.vfy")).WaitsFor("cmdVfyReady");
+        station.person.Clicks("cmdVfyReady").WaitsUntil("the input was asked for", [] {
+            return ScriptedOperator::IsEnabled("cmdVfyOK") || ScriptedOperator::IsEnabled("cmdVfyReady");
+        });
+        station.person.Does([&station] {
+            if (ScriptedOperator::IsEnabled("cmdVfyOK"))
+                TakesAReading(station);
+        });
+        const auto rests = [] {
+            return ScriptedOperator::IsEnabled("cmdVfyOK") || ScriptedOperator::IsEnabled("cmdVfyReady");
+        };
+        station.person.WaitsUntil("the page rests", rests).Does([&station] {
+            if (ScriptedOperator::IsEnabled("cmdVfyOK"))
+                TakesAReading(station);
+        });
+        station.person.WaitsUntil("the page rests", rests).Does([] {
+            if (ScriptedOperator::IsEnabled("cmdVfyOK"))
+                PressEscape();
+        });
+        station.person.WaitsFor("cmdVfyDone");
+        Leaves(station, "cmdVfyDone", kRemoval + kStepEntry);
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(ButtonOf(Step::Verify)).Clicks("chkTempFile").Clicks("cmdVfyReady");
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(ButtonOf(Step::Verify)).Clicks("chkTempFile").Clicks("cmdVfyReady").Clicks("cmdVfyOK");
+        station.person.WaitsFor("cmdVfyOK").Does([&station] {
+            EXPECT_EQ(ReadFile("Vfy$Temp.txt").value_or("").substr(0, 6), LastShown(station.bench));
+        });
+        station.person.Does([] { PressEscape(); }).WaitsFor("cmdVfyReady");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    };
+    return script;
+}
+
+// A word changed, saved, and what comes of it; a change that is left over is cancelled.
+PageScript EditorScript()
+{
+    PageScript script;
+    script.works = [](BenchStation &station, const std::string &) {
+        Leaves(station, ButtonOf(Step::ViewNvm), kStepEntry);
+        station.person.Does([&station] {
+            if (!ScriptedOperator::IsEnabled("txtNVM(14)"))
+                return;
+            const bool high = ScriptedOperator::Text("txtNVM(14)") == "1234";
+            station.person.Types("txtNVM(14)", high ? "1235" : "1234").Clicks("cmdNVMsave(0)");
+            station.person.WaitsUntil("the save has ended", [] {
+                return NavigationIsFree() || ScriptedOperator::IsEnabled("cmdNVMcancel(0)");
+            });
+            station.person.Does([&station] {
+                if (!NavigationIsFree())
+                    Leaves(station, "cmdNVMcancel(0)", kStepEntry);
+            });
+        });
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(ButtonOf(Step::ViewNvm)).WaitsFor("txtNVM(14)").Types("txtNVM(14)", "1234");
+        station.person.Clicks("cmdNVMsave(0)");
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(ButtonOf(Step::ViewNvm)).WaitsFor("txtNVM(14)").Types("txtNVM(14)", "4321");
+        station.person.Clicks("cmdNVMsave(0)").WaitsFor("cmdSetup");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_EQ(station.bench.Nvm()[39], 0x4321);
+    };
+    return script;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(FaultCases(VerifyScript(), Stride(13))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultCases(EditorScript(), Stride(4))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnVerify, QuitLoop,
+                         testing::ValuesIn(QuitCases(VerifyScript(), {0, 100, 1100, 2300, 3000, 4000, 9000})),
+                         NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(OnTheEditor, QuitLoop, testing::ValuesIn(QuitCases(EditorScript(), {0, 700, 2600})),
+                         NameOfQuitCase);

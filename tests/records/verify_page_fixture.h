@@ -1,0 +1,90 @@
+// Verify in the station's real window, with the bench's instruments behind it.
+#pragma once
+
+#include "model/range_tables.h"
+#include "model/step_ids.h"
+#include "model/verify_file.h"
+#include "platform/file_faults.h"
+#include "platform/safe_file.h"
+#include "session/journal_reader.h"
+#include "support/page_test.h"
+
+#include <QDir>
+
+#include <string>
+#include <vector>
+
+namespace ombrix::test {
+
+inline constexpr char kTempFile[] = "Vfy$Temp.txt";
+
+inline std::string VerifyStep()
+{
+    for (int position = 0; position < kPositions; ++position)
+        if (StepIdAtPosition(position) == Step::Verify)
+            return StepButton(position);
+    return "";
+}
+/// In the folder of the test; "" stays "".
+inline std::string Path(const std::string &file)
+{
+    return file.empty() ? "" : QDir::current().filePath(QString::fromStdString(file)).toStdString();
+}
+inline std::string RangeButton(int button)
+{
+    return "cmdVfyRng(" + std::to_string(button) + ")";
+}
+inline std::string ReadingLabel(int slot)
+{
+    return "lblVfyRdg(" + std::to_string(slot) + ")";
+}
+inline std::string ReadingShape(int slot)
+{
+    return "shpVfyRdg(" + std::to_string(slot) + ")";
+}
+/// A record of a file, its six characters.
+inline std::string RecordOf(int record, const std::string &file = kTempFile)
+{
+    const std::string bytes = ReadFile(file).value_or("");
+    return bytes.size() < VerifyPlaceOf(record) + 6 ? "none" : bytes.substr(VerifyPlaceOf(record), 6);
+}
+
+class WiredVerify : public WiredPage
+{
+protected:
+    void TearDown() override
+    {
+        UseFileFaults(nullptr);
+        WiredPage::TearDown();
+    }
+
+    /// A meter of a board, established, the page in front.
+    void Opens(int board, bool outputSwitch = false)
+    {
+        bench::BenchSetup setup;
+        setup.board = board;
+        setup.outputSwitch = outputSwitch;
+        Stands(setup);
+        if (outputSwitch)
+            person->Clicks("optSwYes");
+        Establishes();
+        person->Clicks(VerifyStep()).WaitsFor("chkTempFile");
+        Runs();
+    }
+
+    ScriptedOperator &UsesTheTemporaryFile() { return person->Clicks("chkTempFile").WaitsFor("cmdVfyReady"); }
+    ScriptedOperator &Chooses(const std::string &file)
+    {
+        return person->Clicks("cmdFileSpec").ChoosesFile(Path(file)).WaitsFor("cmdFileSpec");
+    }
+    /// Applies the range in front.
+    ScriptedOperator &GetsReady() { return person->Clicks("cmdVfyReady").WaitsFor("cmdVfyOK"); }
+    void Runs() { ASSERT_TRUE(person->Runs()) << person->Trouble(); }
+
+    /// The display from now on.
+    void Shows(const std::string &text) { bench->ShowNext({text}); }
+
+    static void WritesFile(const std::string &name, const std::string &bytes) { ASSERT_EQ(WriteFile(name, bytes), ""); }
+};
+
+}  // namespace ombrix::test
