@@ -312,7 +312,6 @@ bool TakeReadingOfSlot()
         WaitForOperator([] { return page.clicked; }, Escape::Stops);
         if (Abort)
             return false;
-        ShowPageState(states, kTaking);
         const std::string reading = VerifyRecordText(TakeReading(page.polarity));
         if (Abort)
             return false;
@@ -377,6 +376,7 @@ void cmdVfyReady_Click()
 void cmdVfyOK_Click()
 {
     page.clicked = true;
+    ShowPageState(states, kTaking);
 }
 
 void chkTempFile_Click()

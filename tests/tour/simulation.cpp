@@ -2,6 +2,7 @@
 
 #include "links/meter_simulator.h"
 #include "model/range_tables.h"
+#include "model/step_ids.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
 #include "session/state.h"
@@ -112,6 +113,32 @@ void ScriptRange(ScriptedOperator &person, int position, const std::string &prog
         .Does([&results] { results.back().accepted = true; });
 }
 
+std::string ButtonOfStep(int step)
+{
+    for (int position = 0; position < kPositions; ++position)
+        if (StepIdAtPosition(position) == step)
+            return ButtonOf(position);
+    return "";
+}
+
+// One range verified, a word changed and given back, four words by their number.
+void ScriptRecords(ScriptedOperator &person, const Pictures &pictures)
+{
+    const auto take = [&person, &pictures](const QString &name) {
+        person.Waits(pictures.QuietMs()).Does([&pictures, name] { pictures.Take(name); });
+    };
+    person.Clicks(ButtonOfStep(Step::Verify)).WaitsFor("chkTempFile").Types("txtDpmID", "A1234").Clicks("chkTempFile");
+    person.Clicks("cmdVfyReady").Clicks("cmdVfyOK").WaitsFor("cmdVfyOK");
+    take("verify");
+    person.Clicks("cmdVfyOK").WaitsFor("cmdVfyReady").Clicks("cmdVfyDone").WaitsFor("cmdVfyReady");
+    person.Clicks(ButtonOfStep(Step::ViewNvm)).WaitsFor("txtNVM(7)").Types("txtNVM(7)", "8A2F");
+    take("view-nvm");
+    person.Clicks("cmdNVMcancel(0)").Clicks("cmdNVMWord(0)").Types("txtNVMWord(0)", "28").Clicks("optNVMLen(3)");
+    person.Clicks("cmdNVMWord(2)").WaitsFor("txtNVMWord(1)");
+    take("raw-words");
+    person.Clicks("cmdNVMWord(5)").WaitsFor("txtNVM(7)").Does([] { std::printf("Verify, View NVM and raw words\n"); });
+}
+
 bool Report(const std::vector<RangeResult> &results, std::size_t expected)
 {
     bool good = results.size() == expected;
@@ -149,6 +176,7 @@ bool RunSimulation(const Options &options)
     expected = positions.size();
     for (std::size_t i = 0; i < expected; ++i)
         ScriptRange(person, positions[i], std::to_string(i + 1) + " of " + std::to_string(expected), pictures, results);
+    ScriptRecords(person, pictures);
     good = good && person.Runs();
     if (!good)
         std::printf("%s\n", person.Trouble().c_str());
