@@ -33,7 +33,6 @@ namespace {
 
 constexpr int kBetweenRunsMs = 1000;  // a counter's pause between two writes
 constexpr std::size_t kNamed = 3;     // refused fields that the prompt names; their boxes show all
-constexpr const char *kUnsaved = "Changed words are not written to the meter yet.";
 
 // ---- the two layouts ----
 
@@ -74,7 +73,7 @@ struct View {
 };
 std::array<View, 2> views;
 
-View &view()
+View &Shown()
 {
     return views[page.side];
 }
@@ -131,7 +130,7 @@ std::string FieldIn(const std::string &image, int index)
 
 WordBox &BoxOf(int index)
 {
-    return view().boxes[static_cast<std::size_t>(index - LayoutInUse().firstField)];
+    return Shown().boxes[static_cast<std::size_t>(index - LayoutInUse().firstField)];
 }
 
 bool WasRefused(int index)
@@ -182,8 +181,8 @@ void BuildNvmPage()
 
 void ShowState(State state)
 {
-    ShowPageState(view().states, state);
-    SetUnsaved(state == kEdited ? kUnsaved : "");
+    ShowPageState(Shown().states, state);
+    SetUnsaved(state == kEdited ? kUnsavedWords : "");
 }
 
 // Which fields did not take what was written; "" when all did.
@@ -280,7 +279,7 @@ void LeaveSave(const std::string &held)
     if (held.empty()) {
         page.asked = false;
         ShowState(kEdited);
-        ShowPrompt(view().states, kPromptUnknown);
+        ShowPrompt(Shown().states, kPromptUnknown);
         return;
     }
     page.saved = held;
@@ -288,9 +287,9 @@ void LeaveSave(const std::string &held)
     ReloadNvmFields();
     const std::string refused = RefusedText();
     if (!refused.empty())
-        ShowPrompt(view().states, {"Not taken by the meter: " + refused, true});
+        ShowPrompt(Shown().states, {"Not taken by the meter: " + refused, true});
     else
-        ShowPrompt(view().states, {"Written, and read back from the meter.\r\n" + kPromptEdit.text});
+        ShowPrompt(Shown().states, {"Written, and read back from the meter.\r\n" + kPromptEdit.text});
 }
 
 // ---- for other pages ----
@@ -306,7 +305,7 @@ void ShowLentBoxes(const WordBoxes &boxes)
     ShowPage(LayoutInUse().frame);
     BuildNvmPage();
     ShowFields(false);
-    ShowPageState(view().states, boxes.save ? kLentToSave : kLent, {boxes.says, boxes.trouble});
+    ShowPageState(Shown().states, boxes.save ? kLentToSave : kLent, {boxes.says, boxes.trouble});
 }
 
 void SaveForOther()
@@ -315,7 +314,7 @@ void SaveForOther()
     WordBoxes after = before;
     RunPageProcedure(
         [&before, &after] {
-            ShowPageState(view().states, kSaving);
+            ShowPageState(Shown().states, kSaving);
             after = before.save();
         },
         [&after](Ended) { ShowLentBoxes(after); });
@@ -330,7 +329,7 @@ void txtNVM_Change(int index, const std::string &text)
                                PaddedDigits(text, static_cast<std::size_t>(field.width)));
     MarkField(index);
     const State state = page.edited == page.saved && page.asked ? kClean : kEdited;
-    if (view().states.now != state)
+    if (Shown().states.now != state)
         ShowState(state);
 }
 

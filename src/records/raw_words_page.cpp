@@ -36,7 +36,6 @@ namespace {
 constexpr int kRawPage = 18;
 constexpr int kMostWords = 4;
 constexpr std::size_t kWordDigits = 4;
-constexpr const char *kUnsaved = "Changed words are not written to the meter yet.";
 
 // ---- what the page knows ----
 
@@ -97,7 +96,7 @@ std::size_t Digits()
 void ShowState(State state)
 {
     ShowPageState(view.states, state);
-    SetUnsaved(state == kEdited ? kUnsaved : "");
+    SetUnsaved(state == kEdited ? kUnsavedWords : "");
 }
 
 void MarkValue()

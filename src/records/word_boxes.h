@@ -15,6 +15,9 @@ class QWidget;
 
 namespace ombrix {
 
+/// What Quit asks about while a change is pending.
+constexpr const char *kUnsavedWords = "Changed words are not written to the meter yet.";
+
 struct WordBox {
     QLabel *lblNVM = nullptr;
     QLabel *lblAddr = nullptr;

@@ -27,7 +27,8 @@ namespace {
 
 constexpr int kStepEntry = 20;  // seconds, as for a range
 constexpr int kRemoval = 60;
-constexpr int kPatience = 60;  // what the operator waits for a reading before he presses Esc
+constexpr int kRestart = 3000;  // milliseconds, more than any restart
+constexpr int kPatience = 60;   // what the operator waits for a reading before he presses Esc
 
 std::string ButtonOf(int step)
 {
@@ -181,8 +182,11 @@ bool PageRests()
 void GoesOn(BenchStation &station, int readings)
 {
     station.person.WaitsUntil("the page rests", PageRests).Does([&station, readings] {
-        if (!ScriptedOperator::IsEnabled("cmdVfyOK"))
-            return Leaves(station, "cmdVfyDone", kRemoval + kStepEntry);
+        if (!ScriptedOperator::IsEnabled("cmdVfyOK")) {
+            Leaves(station, "cmdVfyDone", kRemoval + kStepEntry);
+            station.person.Waits(kRestart);  // a meter that has just restarted by itself is deaf
+            return;
+        }
         if (readings == 0) {
             PressEscape();
             return GoesOn(station, 0);
@@ -257,10 +261,22 @@ PageScript EditorScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(FaultCases(VerifyScript(), Stride(13))),
+// No input is applied while words are edited: what only the calibrator or the display can suffer isn't tried.
+static std::vector<FaultCase> FaultsOfWords(int every)
+{
+    std::vector<FaultCase> cases = FaultCases(EditorScript(), every);
+    std::erase_if(cases, [](const FaultCase &each) {
+        for (const char *part : {"calibrator", "operating", "output", "trips", "settling", "range", "drifting"})
+            if (each.fault.find(part) != std::string::npos)
+                return true;
+        return false;
+    });
+    return cases;
+}
+
+INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(FaultCases(VerifyScript(), Stride(29))),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultCases(EditorScript(), Stride(4))),
-                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultsOfWords(Stride(5))), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnVerify, QuitLoop,
                          testing::ValuesIn(QuitCases(VerifyScript(), {0, 100, 1100, 2300, 3000, 4000, 9000})),
                          NameOfQuitCase);
