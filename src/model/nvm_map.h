@@ -17,6 +17,12 @@ struct NvmRow {
 /// Row 0..34 of the calibration block for the open tab and, on the TC tab, the board.
 NvmRow NvmRowAt(int row, int calibTab, int board);
 
+/// Words of a meter, from `word` downward, four digits each.
+struct WordRun {
+    int word;
+    std::string text;
+};
+
 /// True for a text of exactly so many upper-case hexadecimal digits: a word has 4, a VF group 12.
 bool IsWordText(std::string_view text, std::size_t digits = 4);
 

@@ -8,9 +8,6 @@
 
 namespace ombrix {
 
-int RangeDiagramIndex = -1;
-std::string RangeInputText;
-
 namespace {
 
 constexpr const char *kRangeNames[] = {
@@ -109,12 +106,12 @@ const char *PrefixOf(int board, std::ptrdiff_t row)
     }
 }
 
-// The value for a test of the range behind a diagram row, on the board in work.
-std::string InputOfDiagram(int row)
+// The value for a test of the range behind a diagram row.
+std::string InputOfDiagram(int board, int row)
 {
     if (row < 0)
         return "";
-    switch (SCType) {
+    switch (board) {
     case kDc:
         return DcRangeName(row);
     case kAc:
@@ -140,21 +137,20 @@ std::string RangeName(int index)
     return index >= 0 && index < kNames ? kRangeNames[index] : "";
 }
 
-std::string DescribeRangeCode(int board, const std::string &code)
+RangeDescription DescribeRangeCode(int board, const std::string &code)
 {
-    std::string text = "???";
-    RangeDiagramIndex = -1;
+    RangeDescription range;
     const std::span<const CodeRow> rows = RowsOf(board);
     for (const CodeRow &row : rows) {
         if (code != row.code)
             continue;
-        text = PrefixOf(board, &row - rows.data()) + RangeName(row.name);
+        range.text = PrefixOf(board, &row - rows.data()) + RangeName(row.name);
         // AC's own 660 V stands where AC2 and AC3 have nothing.
-        RangeDiagramIndex = board == kAc && row.diagram == 9 ? 4 : row.diagram;
+        range.diagram = board == kAc && row.diagram == 9 ? 4 : row.diagram;
+        range.input = InputOfDiagram(board, range.diagram);
         break;
     }
-    RangeInputText = InputOfDiagram(RangeDiagramIndex);
-    return text;
+    return range;
 }
 
 std::string RtdSimValue(int index)

@@ -5,14 +5,15 @@
 
 namespace ombrix {
 
-extern int RangeDiagramIndex;       ///< row of the diagram, set by DescribeRangeCode; -1 none
-extern std::string RangeInputText;  ///< value to apply for a test of that range, "" none
-
 /// The 57 range names, "" outside.
 std::string RangeName(int index);
-/// What a two-digit code read from a meter means, "???" when it isn't in the board's list. Sets RangeDiagramIndex and
-/// RangeInputText (the latter by the current SCType).
-std::string DescribeRangeCode(int board, const std::string &code);
+/// What a two-digit range code means on a board.
+struct RangeDescription {
+    std::string text = "???";  ///< as it stands when the code isn't in the board's list
+    int diagram = -1;          ///< row of the connection diagram; -1 none
+    std::string input = "";    ///< value to apply for a test of that range, "" none
+};
+RangeDescription DescribeRangeCode(int board, const std::string &code);
 std::string RtdSimValue(int index);
 std::string RtdSimTemperature(int index);
 

@@ -172,52 +172,40 @@ TEST_F(RangeNames, DescribeEveryCodeOfEveryBoard)
 {
     static_assert(std::size(kCodes) == 122);
     for (const CodeRow &row : kCodes) {
-        SCType = row.board;
-        EXPECT_EQ(DescribeRangeCode(row.board, row.code), row.text) << row.board << " " << row.code;
-        EXPECT_EQ(RangeDiagramIndex, row.diagram) << row.board << " " << row.code;
-        EXPECT_EQ(RangeInputText, row.input) << row.board << " " << row.code;
+        const RangeDescription range = DescribeRangeCode(row.board, row.code);
+        EXPECT_EQ(range.text, row.text) << row.board << " " << row.code;
+        EXPECT_EQ(range.diagram, row.diagram) << row.board << " " << row.code;
+        EXPECT_EQ(range.input, row.input) << row.board << " " << row.code;
     }
 }
 
 TEST_F(RangeNames, DescribeNoCodeThatIsNotListed)
 {
     for (int board = -1; board <= 10; ++board) {
-        SCType = board;
         for (const char *code : {"", "00", "FF", "4a", "6", "600"}) {
-            RangeDiagramIndex = 5;
-            RangeInputText = "old";
-            EXPECT_EQ(DescribeRangeCode(board, code), "???") << board << code;
-            EXPECT_EQ(RangeDiagramIndex, -1);
-            EXPECT_EQ(RangeInputText, "");
+            const RangeDescription range = DescribeRangeCode(board, code);
+            EXPECT_EQ(range.text, "???") << board << code;
+            EXPECT_EQ(range.diagram, -1);
+            EXPECT_EQ(range.input, "");
         }
     }
 }
 
-TEST_F(RangeNames, TakeTheInputFromTheBoardInWork)
+TEST_F(RangeNames, GoByTheBoardThatIsDescribedWhicheverIsInWork)
 {
     SCType = kLc;
-    EXPECT_EQ(DescribeRangeCode(kDc, "62"), "DC 20 V");
-    EXPECT_EQ(RangeInputText, "100 mV");
-    EXPECT_EQ(DescribeRangeCode(kDc, "73"), "DC 5 A");
-    EXPECT_EQ(RangeDiagramIndex, 8);
-    EXPECT_EQ(RangeInputText, "") << "no such row on that board";
-    SCType = -1;
-    DescribeRangeCode(kDc, "62");
-    EXPECT_EQ(RangeInputText, "");
+    EXPECT_EQ(DescribeRangeCode(kDc, "62").input, "20 V");
+    SCType = kAc2;
+    EXPECT_EQ(DescribeRangeCode(kAc, "84").diagram, 4);
 }
 
 TEST_F(RangeNames, CallTheHighestVoltage600AndApply660)
 {
-    SCType = kDc;
-    EXPECT_EQ(DescribeRangeCode(kDc, "64"), "DC 600 V");
-    EXPECT_EQ(RangeInputText, "660 V");
-    SCType = kAc;
-    EXPECT_EQ(DescribeRangeCode(kAc, "84"), "RMS 600 V");
-    EXPECT_EQ(RangeDiagramIndex, 4);
-    EXPECT_EQ(RangeInputText, "660 V, 300 Hz");
-    SCType = kAc2;  // the row goes by the board that is described, whichever is in work
-    EXPECT_EQ(DescribeRangeCode(kAc, "84"), "RMS 600 V");
-    EXPECT_EQ(RangeDiagramIndex, 4);
+    EXPECT_EQ(DescribeRangeCode(kDc, "64").text, "DC 600 V");
+    EXPECT_EQ(DescribeRangeCode(kDc, "64").input, "660 V");
+    EXPECT_EQ(DescribeRangeCode(kAc, "84").text, "RMS 600 V");
+    EXPECT_EQ(DescribeRangeCode(kAc, "84").diagram, 4);
+    EXPECT_EQ(DescribeRangeCode(kAc, "84").input, "660 V, 300 Hz");
 }
 
 TEST_F(RangeNames, GiveTheRtdTestPoints)
