@@ -6,7 +6,7 @@
 
 namespace ombrix {
 
-enum class Subject { Settings, Board, Journal, Guard };
+enum class Subject { Settings, Board, Journal, Guard, Attempts };
 
 /// Keeps a remark on a subject in place of the one before; "" takes it away and leaves those of other subjects.
 void KeepRemarkOn(Subject subject, const std::string &text);

@@ -26,6 +26,13 @@ const PageState &RowOf(const PageStates &states, int state)
     throw std::logic_error("a page state that stands in no row");
 }
 
+QColor ColourOf(const Prompt &prompt)
+{
+    if (prompt.trouble)
+        return Red();
+    return prompt.tone == Tone::Works ? Cyan() : prompt.tone == Tone::Well ? Green() : InfoBackground();
+}
+
 void ShowControls(const PageStates &states, const PageState &now)
 {
     for (const PageState &row : states.rows) {
@@ -62,7 +69,7 @@ void ShowPageState(PageStates &states, int state, const Prompt &prompt)
 
 void ShowPrompt(const PageStates &states, const Prompt &prompt)
 {
-    ShowInstruction(states.instruction, prompt.text, prompt.trouble ? Red() : InfoBackground());
+    ShowInstruction(states.instruction, prompt.text, ColourOf(prompt));
 }
 
 }  // namespace ombrix

@@ -13,9 +13,13 @@ class QWidget;
 
 namespace ombrix {
 
+/// What a prompt says by its colour when it tells no trouble: what to do, what is in work (cyan), what went well (green).
+enum class Tone { Asks, Works, Well };
+
 struct Prompt {
     std::string text;
     bool trouble = false;  ///< in red
+    Tone tone = Tone::Asks;
 };
 
 struct PageState {
@@ -32,7 +36,7 @@ struct PageState {
 /// A page's table and where the page stands in it. Its controls are all that stand in a row.
 struct PageStates {
     QFrame *page = nullptr;
-    QFrame *instruction = nullptr;  ///< shpInst(0), which shows the prompt
+    QFrame *instruction = nullptr;  ///< the status bar that shows the prompt: shpInst(0) mostly
     std::vector<PageState> rows;
     int now = -1;
 };
