@@ -49,6 +49,21 @@ void CableConnected(int row)
     frameHooks.cableConnected(row);
 }
 
+void PrepareFileValues(QFrame *place)
+{
+    frameHooks.prepareFileValues(place);
+}
+
+void ShowFileValues(const std::string &image)
+{
+    frameHooks.showFileValues(image);
+}
+
+void HideFileValues()
+{
+    frameHooks.hideFileValues();
+}
+
 void ShowPage(int index)
 {
     SetNavigation(Navigation::Free);

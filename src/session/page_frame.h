@@ -73,6 +73,16 @@ std::string CableMessage(int row);
 /// The range of that row was opened, so its cable is the one connected now.
 void CableConnected(int row);
 
+// ---- drawn by the value panel ----
+
+/// Moves the value panel, fraNVMemVals, into a frame of the page that has nothing else in it, each label cut back to its
+/// name. ShowPage hides it.
+void PrepareFileValues(QFrame *place);
+/// Shows in it what the image of a meter's setup says: a .dpm file's, or 120 digits of the same places.
+void ShowFileValues(const std::string &image);
+/// Moves it away.
+void HideFileValues();
+
 // ---- what stands behind it: filled by the window ----
 
 struct FrameHooks {
@@ -90,6 +100,9 @@ struct FrameHooks {
     std::function<void()> hideConnectionDiagram = [] {};
     std::function<std::string(int)> cableMessage = [](int) { return std::string(); };
     std::function<void(int)> cableConnected = [](int) {};
+    std::function<void(QFrame *)> prepareFileValues = [](QFrame *) {};
+    std::function<void(const std::string &)> showFileValues = [](const std::string &) {};
+    std::function<void()> hideFileValues = [] {};
 };
 extern FrameHooks frameHooks;
 

@@ -8,7 +8,6 @@
 #include "shell/step_buttons.h"
 
 #include <QFrame>
-#include <QMainWindow>
 #include <QStackedWidget>
 
 namespace ombrix {
@@ -20,8 +19,7 @@ void BringToFront(int index)
         return;
     pageStack->setCurrentIndex(index);
     HideConnectionDiagram();
-    if (auto *values = frmOmbrix->findChild<QWidget *>("fraNVMemVals"))
-        values->hide();
+    HideFileValues();
     if (index == kSetupPage)
         ShowPortNotes();
 }

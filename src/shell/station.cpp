@@ -11,6 +11,7 @@
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
 #include "records/verify_page.h"
+#include "records/value_panel.h"
 #include "session/journal.h"
 #include "session/kept_remarks.h"
 #include "session/live_output.h"
@@ -87,6 +88,7 @@ void FillOutlets()
     SetSummarySource(StepSummary);
     FillDiagramHooks();
     FillNvmHooks();
+    FillValuePanelHooks();
 }
 
 void RegisterPages()
@@ -114,6 +116,7 @@ void OpenStation()
     BlankSteps();
     FillFrameHooks();
     BuildDiagrams(AddSideFrame("fraDiagrams"));
+    BuildValuePanel(frmOmbrix);
     BuildPages();
     ShowSimFlag(false);
     frmOmbrix->show();

@@ -40,14 +40,15 @@ TEST_F(PageFrames, ShowPageIgnoresWhatIsNoPage)
 TEST_F(PageFrames, ShowPageHidesDiagramsAndTheValuesPanel)
 {
     EstablishSimulated();
-    auto *values = new QFrame(frmOmbrix->centralWidget());
-    values->setObjectName("fraNVMemVals");
-    values->show();
+    ShowPage(3);
+    auto *place = new QFrame(PageFrame(3));
+    place->show();
+    PrepareFileValues(place);
     ShowConnectionDiagram(1);
     EXPECT_TRUE(Sees("fraInputs"));
     EXPECT_TRUE(Sees("fraJumperBlock(0)"));
     EXPECT_TRUE(Sees("fraNVMemVals"));
-    ShowPage(2);
+    ShowPage(3);
     EXPECT_FALSE(Sees("fraInputs"));
     EXPECT_FALSE(Sees("fraJumperBlock(0)"));
     EXPECT_FALSE(Sees("fraNVMemVals"));
