@@ -6,6 +6,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "platform/line_guard.h"
+#include "procedures/init_page.h"
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
@@ -95,6 +96,7 @@ void RegisterPages()
 {
     RegisterSetupPage();
     RegisterStepRules();
+    RegisterInitPage();
     RegisterRangePage();
     RegisterNvmPage();
     RegisterVerifyPage();
