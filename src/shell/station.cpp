@@ -12,6 +12,7 @@
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
 #include "records/verify_page.h"
+#include "records/send_file_page.h"
 #include "records/value_panel.h"
 #include "session/journal.h"
 #include "session/kept_remarks.h"
@@ -100,6 +101,7 @@ void RegisterPages()
     RegisterRangePage();
     RegisterNvmPage();
     RegisterVerifyPage();
+    RegisterSendFilePage();
 }
 
 void OpenStation()
