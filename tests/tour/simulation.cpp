@@ -7,6 +7,7 @@
 #include "platform/text.h"
 #include "session/state.h"
 #include "shell/station.h"
+#include "support/samples.h"
 #include "support/scripted_operator.h"
 #include "support/station.h"
 
@@ -137,6 +138,46 @@ void ScriptRecords(ScriptedOperator &person, const Pictures &pictures)
     person.Clicks("cmdNVMWord(2)").WaitsFor("txtNVMWord(1)");
     take("raw-words");
     person.Clicks("cmdNVMWord(5)").WaitsFor("txtNVM(7)").Does([] { std::printf("Verify, View NVM and raw words\n"); });
+int PositionOf(int stepId)
+{
+    int position = 0;
+    while (position < kPositions && StepIdAtPosition(position) != stepId)
+        ++position;
+    return position;
+}
+
+// The factory image goes into the meter before any range is calibrated.
+void ScriptInit(ScriptedOperator &person, const Pictures &pictures)
+{
+    person.Clicks(ButtonOf(PositionOf(Step::InitNvm)))
+        .WaitsFor("cmdInitStartRetry")
+        .Waits(pictures.QuietMs())
+        .Does([&] { pictures.Take("init"); })
+        .Clicks("cmdInitStartRetry")
+        .WaitsForText("lblInitStatus", "NVM Initialized Successfully")
+        .Waits(pictures.QuietMs())
+        .Does([&] { pictures.Take("init-done"); });
+}
+
+// A configuration behind the calibration, and the test of its range.
+void ScriptSendFile(ScriptedOperator &person, const Pictures &pictures)
+{
+    person.Clicks(ButtonOf(PositionOf(Step::SendFile)))
+        .WaitsFor("cmdSendFile")
+        .Waits(pictures.QuietMs())
+        .Does([&] { pictures.Take("send-file"); })
+        .Clicks("cmdSendFile")
+        .WaitsFor("cmdSFSkipOK")
+        .Waits(pictures.QuietMs())
+        .Does([&] { pictures.Take("send-file-jumpers"); })
+        .Clicks("cmdSendFile")
+        .WaitsForText("cmdSFSkipOK", "OK")
+        .Waits(2 * pictures.QuietMs())
+        .Does([&] { pictures.Take("send-file-test"); })
+        .Clicks("cmdSFSkipOK")
+        .WaitsForText("lblSFStatus(0)", "Send File operation complete")
+        .Waits(pictures.QuietMs())
+        .Does([&] { pictures.Take("send-file-done"); });
 }
 
 bool Report(const std::vector<RangeResult> &results, std::size_t expected)
@@ -159,6 +200,7 @@ bool RunSimulation(const Options &options)
     const QString pictureFolder = options.pictures.isEmpty() ? "" : QDir(options.pictures).absolutePath();
     const test::WorkFolder folder;  // the tour's own settings, not the station's
     WriteFile("Ombrix.ini", "[Look]\nTheme=" + options.theme.toStdString() + "\n");
+    test::PutSamples();
     test::OpenWholeStation();
 
     const Pictures pictures(pictureFolder);
@@ -172,11 +214,13 @@ bool RunSimulation(const Options &options)
         pictures.Take("established");
     });
     bool good = person.Runs();
+    ScriptInit(person, pictures);
     const std::vector<int> positions = RangePositions();
     expected = positions.size();
     for (std::size_t i = 0; i < expected; ++i)
         ScriptRange(person, positions[i], std::to_string(i + 1) + " of " + std::to_string(expected), pictures, results);
     ScriptRecords(person, pictures);
+    ScriptSendFile(person, pictures);
     good = good && person.Runs();
     if (!good)
         std::printf("%s\n", person.Trouble().c_str());
