@@ -389,4 +389,25 @@ std::string AnalogSettingsNames()
     return IsCounter() ? "26 to 24, 36, 17 to 15, 144" : "14 to 12, 20, 240";
 }
 
+std::string WhyNotGivenBack(GivenBack given)
+{
+    const std::string words = AnalogSettingsNames();
+    switch (given) {
+    case GivenBack::Silent:
+        return "The meter did not answer: its words " + words +
+               " still hold what the analog output's calibration needs.\r\n"
+               "Check its line, open the AnaCal tab and click \"Done\".";
+    case GivenBack::NotTaken:
+        return "The meter's words " + words +
+               " don't read back as they were before.\r\nOpen the AnaCal tab and click \"Done\" once more.";
+    case GivenBack::OtherMeter:
+        return "This is another meter than the one whose analog output was calibrated.\r\nNothing was written into it; "
+               "the words " +
+               words + " of the first one still hold what the calibration needs.";
+    case GivenBack::Yes:
+        break;
+    }
+    return "";
+}
+
 }  // namespace ombrix

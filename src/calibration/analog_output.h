@@ -93,5 +93,7 @@ GivenBack GiveBackAnalogSettings();
 
 /// The borrowed words of this kind of meter, as the operator knows them: "14 to 12, 20, 240".
 std::string AnalogSettingsNames();
+/// What to tell the operator; "" for Yes.
+std::string WhyNotGivenBack(GivenBack given);
 
 }  // namespace ombrix

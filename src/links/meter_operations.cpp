@@ -12,6 +12,8 @@
 #include "session/procedure.h"
 #include "session/state.h"
 
+#include <algorithm>
+#include <cstdint>
 #include <optional>
 
 namespace ombrix {
@@ -32,6 +34,7 @@ constexpr std::size_t kByteDigits = 2;
 
 std::optional<Deadline> nextTry;  // at a display whose line has gone
 bool overRange = false;
+std::int64_t aliveSince = -1;  // the restart, by its beginning, after which a counter gave its sign of life
 
 // False when a stop or Abort has ended the wait.
 bool MayTryDisplay()
@@ -101,6 +104,7 @@ void InitMeterOperations()
     LastDisplaySetup = 0;
     nextTry.reset();
     overRange = false;
+    aliveSince = -1;
 }
 
 std::string ReadNvmWords(int address, int count, std::string_view suffix)
@@ -204,8 +208,20 @@ std::string ReadDisplayDigits()
 
 int RestartLeftMs()
 {
+    const bool counter = MeterKind == kCtr;
+    const int longest = counter ? kCtrRestartMs : kRestartMs;
     const std::int64_t gone = (NowMicros() - LastRestartMicros) / 1000;
-    return HardwareMode && gone >= 0 && gone < kRestartMs ? static_cast<int>(kRestartMs - gone) : 0;
+    const bool over = !HardwareMode || gone < 0 || gone >= longest;
+    return over || (counter && aliveSince == LastRestartMicros) ? 0 : static_cast<int>(longest - gone);
+}
+
+void WaitOutRestart(int longestMs)
+{
+    const int left = std::min(RestartLeftMs(), longestMs);
+    if (left > 0 && MeterKind == kCtr && MeterPort != 0)
+        ReceiveChunk(comDPM, left);
+    else if (left > 0)
+        DelayMs(left);
 }
 
 void WaitMeterRestart()
@@ -214,10 +230,9 @@ void WaitMeterRestart()
         WaitPlainRestart();
     } else {
         const WaitNote note("Meter restarts");
-        if (MeterPort == 0)
-            ReceiveCalibratorChunk5s();
-        else
-            ReceiveChunk(comDPM, kCtrRestartMs);
+        const std::string sign = MeterPort == 0 ? ReceiveCalibratorChunk5s() : ReceiveChunk(comDPM, kCtrRestartMs);
+        if (!sign.empty())
+            aliveSince = LastRestartMicros;
     }
 }
 

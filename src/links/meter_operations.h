@@ -37,8 +37,11 @@ std::string ReadDisplay();
 /// ReadDisplay without its ".".
 std::string ReadDisplayDigits();
 
-/// What is left of a restart, by the clock: milliseconds since the last command without Z. 0 when none is under way.
+/// What is left of a restart at most, by the clock since the last command without Z: 1750 ms; for a CTR that has given
+/// no sign of life 5000 ms. 0 when none is under way.
 int RestartLeftMs();
+/// Waits for the end of a restart that nobody waits for any more, at most so long.
+void WaitOutRestart(int longestMs);
 
 /// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
 void WaitMeterRestart();

@@ -13,7 +13,7 @@ namespace {
 
 std::map<int, StepRecord> stepTable;
 std::map<int, std::function<void(QFrame *)>> pageBuilders;
-std::map<int, std::function<void()>> tabPreparations;
+std::map<int, TabRecord> tabTable;
 std::string unsaved;
 
 template <class Record> Record Registered(const std::map<int, Record> &table, int key)
@@ -132,14 +132,14 @@ std::function<void(QFrame *page)> BuilderOfPage(int index)
     return Registered(pageBuilders, index);
 }
 
-void RegisterTab(int tab, std::function<void()> prepare)
+void RegisterTab(int tab, TabRecord record)
 {
-    tabPreparations[tab] = std::move(prepare);
+    tabTable[tab] = std::move(record);
 }
 
-std::function<void()> PreparationOfTab(int tab)
+TabRecord RecordOfTab(int tab)
 {
-    return Registered(tabPreparations, tab);
+    return Registered(tabTable, tab);
 }
 
 }  // namespace ombrix

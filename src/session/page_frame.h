@@ -124,8 +124,16 @@ StepRecord RecordOfStep(int stepId);
 void RegisterPage(int index, std::function<void(QFrame *page)> build);
 std::function<void(QFrame *page)> BuilderOfPage(int index);
 
-/// `prepare` makes a tab ready when a board is applied on it, after its step buttons are filled.
-void RegisterTab(int tab, std::function<void()> prepare);
-std::function<void()> PreparationOfTab(int tab);
+/// A tab that has the meter in its hands between its steps.
+struct TabRecord {
+    /// When a board is applied on it, after its step buttons are filled.
+    std::function<void()> prepare = {};
+    /// Before another tab or Setup opens, also before it opens again: the meter may be another one from then on.
+    std::function<void()> leave = {};
+    /// At Quit: what the instruments must still hear. Waits for no answer.
+    std::function<void()> lastWords = {};
+};
+void RegisterTab(int tab, TabRecord record);
+TabRecord RecordOfTab(int tab);
 
 }  // namespace ombrix

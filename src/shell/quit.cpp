@@ -4,6 +4,7 @@
 #include "links/calibrator_line.h"
 #include "links/meter_link.h"
 #include "links/meter_operations.h"
+#include "links/meter_protocol.h"
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
@@ -40,6 +41,9 @@ constexpr int kAlertMs = 10'000;
 // Closing a port takes its speed away at once: what was said last must have left by then.
 constexpr int kLastBytesMs = 100;
 
+// A restart may take longer, the end of the program may not.
+constexpr int kLongestRestartMs = 2500;
+
 // No click starts anything any more, and the window shows it.
 void CloseDoors()
 {
@@ -70,10 +74,12 @@ void SpeakLastWords()
         CalibratorLocal();
     }
     if (Established) {
-        DelayMs(RestartLeftMs());  // a meter that restarts hears nothing
+        WaitOutRestart(kLongestRestartMs);  // a meter that restarts hears nothing
+        if (const auto words = RecordOfTab(CalibTab).lastWords)
+            words();
         WriteDisplaySetupForward(1);
     }
-    if (comCAL.IsOpen())
+    if (comCAL.IsOpen() || comDPM.IsOpen())
         DelayAlways(kLastBytesMs);
 }
 

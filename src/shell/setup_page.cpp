@@ -131,6 +131,7 @@ void cmdSetup_Click()
     RunAfterStop([] {
         const NavigationLock lock;
         PutStripOnOpenTab();
+        LeaveTab();
         OpenSetup();
     });
 }

@@ -7,6 +7,7 @@
 #include "platform/fault.h"
 #include "platform/line_guard.h"
 #include "procedures/init_page.h"
+#include "procedures/analog_page.h"
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
@@ -102,6 +103,7 @@ void RegisterPages()
     RegisterNvmPage();
     RegisterVerifyPage();
     RegisterSendFilePage();
+    RegisterAnalogPage();
 }
 
 void OpenStation()

@@ -82,6 +82,8 @@ void ShowInWork(int position, bool on)
 // Which of the board's ranges is in work, of how many.
 std::string RangeProgress()
 {
+    if (CalibTab == kTabAnaCal)
+        return "";  // its points are no ranges
     int ranges = 0;
     int now = 0;
     for (int position = 0; position < kPositions; position++) {
@@ -222,7 +224,7 @@ void MarkStep(int index)
 void ShowStepMarks()
 {
     for (int position = 0; position < kPositions; position++)
-        lblStepMark[position]->setText(Caption(MarkOfStep(BoardName(SCType), position)));
+        lblStepMark[position]->setText(Caption(MarkOfStep(BoardName(CalibTab == kTabAnaCal ? kAn : SCType), position)));
 }
 
 void EnableSteps(bool on)

@@ -78,6 +78,7 @@ void EnterTab()
     RequestStop();
     if (Automatic)
         CalibratorStandby();
+    LeaveTab();
     std::string trouble;
     if (ReadIdentityOnTabChange && !ReadIdentity())
         trouble = Abort ? "Stopped before the meter told its identity" : kMeterSilent;
@@ -202,8 +203,14 @@ void ApplyBoard()
     FillStepTable();
     SelectStep(-1);
     ShowCalPanel(CalibTab < kTabAnaCal);
-    if (const auto prepare = PreparationOfTab(CalibTab))
+    if (const auto prepare = RecordOfTab(CalibTab).prepare)
         prepare();
+}
+
+void LeaveTab()
+{
+    if (const auto leave = RecordOfTab(CalibTab).leave)
+        leave();
 }
 
 void CaptionBoardTab()

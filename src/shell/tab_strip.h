@@ -24,6 +24,8 @@ bool ReadIdentity();
 
 /// Captions the open tab, fills the steps for SCType, leaves the step, shows or hides the output panel.
 void ApplyBoard();
+/// Lets the open tab put the meter back as it was, while that is still on the line.
+void LeaveTab();
 /// Keeps a remark as long as the board in work isn't the meter's own.
 void RemarkOnBoard();
 /// A tab of 0 to 3 is named after the board in work.

@@ -77,6 +77,14 @@ void ShowTrouble(QFrame *readout, const std::string &words)
     SetFill(MarkOf(readout), Red());
 }
 
+void ShowVerdict(QFrame *readout, const std::string &number, bool good, const std::string &words)
+{
+    NumberOf(readout)->setText(Caption(number));
+    Dim(NumberOf(readout), false);
+    MarkOf(readout)->setText(Caption(words));
+    SetFill(MarkOf(readout), good ? Green() : Yellow());
+}
+
 void ClearReadout(QFrame *readout)
 {
     NumberOf(readout)->clear();

@@ -22,6 +22,8 @@ void ShowLive(QFrame *readout, const std::string &number);
 void Freeze(QFrame *readout);
 /// In red why no number lives here: "silent", "over range". The last number stays, dim.
 void ShowTrouble(QFrame *readout, const std::string &words);
+/// A number that was judged, with the word of the verdict: green when it is good, yellow when not.
+void ShowVerdict(QFrame *readout, const std::string &number, bool good, const std::string &words);
 /// No number, no word.
 void ClearReadout(QFrame *readout);
 

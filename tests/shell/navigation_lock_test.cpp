@@ -36,11 +36,11 @@ TEST_F(Lock, ButtonsThatAreFilledMeanwhileStayOffUntilItsEnd)
 {
     EstablishSimulated();
     bool prepared = false;
-    RegisterTab(kTabLc, [&] {
-        prepared = true;
-        EXPECT_EQ(Text(StepButton(2)), "GND (.5 V)");
-        EXPECT_FALSE(IsEnabled(StepButton(2)));
-    });
+    RegisterTab(kTabLc, {.prepare = [&] {
+                    prepared = true;
+                    EXPECT_EQ(Text(StepButton(2)), "GND (.5 V)");
+                    EXPECT_FALSE(IsEnabled(StepButton(2)));
+                }});
     ClickTab(kTabLc);
     RegisterTab(kTabLc, {});
     EXPECT_TRUE(prepared);

@@ -219,7 +219,7 @@ TEST_F(TabStrip, WhileItReadsTheIdentityNavigationIsLocked)
 TEST_F(TabStrip, AFaultOnTheWayGivesNavigationBack)
 {
     EstablishSimulated();
-    RegisterTab(kTabLc, [] { throw std::runtime_error("a fault"); });
+    RegisterTab(kTabLc, {.prepare = [] { throw std::runtime_error("a fault"); }});
     ClickTab(kTabLc);
     RegisterTab(kTabLc, {});
     EXPECT_TRUE(IsEnabled("cmdSetup"));
@@ -232,10 +232,10 @@ TEST_F(TabStrip, TheAnalogTabHidesThePanelAndPreparesItsPage)
 {
     EstablishSimulated();
     int prepared = 0;
-    RegisterTab(kTabAnaCal, [&] {
-        ++prepared;
-        EXPECT_EQ(CurrentStepButton, -1);
-    });
+    RegisterTab(kTabAnaCal, {.prepare = [&] {
+                    ++prepared;
+                    EXPECT_EQ(CurrentStepButton, -1);
+                }});
     ClickTab(kTabAnaCal);
     RegisterTab(kTabAnaCal, {});
     EXPECT_EQ(prepared, 1);
