@@ -25,7 +25,13 @@ class OpenBox
 {
 public:
     explicit OpenBox(QDialog *box) : m_gate(box) { openBoxes.push_back(box); }
-    ~OpenBox() { openBoxes.pop_back(); }
+    // Not every desktop gives the keys back to the window behind.
+    ~OpenBox()
+    {
+        openBoxes.pop_back();
+        if (frmOmbrix && openBoxes.empty())
+            frmOmbrix->activateWindow();
+    }
     OpenBox(const OpenBox &) = delete;
     OpenBox &operator=(const OpenBox &) = delete;
 

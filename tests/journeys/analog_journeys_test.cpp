@@ -1,0 +1,212 @@
+// The analog output of each kind of meter with each DAC, calibrated by an operator who reads the bench's output meter.
+
+#include "calibration/analog_output.h"
+#include "journeys/page_loops.h"
+#include "platform/text.h"
+#include "session/state.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <ostream>
+#include <string>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+struct MeterRow {
+    const char *name;
+    int board;
+    int kind;
+    int dac;
+    unsigned seed;
+    int currentPoint;
+};
+
+void PrintTo(const MeterRow &row, std::ostream *out)
+{
+    *out << row.name;
+}
+
+const MeterRow kMeters[] = {
+    {"Dpm12Bit", kDc, kDpm, kDac12Bit, 1, 200},     {"DpmXmtr", kDc, kDpm, kDacXmtr, 2, 4000},
+    {"DpmBipolar", kDc, kDpm, kDacBipolar, 3, 200}, {"DpmDual", kDc, kDpm, kDacDual, 4, 200},
+    {"WtMtrDual", kLc, kWtMtr, kDacDual, 5, 4000},  {"CtrXmtr", kVf, kCtr, kDacXmtr, 6, 200},
+    {"CtrBipolar", kVf, kCtr, kDacBipolar, 7, 200}, {"CtrDual", kVf, kCtr, kDacDual, 8, 200},
+};
+
+Wiring WiringOf(const MeterRow &row)
+{
+    Wiring wiring;
+    wiring.bench.board = row.board;
+    wiring.bench.kind = row.kind;
+    wiring.bench.xmtr = row.kind == kDpm;
+    wiring.bench.seed = row.seed;
+    return wiring;
+}
+
+class AnalogJourney : public testing::TestWithParam<MeterRow>
+{
+protected:
+    AnalogJourney() : station(WiringOf(GetParam())) {}
+
+    void Runs() { ASSERT_TRUE(station.person.Runs()) << station.person.Trouble(); }
+
+    /// Goes where a click leads; a cable that is asked for on the way is connected.
+    void GoesTo(const std::string &button, const std::string &place)
+    {
+        station.person.Clicks(button).WaitsUntil("it is there, or a cable is asked for", [place] {
+            return ScriptedOperator::IsEnabled(place) || ScriptedOperator::IsEnabled("cmdModal");
+        });
+        station.person.Does([this, place] {
+            if (ScriptedOperator::IsEnabled("cmdModal"))
+                station.person.Clicks("cmdModal").WaitsFor(place);
+        });
+        Runs();
+    }
+    void OpensTheTab()
+    {
+        station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp");
+        ASSERT_NO_FATAL_FAILURE(Runs());
+        GoesTo("optDAC(" + std::to_string(GetParam().dac) + ")", "cmdUp");
+        if (GetParam().currentPoint == 4000)
+            GoesTo("optCOffCalibPt(1)", "cmdUp");
+    }
+    double Off(int point) const
+    {
+        const double shown = Val(Format(station.bench.AnalogOut(AnalogConnector(point)).value, 2));
+        return shown - AnalogTarget(point, GetParam().currentPoint);
+    }
+    bool IsInside(int point) const { return std::fabs(Off(point)) <= static_cast<double>(AnalogTolerance(point)); }
+    void TypesWhatIsShown(int point)
+    {
+        const double shown = station.bench.AnalogOut(AnalogConnector(point)).value;
+        station.person.Types("txtRead", Format(shown, 2)).PressesAtOnce(Qt::Key_Return).WaitsFor("txtRead");
+        Runs();
+    }
+    bool HasPoint(int point) const { return HasAnalogPoint(GetParam().dac, point); }
+
+    /// Goes over all points again and again, until none of them needs a reading any more.
+    void CalibratesAllPoints(std::vector<int> &readings)
+    {
+        for (int round = 0; round < 5; ++round) {
+            bool typed = false;
+            for (int point = 0; point < kAnalogWords; ++point) {
+                if (!HasPoint(point))
+                    continue;
+                ASSERT_NO_FATAL_FAILURE(GoesTo(StepButton(PositionOfAnalogPoint(point)), "txtRead"));
+                if (IsInside(point))
+                    continue;
+                ASSERT_NO_FATAL_FAILURE(TypesWhatIsShown(point));
+                ++readings[static_cast<std::size_t>(point)];
+                typed = true;
+            }
+            if (!typed)
+                return;
+        }
+    }
+
+    BenchStation station;
+};
+
+}  // namespace
+
+TEST_P(AnalogJourney, EndsInsideTheToleranceAtEachPointAfterAtMostFourReadings)
+{
+    ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+    const bench::Words before = station.bench.Nvm();
+    ASSERT_NO_FATAL_FAILURE(OpensTheTab());
+    std::vector<int> readings(kAnalogWords);
+    ASSERT_NO_FATAL_FAILURE(CalibratesAllPoints(readings));
+    EXPECT_LE(*std::max_element(readings.begin(), readings.end()), 4);
+    EXPECT_GE(*std::min_element(readings.begin(), readings.begin() + 4), 1) << "no point was right before";
+
+    station.person.Clicks("cmdAnaCal(0)").WaitsFor("cmdAnaCal(1)").Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
+    ASSERT_NO_FATAL_FAILURE(Runs());
+    const auto truths = station.bench.AnalogTruths(GetParam().currentPoint);
+    bench::Words after = station.bench.Nvm();
+    for (int point = 0; point < kAnalogWords; ++point) {
+        const auto index = static_cast<std::size_t>(point);
+        if (HasPoint(point)) {
+            EXPECT_LE(std::fabs(truths[index].error), static_cast<double>(AnalogTolerance(point)))
+                << bench::TruthText(truths[index]);
+            const auto word = static_cast<std::size_t>(AnalogWordAddress(point, GetParam().kind == kCtr));
+            after[word] = before[word];
+        }
+    }
+    EXPECT_EQ(after, before) << "all else in the meter is as it was found";
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Meters, AnalogJourney, testing::ValuesIn(kMeters),
+                         [](const auto &info) { return std::string(info.param.name); });
+
+// ---- what can go wrong ----
+
+namespace {
+
+constexpr int kVoltageGain = 3;  // positions on the AnaCal tab
+constexpr int kTabSeconds = 90;  // twice an identity, the words given back and taken
+constexpr int kWorkSeconds = 60;
+
+// The operator opens the tab, types a reading and leaves by Done; what a fault makes impossible he leaves by Setup.
+void WorksAtAPoint(BenchStation &station, const std::string &)
+{
+    station.person.onBox = [](const std::string &, const std::string &) {};
+    station.person.ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", NavigationIsFree).Does([&station] {
+        if (!ScriptedOperator::IsEnabled(StepButton(kVoltageGain)))
+            return;
+        Leaves(station, StepButton(kVoltageGain), kTabSeconds);
+        station.person.Does([&station] {
+            if (!ScriptedOperator::IsEnabled("txtRead"))
+                return;
+            station.person.Types("txtRead", "10010").PressesAtOnce(Qt::Key_Return);
+            station.person.WaitsUntil("the word is written", NavigationIsFree).Does([&station] {
+                if (ScriptedOperator::IsEnabled("cmdAnaCal(1)"))
+                    Leaves(station, "cmdAnaCal(1)", kWorkSeconds);
+            });
+        });
+    });
+}
+
+void ProvesAPoint(BenchStation &station)
+{
+    station.person.onBox = nullptr;
+    station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGain)).WaitsFor("txtRead");
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    for (int reading = 0; reading < 3; ++reading) {
+        station.person.Types("txtRead", Format(station.bench.AnalogOut(1).value, 2)).PressesAtOnce(Qt::Key_Return);
+        station.person.WaitsFor("txtRead");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    }
+    EXPECT_LE(std::fabs(station.bench.AnalogOut(1).value - 10000), 1.25);
+    station.person.Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_FALSE(AnalogSettingsBorrowed());
+}
+
+PageScript Script(int board, int kind)
+{
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.kind = kind;
+    return {.wiring = wiring,
+            .works = WorksAtAPoint,
+            .begins =
+                [](BenchStation &station) {
+                    station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGain));
+                    station.person.WaitsFor("txtRead").Types("txtRead", "10010").PressesAtOnce(Qt::Key_Return);
+                },
+            .proves = ProvesAPoint};
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(OnAnalogOutput, FaultLoop, testing::ValuesIn(FaultCases(Script(kDc, kDpm), Stride(9))),
+                         NameOfFaultCase);
