@@ -110,6 +110,13 @@ QHBoxLayout *BuildChoices(QFrame *frame, const AnalogHandlers &handlers)
     return row;
 }
 
+void MakeLarger(QLabel *label)
+{
+    QFont font = label->font();
+    font.setPointSizeF(font.pointSizeF() * 1.25);
+    label->setFont(font);
+}
+
 QLineEdit *LargeField(QFrame *frame, const QString &name, const char *keys, Commit commit)
 {
     QLineEdit *field = Field(frame, name, AnyOf(keys), std::move(commit));
@@ -127,6 +134,7 @@ QFrame *BuildReading(QFrame *frame, const AnalogHandlers &handlers)
     view.fraReading = new QFrame(frame);
     view.lblEnter = Label(view.fraReading, "lblEnter");
     view.lblDesired = Label(view.fraReading, "lblDesired");
+    MakeLarger(view.lblDesired);
     view.txtRead = LargeField(view.fraReading, "txtRead", "0123456789+-.,", handlers.typed);
     view.txtRead->setToolTip("What the output meter shows, then Enter. A comma is a decimal sign too");
     view.lblDistance = Readout(view.fraReading, "lblDistance");
@@ -157,24 +165,36 @@ QHBoxLayout *BuildValue(QFrame *frame, const AnalogHandlers &handlers)
     return row;
 }
 
-// The last readings: the first output's, then those of a dual DAC's second.
+QLineEdit *LastReading(QFrame *frame, int point)
+{
+    QLineEdit *last = Field(frame, Indexed("txtLast", point), AnyOf(""), nullptr);
+    last->setReadOnly(true);
+    last->setFocusPolicy(Qt::NoFocus);
+    last->setFrame(false);
+    last->setAlignment(Qt::AlignRight);
+    last->setToolTip(Caption(AnalogWordTitle(point) + ", in" + AnalogUnit(point)));
+    QPalette shown;  // all else of it follows the theme
+    shown.setColor(QPalette::Base, Qt::transparent);
+    last->setPalette(shown);
+    return last;
+}
+
+// The last readings below the names of their words: the first output's, then those of a dual DAC's second.
 QGridLayout *BuildLast(QFrame *frame)
 {
     auto *grid = new QGridLayout;
-    for (int output = 0; output < 2; ++output) {
-        const auto index = static_cast<std::size_t>(output);
-        view.lblPL[index] = Label(frame, Indexed("lblPL", output), output == 0 ? "Last readings" : "of output 2");
-        grid->addWidget(view.lblPL[index], output, 0);
-    }
+    grid->setVerticalSpacing(2);
+    view.lblPL = {Label(frame, "lblPL(0)", "Last readings"), Label(frame, "lblPL(1)", "of output 2")};
+    grid->addWidget(view.lblPL[0], 1, 0);
+    grid->addWidget(view.lblPL[1], 3, 0);
     for (int point = 0; point < kAnalogWords; ++point) {
-        QLineEdit *last = Field(frame, Indexed("txtLast", point), AnyOf(""), nullptr);
-        last->setReadOnly(true);
-        last->setFocusPolicy(Qt::NoFocus);
-        last->setAlignment(Qt::AlignRight);
-        last->setToolTip(Caption(AnalogWordTitle(point) + ", in" + AnalogUnit(point)));
-        last->setPlaceholderText(Caption(AnalogWordName(point)));
+        const int row = point < kPointsOfFirst ? 0 : 2;
+        const int column = point % kPointsOfFirst + 1;
+        QLineEdit *last = LastReading(frame, point);
         view.txtLast[static_cast<std::size_t>(point)] = last;
-        grid->addWidget(last, point < kPointsOfFirst ? 0 : 1, point % kPointsOfFirst + 1);
+        QLabel *name = Label(frame, Indexed("lblLast", point), AnalogWordName(point));
+        grid->addWidget(name, row, column, Qt::AlignRight);
+        grid->addWidget(last, row + 1, column);
     }
     return grid;
 }
@@ -184,10 +204,8 @@ QFrame *BuildModal(QFrame *frame, const AnalogHandlers &handlers)
     view.fraModal = Shape(frame, "fraModal");
     view.lblModal = Label(view.fraModal, "lblModal");
     view.lblModalPoint = Label(view.fraModal, "lblModalPoint");
-    QFont font = view.lblModal->font();
-    font.setPointSizeF(font.pointSizeF() * 1.25);
     for (QLabel *label : {view.lblModal, view.lblModalPoint}) {
-        label->setFont(font);
+        MakeLarger(label);
         label->setWordWrap(true);
         label->setAlignment(Qt::AlignCenter);
     }

@@ -487,6 +487,42 @@ TEST_F(MeterOperations, WhatIsLeftOfARestartIsKnownByTheClock)
     EXPECT_THAT(left, ElementsAre(0)) << "with Z nothing restarts";
 }
 
+TEST_F(MeterOperations, ACountersRestartIsOverWithItsSignOfLife)
+{
+    MeterKind = kCtr;
+    std::vector<int> left;
+    CallAfter(1900, [&left] { left.push_back(RestartLeftMs()); });
+    meter.Says("!", 2345);
+    WriteNvmWords(200, "00C8", "");
+    EXPECT_THAT(left, ElementsAre(3100));
+    EXPECT_EQ(RestartLeftMs(), 0);
+    WriteNvmWords(200, "00C8", "");
+    EXPECT_EQ(RestartLeftMs(), 0) << "5000 ms without a sign";
+}
+
+TEST_F(MeterOperations, ARestartThatNobodyWaitsForAnyMoreIsWaitedOut)
+{
+    CallAfter(250, [] { RequestShutdown(); });
+    EXPECT_THROW(WriteNvmWords(200, "00C8", ""), Shutdown);
+    RequestShutdown(false);
+    clock.Restart();
+    WaitOutRestart(2500);
+    EXPECT_EQ(clock.Elapsed(), 1500);
+    WaitOutRestart(2500);
+    EXPECT_EQ(clock.Elapsed(), 1500) << "it is over";
+
+    MeterKind = kCtr;
+    CallAfter(250, [] { RequestShutdown(); });
+    EXPECT_THROW(WriteNvmWords(200, "00C8", ""), Shutdown);
+    RequestShutdown(false);
+    clock.Restart();
+    WaitOutRestart(1000);
+    EXPECT_EQ(clock.Elapsed(), 1000) << "no longer than asked for";
+    meter.Says("!", 700);
+    WaitOutRestart(2500);
+    EXPECT_EQ(clock.Elapsed(), 1700) << "its sign of life ends the wait";
+}
+
 TEST_F(MeterOperations, ARestartGoesOnWhenTheEndOfTheProgramLeavesItsWait)
 {
     CallAfter(250, [] { RequestShutdown(); });

@@ -248,6 +248,22 @@ TEST_F(TabStrip, TheAnalogTabHidesThePanelAndPreparesItsPage)
     EXPECT_TRUE(Sees("fraCalOut"));
 }
 
+TEST_F(TabStrip, ATabIsLeftBeforeTheIdentityOfWhateverMeterIsReadAndBeforeSetup)
+{
+    EstablishOnLines();
+    std::vector<std::size_t> saidWhenLeft;
+    RegisterTab(kTabDc, {.leave = [&] { saidWhenLeft.push_back(TimesOf("*1X16D").size()); }});
+    const std::size_t before = TimesOf("*1X16D").size();
+    ClickTab(kTabLc);
+    ClickTab(kTabDc);
+    EXPECT_THAT(saidWhenLeft, testing::ElementsAre(before)) << "a tab that is opened wasn't left";
+    ClickTab(kTabDc);
+    EXPECT_EQ(saidWhenLeft.size(), 2U) << "the tab that is open is left and opened again";
+    Click("cmdSetup");
+    EXPECT_EQ(saidWhenLeft.size(), 3U);
+    RegisterTab(kTabDc, {});
+}
+
 TEST_F(TabStrip, ATabLeftForAStepGoesBackToTheOpenOne)
 {
     EstablishSimulated();

@@ -41,7 +41,9 @@ int main(int argc, char **argv)
         .theme = parser.value("theme"),
         .testbench = parser.value("testbench"),
     };
-    const bool good = parser.isSet("bench") ? ombrix::tour::RunBench(options) : ombrix::tour::RunSimulation(options);
+    const bool good = parser.isSet("bench")
+                          ? ombrix::tour::RunBench(options)
+                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunAnalogWalk(options);
     std::puts(good ? "The tour ended well." : "The tour FAILED.");
     return good ? 0 : 1;
 }

@@ -1,4 +1,4 @@
-// The two tours of the station. Each prints what it does and returns whether all went well.
+// The tours of the station. Each prints what it does and returns whether all went well.
 #pragma once
 
 #include <QString>
@@ -18,6 +18,10 @@ struct Options {
 /// Establish and every range of the simulated DC meter. Good when every range was accepted and its last reading lies
 /// within the simulator's noise of its target.
 bool RunSimulation(const Options &options);
+
+/// A point of the analog output, its cable and Verify Mode on the bench. Good when the last reading was inside the
+/// tolerance.
+bool RunAnalogWalk(const Options &options);
 
 /// One round of a board's first gain step.
 struct RangeRun {

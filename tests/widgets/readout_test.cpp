@@ -72,5 +72,21 @@ TEST_F(ReadoutTest, NothingFreezesWhereNothingStands)
     EXPECT_EQ(MarkFill(), QColor());
 }
 
+TEST_F(ReadoutTest, AJudgedNumberIsGreenWhenItIsGood)
+{
+    ShowVerdict(readout, "+12.50 mV", false, "outside");
+    const QColor judged = Ink();
+    EXPECT_EQ(Number(), "+12.50 mV");
+    EXPECT_EQ(Mark(), "outside");
+    EXPECT_EQ(MarkFill(), Yellow());
+    ShowVerdict(readout, "+0.50 mV", true, "inside");
+    EXPECT_EQ(Mark(), "inside");
+    EXPECT_EQ(MarkFill(), Green());
+    ShowTrouble(readout, "silent");
+    EXPECT_NE(Ink(), judged);
+    ShowVerdict(readout, "+0.50 mV", true, "inside");
+    EXPECT_EQ(Ink(), judged) << "it isn't dim";
+}
+
 }  // namespace
 }  // namespace ombrix::test
