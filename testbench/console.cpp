@@ -9,23 +9,25 @@
 namespace ombrix::bench {
 namespace {
 
-constexpr const char *kHelp = "fault NAME[=N] [on|off]    switch a fault; without on or off the other way round\n"
-                              "fault NAME[=N] at N [stay] from exchange N on, until its first effect or to stay\n"
-                              "faults                     names of all faults, those in force marked\n"
-                              "truth [STEP]               what each word should be and what error remains\n"
-                              "analog [200|4000]          the same for the analog output, and what it gives now\n"
-                              "apply VALUE                put a signal on the terminals by hand: apply 200 mV\n"
-                              "remove                     take it away\n"
-                              "leads swapped|straight     the input leads\n"
-                              "jumper in|out              the DC jumper of an AC board\n"
-                              "trim NAME COUNTS           R9, R10, R12, R13/R14 or R38 by display counts\n"
-                              "ratio COUNTS               what the bridge reads on a right board\n"
-                              "word N [HEX]               show or replace a word of the meter's memory\n"
-                              "errors                     what the station did that no right station does\n"
-                              "log [N]                    the last lines that were said, 20 at first\n"
-                              "history                    everything the calibrator put out\n"
-                              "status                     the line that shows once a second\n"
-                              "quit                       end";
+constexpr const char *kHelp =
+    "fault NAME[=N] [on|off]    switch a fault; without on or off the other way round\n"
+    "fault NAME[=N] at N [stay] from exchange N on, until its first effect or to stay\n"
+    "faults                     names of all faults, those in force marked\n"
+    "truth [STEP]               what each word should be and what error remains\n"
+    "analog [200|4000]          the same for the analog output\n"
+    "output                     what an output meter shows at the analog output's connectors\n"
+    "apply VALUE                put a signal on the terminals by hand: apply 200 mV\n"
+    "remove                     take it away\n"
+    "leads swapped|straight     the input leads\n"
+    "jumper in|out              the DC jumper of an AC board\n"
+    "trim NAME COUNTS           R9, R10, R12, R13/R14 or R38 by display counts\n"
+    "ratio COUNTS               what the bridge reads on a right board\n"
+    "word N [HEX]               show or replace a word of the meter's memory\n"
+    "errors                     what the station did that no right station does\n"
+    "log [N]                    the last lines that were said, 20 at first\n"
+    "history                    everything the calibrator put out\n"
+    "status                     the line that shows once a second\n"
+    "quit                       end";
 
 // Words between blanks.
 std::vector<std::string> SplitWords(std::string_view line)
@@ -100,11 +102,25 @@ std::string TellAnalog(const Bench &bench, const std::string &point)
     std::vector<std::string> lines;
     for (const RangeTruth &truth : bench.AnalogTruths(point == "4000" ? 4000 : 200))
         lines.push_back(TruthText(truth));
-    for (const int connector : {1, 2}) {
-        const AnalogReading reading = bench.AnalogOut(connector);
-        lines.push_back("output " + std::to_string(connector) + ": " + Format(reading.value, 2) + " " + reading.unit);
-    }
     return Joined(lines);
+}
+
+std::string OutputText(const Bench &bench, int connector)
+{
+    const AnalogReading reading = bench.AnalogOut(connector);
+    return "output " + std::to_string(connector) + " " + Format(reading.value, 2) + " " + reading.unit;
+}
+
+// The output meter alone: what an operator would read, and nothing of the truth behind it.
+std::string ReadOutputMeter(const Bench &bench)
+{
+    return Joined({OutputText(bench, 1), OutputText(bench, 2)});
+}
+
+// A meter whose DAC word was written is one whose output is worked on.
+bool IsWorkedOnItsOutput(const Bench &bench)
+{
+    return bench.Nvm()[240] != 0 || bench.Nvm()[144] != 0;
 }
 
 std::string TurnTrimmer(Bench &bench, const std::vector<std::string> &words, Micros now)
@@ -180,6 +196,8 @@ std::optional<std::string> AnswerQuestion(Bench &bench, const std::vector<std::s
         return TellTruth(bench, rest);
     if (command == "analog")
         return TellAnalog(bench, rest);
+    if (command == "output")
+        return ReadOutputMeter(bench);
     if (command == "word")
         return ShowOrSetWord(bench, words);
     if (command == "errors")
@@ -224,6 +242,8 @@ std::string StatusText(Bench &bench, Micros now)
     std::string text = "input " + SignalText(bench.Terminals()) + "   display " + Trim(bench.DisplayTextAt(now)) +
                        "   range " + HexText(bench.RangeCode(), 2) + "   restarts " + std::to_string(bench.Restarts()) +
                        "   calibrator " + (calibrator.operating ? "OPER " : "STBY ") + calibrator.output;
+    if (IsWorkedOnItsOutput(bench))
+        text += "   " + OutputText(bench, 1) + "   " + OutputText(bench, 2);
     for (const std::string &name : Bench::FaultNames())
         if (bench.FaultIsOn(name))
             text += "   " + name;

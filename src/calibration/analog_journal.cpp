@@ -51,6 +51,16 @@ std::string TextOf(WordsHeld held)
     return held == WordsHeld::Yes ? "held" : held == WordsHeld::No ? "other words" : "no answer";
 }
 
+// Of the groups that were restored: what was accepted of them no longer stands in the meter.
+void RecordWordsWritten()
+{
+    std::vector<std::string> addresses;
+    for (const AnalogGroup &group : kAnalogGroups)
+        for (int i = 0; i < group.count && AnalogGroupDone(group); ++i)
+            addresses.push_back(AddressText(group.point - i));
+    Record("words written", {{"words", addresses}});
+}
+
 }  // namespace
 
 void RecordAnalogOpened(int point)
@@ -93,6 +103,8 @@ void RecordAnalogWords(const std::string &how, const std::string &imageBefore, W
                             {"dacType", analog.dacType},
                             {"words", words},
                             {"readBack", TextOf(held)}});
+    if (how == "restored")
+        RecordWordsWritten();
 }
 
 void RecordAnalogGivenBack(GivenBack given)

@@ -1,7 +1,8 @@
 // What the analog output's page tells the journal.
 //
 // Kinds: "step opened", "round" and "step ended" as of a range, with board "AN"; "analog words" when all of them were
-// written or accepted; "analog settings" when the meter's own settings were given back.
+// written or accepted, with "words written" when they were written; "analog settings" when the meter's own settings were
+// given back.
 #pragma once
 
 #include "calibration/analog_output.h"

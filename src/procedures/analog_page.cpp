@@ -177,13 +177,6 @@ void SelectModeOfPoint()
     }
 }
 
-void PutOutPoint()
-{
-    OutputAnalogPoint(page.point, "");
-    if (IsCounter())
-        DelayMs(kCounterOutputMs);
-}
-
 // ---- the meter taken and given back ----
 
 // The words that the work overwrites are read before the first of them is written.
@@ -192,6 +185,7 @@ bool TakeMeter()
     if (AnalogSettingsBorrowed())
         return true;
     page.kind = kNone;
+    LoadAnalogNominal();
     if (ReadAnalogWords() && BorrowAnalogSettings())
         return true;
     if (Abort)
@@ -243,7 +237,9 @@ void WriteCorrection(const AnalogCorrection &correction)
     WordOf(page.point) = correction.word;
     analog.bipolarDone = analog.bipolarDone || AnalogPointKind(page.point) == kBipolarOutput;
     analog.dualDone = analog.dualDone || AnalogConnector(page.point) == 2;
-    PutOutPoint();
+    OutputAnalogPoint(page.point, "");
+    if (IsCounter())
+        DelayMs(kCounterOutputMs);
 }
 
 void TakeReading(const std::string &typed, float reading)
@@ -370,7 +366,7 @@ void TakeDacType(int type)
     if (page.point != kNone && !HasAnalogPoint(type, page.point))
         ClosePoint();
     if (page.point != kNone)
-        PutOutPoint();
+        OutputAnalogPoint(page.point, "");
 }
 
 void optDAC_Click(int type)
@@ -386,7 +382,7 @@ void optCOffCalibPt_Click(int index)
             CurrentOffsetPoint = index == 1 ? "4000" : "200";
             SaveAnaCal();
             if (page.point != kNone)
-                PutOutPoint();
+                OutputAnalogPoint(page.point, "");
         },
         [](Ended) { ShowPlace(); });
 }
@@ -475,10 +471,12 @@ void EnterPoint()
     BringPageUp();
     ClearTypedReading();
     ShowPoint();
-    if (!PrepareMeter())
-        return ClosePoint();
+    if (!PrepareMeter()) {
+        ClosePoint();
+        return ShowPoint();
+    }
     SelectModeOfPoint();
-    PutOutPoint();
+    OutputAnalogPoint(page.point, "");
     RecordAnalogOpened(page.point);
     ShowPlace();
 }
@@ -489,7 +487,9 @@ WordsHeld RestoreForDac()
     const ScopedFlag bipolar(analog.bipolarDone, analog.bipolarDone || analog.dacType == kDacBipolar);
     const ScopedFlag dual(analog.dualDone, analog.dualDone || analog.dacType == kDacDual);
     RestoreAnalogWords();
-    return CheckAnalogWords();
+    const WordsHeld held = CheckAnalogWords();
+    RecordAnalogWords("restored", analog.image, held);
+    return held;
 }
 
 void EnterInitNvmem()
@@ -500,7 +500,6 @@ void EnterInitNvmem()
     if (!TakeMeter())
         return;
     const WordsHeld held = RestoreForDac();
-    RecordAnalogWords("restored", analog.image, held);
     if (held == WordsHeld::Yes)
         page.told = {"The nominal words are in the meter"};
     else if (held == WordsHeld::No)
@@ -546,6 +545,7 @@ void BuildAnalogPage(QFrame *frame)
 {
     page = AnalogPage();
     InitAnalogOutput();
+    LoadAnalogNominal();
     BuildAnalogView(frame, {.typed = txtRead_Commit,
                             .value = txtMeterVal_Commit,
                             .dac = optDAC_Click,

@@ -126,7 +126,7 @@ std::function<void(QFrame *page)> BuilderOfPage(int index);
 
 /// A tab that has the meter in its hands between its steps.
 struct TabRecord {
-    /// When a board is applied on it, after its step buttons are filled.
+    /// When it is opened, after its step buttons are filled; not for a meter that did not tell its identity.
     std::function<void()> prepare = {};
     /// Before another tab or Setup opens, also before it opens again: the meter may be another one from then on.
     std::function<void()> leave = {};

@@ -58,6 +58,13 @@ int BoardLastUsedOn(int tab)
     }
 }
 
+// For a meter that has just said who it is.
+void PrepareTab()
+{
+    if (const auto prepare = RecordOfTab(CalibTab).prepare)
+        prepare();
+}
+
 // Board and mismatch of the tab in front. On a tab that isn't the meter's own the board is the one last used there.
 void TakeTab()
 {
@@ -86,6 +93,8 @@ void EnterTab()
         BeginVisit();
     TakeTab();
     ApplyBoard();
+    if (trouble.empty())
+        PrepareTab();
     if (TabMismatch && CarriesFamily(CalibTab))
         ShowBoardChooser(true);
     ShowMeterTrouble(trouble);
@@ -171,6 +180,7 @@ void OpenBoardTab()
     if (tabCalib->currentIndex() == tab) {
         TakeTab();
         ApplyBoard();
+        PrepareTab();
         return;
     }
     PutStripOn(tab);
@@ -203,8 +213,6 @@ void ApplyBoard()
     FillStepTable();
     SelectStep(-1);
     ShowCalPanel(CalibTab < kTabAnaCal);
-    if (const auto prepare = RecordOfTab(CalibTab).prepare)
-        prepare();
 }
 
 void LeaveTab()

@@ -109,6 +109,31 @@ TEST_F(AnalogLeaving, ByQuitOfACounterSendsOnlyTheZero)
     EXPECT_THAT(ToMeter(), testing::ElementsAre(kCounterZero));
 }
 
+TEST_F(AnalogLeaving, ByQuitWhileTheCableIsAskedFor)
+{
+    Opens();
+    Chooses("optDAC(2)");
+    Forget();
+    person->Clicks(StepButton(kVoltOffsetAt)).WaitsFor("cmdModal").Clicks("cmdQuit");
+    person->Runs();
+    EXPECT_TRUE(Quitting);
+    EXPECT_THAT(ToMeter(), testing::IsSupersetOf({"*1W1140201", kZero}));
+}
+
+TEST_F(AnalogLeaving, AMeterThatDoesNotTellItsIdentityIsNotPrepared)
+{
+    Opens();
+    Leaves("cmdAnaCal(1)");
+    Forget();
+    bench->SwitchFault("silent-meter", true);
+    person->ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", [] { return IsEnabled("cmdSetup"); });
+    ASSERT_TRUE(person->Runs());
+    EXPECT_TRUE(Sees("fraCalib(1)"));
+    EXPECT_FALSE(AnalogSettingsBorrowed());
+    EXPECT_THAT(ToMeter(), testing::Not(Contains("*1W30E004E20000000Z")));
+    bench->SwitchFault("silent-meter", false);
+}
+
 TEST_F(AnalogLeaving, AfterDoneQuitSaysNothingToTheOutput)
 {
     Opens();

@@ -2,6 +2,8 @@
 
 #include "calibration/analog_points.h"
 #include "model/analog_settings.h"
+#include "model/ini_store.h"
+#include "session/journal.h"
 #include "session/outlets.h"
 
 #include <QLineEdit>
@@ -374,4 +376,56 @@ TEST_F(AnalogPages, ZeroInitFileBringsTheBuiltInWordsBackIntoTheStation)
     EXPECT_TRUE(ScriptedOperator::IsOn("optDAC(1)"));
     EXPECT_FALSE(IsEnabled(StepButton(kSecondVoltOffsetAt)));
     EXPECT_EQ(WordOf(240), 0x525C) << "the meter works with the type that is shown";
+}
+
+// ---- what stays ----
+
+TEST_F(AnalogPages, TheJournalTellsEachReadingAndHowItEnded)
+{
+    Opens();
+    std::vector<JournalEvent> events;
+    const int number = ListenToJournal([&](const JournalEvent &event) { events.push_back(event); });
+    OpensPoint(kVoltageGainAt);
+    const std::string found = HexText(WordOf(61), 4);
+    const std::string typed = Shown();
+    Types(typed);
+    Leaves("cmdAnaCal(0)");
+    Leaves("cmdAnaCal(1)");
+    StopListening(number);
+    std::vector<std::string> kinds;
+    for (const JournalEvent &event : events)
+        kinds.push_back(event.kind);
+    ASSERT_THAT(kinds, ElementsAre("step opened", "round", "analog words", "step ended", "analog settings"));
+    EXPECT_EQ(TextOf(events[0], "found"), found);
+    EXPECT_EQ(TextOf(events[1], "wordBefore"), found);
+    EXPECT_EQ(TextOf(events[1], "wordAfter"), HexText(WordOf(61), 4));
+    EXPECT_EQ(FieldOf(events[1], "before")->is, JournalValue(std::vector{typed}).is);
+    EXPECT_EQ(TextOf(events[2], "readBack"), "held");
+    EXPECT_EQ(TextOf(events[3], "how"), "accepted");
+    EXPECT_EQ(TextOf(events[4], "how"), "given back");
+}
+
+TEST_F(AnalogPages, AnAcceptedPointLosesItsMarkWhenItsWordIsWrittenAgain)
+{
+    Opens();
+    OpensPoint(kVoltageGainAt);
+    Types(Shown());
+    Leaves("cmdAnaCal(0)");
+    EXPECT_NE(Text("lblStepMark(3)"), "");
+    Leaves(StepButton(kInitNvmemAt));
+    EXPECT_EQ(Text("lblStepMark(3)"), "");
+}
+
+TEST_F(SimulatedPage, TheAnalogOutputWorksWithoutAMeterAndTeachesNothingThatStays)
+{
+    Establishes();
+    person->ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGainAt)).WaitsFor("txtRead");
+    person->Types("txtRead", "10012.5").PressesAtOnce(Qt::Key_Return).WaitsFor("txtRead");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(SimNvm[61], 64799) << "64880 was in it";
+    const std::string kept = IniGet("AnaCal", "VGain");
+    person->Clicks("cmdAnaCal(0)").WaitsFor("cmdAnaCal(1)").Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(IniGet("AnaCal", "VGain"), kept);
+    EXPECT_NE(StoredAnalogWords[1], kept) << "in this session it was learned";
 }

@@ -49,8 +49,22 @@ TEST_F(Console, TellsTheTruth)
     EXPECT_EQ(Types("truth 2 V"), TruthText(bench->TruthOf("2 V")));
     EXPECT_THAT(Types("truth"), testing::AllOf(HasSubstr("REF (200 mV): word 25"), HasSubstr("Ratio Gain: word 48")));
     EXPECT_THAT(Types("truth nothing"), HasSubstr("no step has the title 'nothing'"));
-    EXPECT_THAT(Types("analog"), testing::AllOf(HasSubstr("Current Gain: word 63"), HasSubstr("output 2: 0.00")));
+    EXPECT_THAT(Types("analog"), HasSubstr("Current Gain: word 63"));
     EXPECT_THAT(Types("analog 300"), HasSubstr("200 or 4000"));
+}
+
+TEST_F(Console, ReadsTheOutputMeterAndTellsNoTruthWithIt)
+{
+    EXPECT_EQ(Types("output"), "output 1 " + Format(bench->AnalogOut(1).value, 2) + " uA\noutput 2 0.00 uA");
+    EXPECT_THAT(Types("status"), testing::Not(HasSubstr("output"))) << "nobody works on it";
+    AskMeter("W1140201Z");
+    AskMeter("W30E004E20000000Z");
+    AskMeter("W1F0545C", 2 * kSecond);
+    AskMeter("F68F004E20600000");
+    const double first = bench->AnalogOut(1).value;
+    EXPECT_NEAR(first, 10000, 150);
+    EXPECT_THAT(Types("status"), testing::AllOf(HasSubstr("output 1 " + Format(first, 2) + " mV"),
+                                                HasSubstr("output 2 " + Format(bench->AnalogOut(2).value, 2))));
 }
 
 TEST_F(Console, ShowsStatusLogErrorsAndHistory)
