@@ -2,6 +2,7 @@
 
 #include "calibration/analog_journal.h"
 #include "calibration/analog_output.h"
+#include "links/meter_protocol.h"
 #include "model/analog_settings.h"
 #include "model/range_tables.h"
 #include "model/settings.h"
@@ -111,7 +112,7 @@ Prompt PromptOfPoint()
     const PointWork &work = WorkOf(page.point);
     if (work.typed.empty())
         return {"Type what the output meter shows, then press Enter"};
-    const std::string word = "Word " + HexText(WordOf(page.point), 4) + " is written. ";
+    const std::string word = "Word " + HexText(WordOf(page.point), 4) + " was sent. ";
     if (IsInside(page.point, work.error))
         return {word + "The reading was inside:\r\ngo on with \"Up\", or type another one"};
     return {word + "The reading was outside:\r\ntype what the output meter shows now"};
@@ -123,6 +124,8 @@ void ShowPlace()
     ShowOptions();
     ShowPoint();
     const AnalogState state = page.verify ? kAnalogVerify : page.point == kNone ? kAnalogNoPoint : kAnalogPoint;
+    if (MeterLineIsGone())
+        page.told = {"The meter's line is gone:\r\ncheck it, then click the step again", true};
     if (page.told.text.empty() && state == kAnalogPoint)
         page.told = PromptOfPoint();
     if (page.told.text.empty())

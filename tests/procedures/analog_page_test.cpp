@@ -156,6 +156,17 @@ TEST_F(AnalogPages, AWordAtItsLimitIsToldAndWritten)
     EXPECT_EQ(Fill("shpInst(12)"), "#ff0000");
 }
 
+TEST_F(AnalogPages, ALineThatIsGoneIsToldInRed)
+{
+    Opens();
+    OpensPoint(kVoltOffsetAt);
+    bench->SwitchFault("meter-port-gone", true);
+    Types("3.5");
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("line is gone"));
+    EXPECT_EQ(Fill("shpInst(12)"), "#ff0000");
+    bench->SwitchFault("meter-port-gone", false);
+}
+
 TEST_F(AnalogPages, LeavingTheFieldWritesNothing)
 {
     Opens();
