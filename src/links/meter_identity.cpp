@@ -154,8 +154,7 @@ void WriteMeterIdentity(int kind, bool xmtr, int board, const std::string &code)
 
 std::string ReadBoardCodeByte()
 {
-    const std::string word = ReadNvmWords(kRangeWord, 1, "");
-    return word.empty() ? "00" : Right(word, 2);
+    return Right(ReadNvmWords(kRangeWord, 1, ""), 2);
 }
 
 void WriteBoardCodeByte(std::string_view twoDigits)

@@ -41,7 +41,7 @@ struct KnownMeter {
 KnownMeter MeterAsKnown();
 void TakeMeter(const KnownMeter &meter);
 
-/// Low byte of word 16, "00" when it can't be read. The meter restarts.
+/// Low byte of word 16, two hex digits; "" when it can't be read, so that silence is no code. The meter restarts.
 std::string ReadBoardCodeByte();
 void WriteBoardCodeByte(std::string_view twoDigits);
 /// The board byte that belongs to a board, "" when none does.

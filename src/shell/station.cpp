@@ -8,6 +8,7 @@
 #include "platform/line_guard.h"
 #include "procedures/init_page.h"
 #include "procedures/analog_page.h"
+#include "procedures/meter_type_page.h"
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
@@ -104,6 +105,7 @@ void RegisterPages()
     RegisterVerifyPage();
     RegisterSendFilePage();
     RegisterAnalogPage();
+    RegisterMeterTypePage();
 }
 
 void OpenStation()

@@ -195,12 +195,12 @@ TEST_F(MeterIdentity, ComesBackAsItWasKnown)
     EXPECT_EQ(MeterName, "CTR Xmtr");
 }
 
-TEST_F(MeterIdentity, TheBoardByteIs00WhenItCannotBeRead)
+TEST_F(MeterIdentity, TheBoardByteIsNoCodeWhenItCannotBeRead)
 {
-    EXPECT_EQ(ReadBoardCodeByte(), "00");
-    for (const char *line : {"006", "0", "00800080", "0080"})
+    EXPECT_EQ(ReadBoardCodeByte(), "");
+    for (const char *line : {"006", "0", "00800080", "0000", "0080"})
         Answers("X110", line);
-    for (const char *byte : {"00", "00", "00", "80"})
+    for (const char *byte : {"", "", "", "00", "80"})
         EXPECT_EQ(ReadBoardCodeByte(), byte);
 }
 
