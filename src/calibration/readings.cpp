@@ -69,6 +69,11 @@ std::string EndLiveReading()
     return std::string(kStop);
 }
 
+Following WhyMissed()
+{
+    return DisplayIsOverRange() ? Following::OverRange : Following::Silent;
+}
+
 std::string WithoutPoint(std::string text)
 {
     const std::size_t point = text.find('.');
@@ -123,6 +128,14 @@ std::string ReadDisplayOrStop()
     return EndLiveReading();
 }
 
+std::string TryDisplayOrStop()
+{
+    if (StopWanted())
+        return EndLiveReading();
+    const std::string text = ReadDisplayRaw();
+    return Holds(text, ".") ? text : std::string(kStop);
+}
+
 std::string ReadDisplayDigitsOrStop()
 {
     return WithoutPoint(ReadDisplayOrStop());
@@ -166,7 +179,9 @@ Following FollowReading(const LiveReading &live, const std::function<void(const 
         else if (StopWanted())
             break;
         else if (live.silenceEnds)
-            return DisplayIsOverRange() ? Following::OverRange : Following::Silent;
+            return WhyMissed();
+        else if (live.missed)
+            live.missed(WhyMissed());
     }
     WaitOutStop();
     return Following::Stopped;

@@ -19,7 +19,9 @@ std::string TakeReading(int index);
 std::string TakeReadingOrStop(int index);
 /// The display with its point, tried until a reading comes or a stop: "STOP".
 std::string ReadDisplayOrStop();
-/// The same without its point, and as a number of counts. None of these touch the kept readings.
+/// One try: "STOP" on a requested stop and when no reading came.
+std::string TryDisplayOrStop();
+/// ReadDisplayOrStop without its point, and as a number of counts. None of these touch the kept readings.
 std::string ReadDisplayDigitsOrStop();
 
 /// Mean of both kept readings, of their signed values.
@@ -45,6 +47,8 @@ struct LiveReading {
     std::function<std::string()> read;
     /// What the simulator answers; empty: the same as `read`.
     std::function<std::string()> simulated;
+    /// Told of each try that brought no reading, when another one follows: Silent or OverRange.
+    std::function<void(Following why)> missed;
     /// On silence: true ends the following, false asks again.
     bool silenceEnds = false;
 };

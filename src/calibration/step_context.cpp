@@ -84,6 +84,7 @@ void SetPlainStep(const PlainStep &plain)
     step.TargetCounts = plain.target;
     step.TargetCountsF = static_cast<float>(plain.target);
     step.CalValue = plain.value;
+    step.StepWordHex = plain.wordHex;
     if (plain.offset)
         LoadOffsetRule();
     step.NominalSlope = GetNominalSlope(plain.word);

@@ -16,6 +16,7 @@ struct PlainStep {
     std::int32_t target = 0;  ///< display counts, 0 where there is none
     std::string value;        ///< for the calibrator
     bool offset = false;      ///< the word is a signed offset
+    std::string wordHex;      ///< now in the meter
 };
 /// The step context of such a page: all the rest is cleared, so nothing of the step before shows through (no turnover,
 /// so no "+" stands before a reading).

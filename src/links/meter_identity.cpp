@@ -192,12 +192,14 @@ void SetWordLowByte(int word, std::string_view twoDigits)
         WriteNvmWords(word, Left(now, 2) + std::string(twoDigits), "");
 }
 
-void WriteBoardConfigWords(std::string_view boardByte)
+bool WriteBoardConfigWords(std::string_view boardByte)
 {
     const std::string code = boardByte.starts_with("6") ? "0001" : "0031";
     const std::string between = ReadNvmWords(20, 4, "");
-    if (!between.empty() && !Abort)
-        WriteNvmWords(kBoardWord, code + between + "00" + std::string(boardByte), "");
+    if (between.empty() || Abort)
+        return false;
+    WriteNvmWords(kBoardWord, code + between + "00" + std::string(boardByte), "");
+    return true;
 }
 
 }  // namespace ombrix

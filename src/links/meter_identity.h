@@ -48,7 +48,7 @@ void WriteBoardCodeByte(std::string_view twoDigits);
 std::string BoardCodeByteFor(int board);
 /// Replaces the low byte of a word; nothing when it can't be read or `twoDigits` isn't two characters.
 void SetWordLowByte(int word, std::string_view twoDigits);
-/// TC: board code and board byte in one block of six words at 21; nothing when the words between can't be read.
-void WriteBoardConfigWords(std::string_view boardByte);
+/// TC: board code and board byte in one block of six words at 21; nothing and false when the words between can't be read.
+bool WriteBoardConfigWords(std::string_view boardByte);
 
 }  // namespace ombrix

@@ -15,10 +15,6 @@ void RegisterStepRules()
     StepRecord restConfig;
     restConfig.allowed = [](int) { return !RestConfigImage.empty(); };
     RegisterSteps({Step::RestConfig}, restConfig);
-
-    StepRecord quasiDiode;
-    quasiDiode.takesInput = true;
-    RegisterSteps({Step::GainOffset, Step::OffsetOnly}, quasiDiode);
 }
 
 }  // namespace ombrix

@@ -9,6 +9,7 @@
 #include "procedures/init_page.h"
 #include "procedures/analog_page.h"
 #include "procedures/meter_type_page.h"
+#include "procedures/quasi_diode_page.h"
 #include "procedures/range_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
@@ -106,6 +107,7 @@ void RegisterPages()
     RegisterSendFilePage();
     RegisterAnalogPage();
     RegisterMeterTypePage();
+    RegisterQuasiDiodePage();
 }
 
 void OpenStation()

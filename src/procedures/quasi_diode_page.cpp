@@ -1,0 +1,688 @@
+#include "procedures/quasi_diode_page.h"
+
+#include "calibration/learning.h"
+#include "calibration/number_text.h"
+#include "calibration/quasi_diode.h"
+#include "calibration/readings.h"
+#include "calibration/step_context.h"
+#include "calibration/step_journal.h"
+#include "links/calibrator.h"
+#include "links/meter_identity.h"
+#include "links/meter_operations.h"
+#include "model/range_tables.h"
+#include "model/settings.h"
+#include "model/station_settings.h"
+#include "model/step_ids.h"
+#include "platform/clock.h"
+#include "platform/text.h"
+#include "session/journal.h"
+#include "session/live_output.h"
+#include "session/page_frame.h"
+#include "session/procedure.h"
+#include "session/state.h"
+#include "widgets/fields.h"
+#include "widgets/page_kit.h"
+#include "widgets/page_states.h"
+#include "widgets/readout.h"
+#include "widgets/widgets.h"
+
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+
+namespace ombrix {
+namespace {
+
+constexpr int kQuasiDiodePage = 10;
+constexpr int kRangeWord = 16;
+constexpr int kReadingMs = 400;
+constexpr int kPatienceMs = 1000;  // a Cancel so soon after the click that ended the work belongs to that click
+constexpr char kInput[] = "0 CEL";
+constexpr char kNoOffset[] = "0000";
+
+// ---- what the page knows ----
+
+enum class Action { None, Gain, Offset, Accept, Cancel };
+
+struct QuasiDiodePage {
+    int position = -1;
+    bool offsetOnly = false;
+    int type = 0;  // of thermocouple: 0 "J, K, E, N", 1 "T, R, S"
+    std::string gainHex, offsetHex;
+    DiodeWord gain, offset;
+    bool offsetPhase = false;
+    bool mayAccept = false;  // a correction was made since the gain began
+    std::string reading;     // the last one that came, in display units
+    std::string reported;    // what the calibrator said that it delivers
+    int clicks = 0;
+    Action action = Action::None;
+    std::optional<Deadline> patience;  // while the page is left
+};
+QuasiDiodePage page;
+
+const DiodeGroup &Group()
+{
+    return DiodeGroupOf(page.type);
+}
+
+float Target()
+{
+    return page.offsetPhase ? static_cast<float>(Val(QDTargetText)) : 0.0f;
+}
+
+float Reading()
+{
+    return static_cast<float>(Val(page.reading));
+}
+
+// ---- what it shows ----
+
+enum State {
+    kSelecting,
+    kNoWords,
+    kIdle,
+    kApplying,
+    kSettling,
+    kSilent,
+    kFirstGain,
+    kGained,
+    kOffset,
+    kFirstOffset,
+    kOffsetOnly,
+    kWriting,
+    kLeaving
+};
+
+struct View {
+    QLabel *title;
+    std::array<QRadioButton *, kDiodeGroups> types;
+    QFrame *lblQDReading, *lblQDDistance, *shpQDError;
+    QLabel *lblQDGain, *lblQDOffset, *lblQDPrevGain, *lblQDPrevOffset;
+    std::array<QLineEdit *, 2> txtQDTarget;
+    std::array<QFrame *, 2> shpQDTarget;
+    struct Buttons {
+        QPushButton *ready, *gain, *offset, *accept, *cancel, *done;
+    } buttons;
+    PageStates states;
+};
+View view;
+
+const Prompt kPromptSelecting = {"The meter is put on the range and its words are read"};
+const Prompt kPromptNoWords = {"The meter did not answer:\r\ncheck its line, then select a T/C type again", true};
+const Prompt kPromptStopped = {"Stopped before the meter had answered:\r\nselect a T/C type again", true};
+const Prompt kPromptApplying = {"The input is applied"};
+const Prompt kPromptSettling = {"The meter is asked for a reading"};
+const Prompt kPromptSilent = {"The meter fell silent: check its line,\r\nor click \"Cancel\"", true};
+const Prompt kPromptOver = {"The display is over range: check input, jumpers and wires,\r\nor click \"Cancel\"", true};
+const Prompt kPromptWriting = {"The word is written into the meter"};
+const Prompt kPromptFirstGain = {"Click \"Gain\" when the DPM reading has settled."};
+const Prompt kPromptFirstOffset = {"Click \"Offset\" when the DPM reading has settled."};
+const Prompt kPromptGained = {"Wait until the DPM reading has settled, then click \"Offset\" to make fine\r\n"
+                              "adjustment of QD offset, or click \"Gain\" to repeat the gain correction."};
+const Prompt kPromptOffset = {"Wait until the DPM reading has settled, then click \"Offset\" to repeat the\r\n"
+                              "offset correction, or click \"Gain\" to restart with the gain correction."};
+const Prompt kPromptOffsetOnly = {"To repeat the offset correction, click \"Offset\"\r\n"
+                                  "when the DPM reading has settled."};
+const Prompt kPromptAgain = {"Click \"Ready\" to start over, or select alternate T/C type."};
+const Prompt kPromptLeaving = {"Removing the input"};
+
+Prompt PromptReady()
+{
+    return {"Select alternate T/C type, or set jumpers as shown and connect input\r\nto Calibrator, using Type " +
+            std::string(Group().type) + " Thermocouple.  Then click \"Ready\"."};
+}
+
+std::vector<PageState> TableOfStates()
+{
+    QRadioButton *j = view.types[0];
+    QRadioButton *t = view.types[1];
+    QLineEdit *target = view.txtQDTarget[1];
+    const auto [ready, gain, offset, accept, cancel, done] = view.buttons;
+    return {
+        // clang-format off
+        // state        on                             keys to  prompt
+        {kSelecting,   {},                             nullptr, kPromptSelecting},
+        {kNoWords,     {j, t, done},                   nullptr, kPromptNoWords},
+        {kIdle,        {ready, j, t, target, done},    ready,   kPromptAgain},
+        {kApplying,    {cancel},                       cancel,  kPromptApplying},
+        {kSettling,    {cancel},                       nullptr, kPromptSettling},
+        {kSilent,      {cancel},                       cancel,  kPromptSilent},
+        {kFirstGain,   {gain, cancel},                 gain,    kPromptFirstGain},
+        {kGained,      {gain, offset, accept, cancel}, offset,  kPromptGained},
+        {kOffset,      {gain, offset, accept, cancel}, offset,  kPromptOffset},
+        {kFirstOffset, {offset, cancel},               offset,  kPromptFirstOffset},
+        {kOffsetOnly,  {offset, accept, cancel},       offset,  kPromptOffsetOnly},
+        {kWriting,     {cancel},                       nullptr, kPromptWriting},
+        {kLeaving,     {cancel},                       nullptr, kPromptLeaving},
+        // clang-format on
+    };
+}
+
+// What the operator can do as soon as a reading is there.
+State StateOfWork()
+{
+    if (page.offsetOnly)
+        return page.mayAccept ? kOffsetOnly : kFirstOffset;
+    if (!page.mayAccept)
+        return kFirstGain;
+    return page.offsetPhase ? kOffset : kGained;
+}
+
+void ShowWords()
+{
+    view.lblQDGain->setText(Caption(page.gainHex));
+    view.lblQDOffset->setText(Caption(page.offsetHex));
+}
+
+// The word that the last click was for.
+void ShowInWork(Action action)
+{
+    const Use gain = action == Action::Gain ? Use::InWork : Use::Idle;
+    const Use offset = action == Action::Offset ? Use::InWork : Use::Idle;
+    ShowUse(view.buttons.gain, gain);
+    ShowUse(view.shpQDTarget[0], gain);
+    ShowUse(view.buttons.offset, offset);
+    ShowUse(view.shpQDTarget[1], offset);
+}
+
+void ShowError(const char *text)
+{
+    ShowStatusBar(view.shpQDError, text, Red());
+}
+
+void HideError()
+{
+    ShowStatusBar(view.shpQDError, "", Red());
+}
+
+void ClearReadings()
+{
+    ClearReadout(view.lblQDReading);
+    ClearReadout(view.lblQDDistance);
+    view.lblQDPrevGain->clear();
+    view.lblQDPrevOffset->clear();
+}
+
+void ShowReading()
+{
+    ShowLive(view.lblQDReading, page.reading);
+    ShowLive(view.lblQDDistance, Format(static_cast<double>(Reading() - Target()), 2));
+}
+
+void FreezeReadings()
+{
+    Freeze(view.lblQDReading);
+    Freeze(view.lblQDDistance);
+}
+
+void TakeReading(const std::string &text)
+{
+    page.reading = text;
+    ShowReading();
+    if (page.action == Action::None && view.states.now != StateOfWork())
+        ShowPageState(view.states, StateOfWork());
+}
+
+// What is computed from a reading waits for the next one.
+void TellMissed(Following why)
+{
+    const bool over = why == Following::OverRange;
+    ShowTrouble(view.lblQDReading, over ? "over range" : "silent");
+    Freeze(view.lblQDDistance);
+    if (page.action == Action::None)
+        ShowPageState(view.states, kSilent, over ? kPromptOver : kPromptSilent);
+}
+
+// ---- the step in work, as learning and the journal see it ----
+
+void SetStep(bool offset)
+{
+    PlainStep plain;
+    plain.word = offset ? Group().offsetWord : Group().gainWord;
+    plain.target = RoundHalfEven(static_cast<double>(Target()) * 10);
+    plain.value = kInput;
+    plain.offset = offset;
+    plain.wordHex = offset ? page.offsetHex : page.gainHex;
+    SetPlainStep(plain);
+}
+
+// Tenths of a degree, as a display of one decimal counts.
+std::int32_t ErrorCounts()
+{
+    return RoundHalfEven(static_cast<double>(Reading() - Target()) * 10);
+}
+
+void RecordClick(const std::string &before, const DiodeCorrection &correction)
+{
+    RoundRecord round;
+    round.number = ++page.clicks;
+    round.asked = {kInput};
+    round.reported = {page.reported};
+    round.before = {page.reading};
+    round.wordBefore = before;
+    round.word = correction.hex;
+    round.limited = correction.limited;
+    round.error = ErrorCounts();
+    RecordRound(page.position, round);
+}
+
+void RecordEnd(const std::string &how)
+{
+    SetStep(page.offsetOnly);
+    Record("quasi-diode", {{"step", StepName(CurrentStepId)},
+                           {"board", BoardName(SCType)},
+                           {"position", page.position},
+                           {"type", Group().name},
+                           {"gain", page.gainHex},
+                           {"offset", page.offsetHex},
+                           {"target", QDTargetText}});
+    StepEnd end;
+    end.how = how;
+    end.word = GetStepWordHex();
+    if (how == "accepted")
+        end.reading = {page.reading};
+    end.error = ErrorCounts();
+    RecordStepEnded(page.position, end);
+}
+
+// ---- one click ----
+
+void WriteWord(int word, const std::string &hex)
+{
+    ShowPageState(view.states, kWriting);
+    WriteNvmWords(word, hex, "");
+}
+
+// The gain is trimmed without any offset.
+void ClearOffset()
+{
+    page.offset = DiodeWord();
+    page.offsetHex = kNoOffset;
+    view.lblQDPrevOffset->clear();
+    ShowWords();
+    WriteWord(Group().offsetWord, page.offsetHex);
+    Record("words written", {{"words", std::vector{HexText(Group().offsetWord, 2)}}, {"to", page.offsetHex}});
+}
+
+void BackToGain()
+{
+    page.offsetPhase = page.mayAccept = false;
+    page.gain.first = page.offset.first = true;
+    AimDiodeSimulator(0);
+}
+
+void CorrectGain()
+{
+    if (page.offsetPhase)
+        return BackToGain();
+    SetStep(false);
+    const std::string before = page.gainHex;
+    const DiodeCorrection correction = CorrectDiodeGain(page.gain, Group().nominalGain, Reading());
+    view.lblQDPrevGain->setText(Caption(before));
+    page.gainHex = correction.hex;
+    ShowWords();
+    WriteWord(Group().gainWord, page.gainHex);
+    RecordClick(before, correction);
+    page.mayAccept = true;
+}
+
+void CorrectOffset()
+{
+    page.offsetPhase = true;
+    AimDiodeSimulator(Target());
+    if (DiodeReadingIsOut(Reading())) {
+        ShowError("Out of Range");
+        page.reading = Format(HoldDiodeReading(Reading()), 0);
+        ShowReading();
+        FreezeReadings();
+    }
+    SetStep(true);
+    const std::string before = page.offsetHex;
+    const DiodeCorrection correction = CorrectDiodeOffset(page.offset, Target(), Reading());
+    if (correction.limited)
+        ShowError("CALQDOF Overflow");
+    view.lblQDPrevOffset->setText(Caption(before));
+    page.offsetHex = correction.hex;
+    ShowWords();
+    WriteWord(Group().offsetWord, page.offsetHex);
+    RecordClick(before, correction);
+    page.mayAccept = true;
+}
+
+void Act()
+{
+    HideError();
+    if (page.action != Action::Gain && page.action != Action::Offset)
+        return;
+    const Action action = page.action;
+    action == Action::Gain ? CorrectGain() : CorrectOffset();
+    CalmDiodeSimulator();
+    if (page.action == action)  // a Cancel meanwhile holds
+        page.action = Action::None;
+}
+
+// ---- the trimming ----
+
+void FollowDiode()
+{
+    ShowPageState(view.states, kSettling);
+    LiveReading live;
+    live.everyMs = kReadingMs;
+    live.read = TryDisplayOrStop;
+    live.missed = TellMissed;
+    FollowReading(live, TakeReading);
+    FreezeReadings();
+    if (page.action == Action::None)  // Esc
+        page.action = Action::Cancel;
+}
+
+bool Ends()
+{
+    return page.action == Action::Accept || page.action == Action::Cancel || Abort;
+}
+
+void BeginTrimming()
+{
+    page.action = Action::None;
+    page.clicks = 0;
+    page.mayAccept = false;
+    page.offsetPhase = page.offsetOnly;
+    page.gain.first = page.offset.first = true;
+    StirDiodeSimulator();
+    AimDiodeSimulator(Target());
+    ShowPageState(view.states, kApplying);
+    SelectThermocouple(Group().rangeIndex);
+    page.reported = OutputConfirmed() ? GetLiveOutput().Value : "";
+}
+
+void TrimDiode()
+{
+    BeginTrimming();
+    while (!Ends()) {
+        if (!page.offsetPhase && page.gain.first)
+            ClearOffset();
+        if (!Ends())
+            FollowDiode();
+        if (!Abort)
+            Act();
+    }
+}
+
+std::string HowItEnded(Ended ended)
+{
+    if (ended == Ended::Fault)
+        return "fault";
+    return ended == Ended::Done && page.action == Action::Accept ? "accepted" : "stopped";
+}
+
+void LeaveTrimming(Ended ended)
+{
+    ShowPageState(view.states, kLeaving);
+    page.patience.emplace(kPatienceMs);
+    CalibratorStandby();
+    const std::string how = HowItEnded(ended);
+    RecordEnd(how);
+    if (how == "accepted" && !page.offsetOnly)
+        UpdateNominalWordFor(Group().gainWord, page.gainHex, false);
+    ShowInWork(Action::None);
+    HideError();
+    ClearReadings();
+    ShowPageState(view.states, kIdle, kPromptAgain);
+}
+
+// ---- the type of thermocouple ----
+
+bool PutMeterOnRange()
+{
+    const std::string code = RangeCodeText(Group().rangeIndex);
+    if (SCType == kTc)
+        return WriteBoardConfigWords(code);
+    WriteNvmWords(kRangeWord, "00" + code, "");
+    return true;
+}
+
+// The meter goes on the range of the type and tells both words. Without them there is nothing to trim.
+void SelectType()
+{
+    ShowPageState(view.states, kSelecting);
+    ShowConnectionDiagram(Group().rangeIndex);
+    page.gainHex = page.offsetHex = "";
+    ShowWords();
+    const std::string words = PutMeterOnRange() && !Abort ? ReadNvmWords(Group().gainWord, 2, "") : "";
+    if (words.empty() || Abort)
+        return;
+    page.gainHex = Left(words, 4);
+    page.offsetHex = Right(words, 4);
+    page.gain = {static_cast<float>(HexValue(page.gainHex))};
+    page.offset = {static_cast<float>(static_cast<std::int16_t>(HexValue(page.offsetHex)))};
+    ShowWords();
+    SetStep(page.offsetOnly);
+    RecordStepOpened(page.position);
+}
+
+void LeaveSelecting(bool stopped)
+{
+    if (!page.gainHex.empty())
+        ShowPageState(view.states, kIdle, PromptReady());
+    else
+        ShowPageState(view.states, kNoWords, stopped ? kPromptStopped : kPromptNoWords);
+}
+
+// ---- the operator: wishes only, the procedure does the work ----
+
+void optTCType_Click(int type)
+{
+    page.type = type;
+    RunPageProcedure(SelectType, [](Ended ended) { LeaveSelecting(ended == Ended::Stopped); });
+}
+
+void cmdQDReady_Click()
+{
+    RunPageProcedure(TrimDiode, LeaveTrimming);
+}
+
+void Wants(Action action, State state)
+{
+    page.action = action;
+    page.patience.emplace(kPatienceMs);
+    ShowPageState(view.states, state);
+    RequestStop();
+}
+
+void cmdQDGain_Click()
+{
+    ShowInWork(Action::Gain);
+    Wants(Action::Gain, kWriting);
+}
+
+void cmdQDOffset_Click()
+{
+    ShowInWork(Action::Offset);
+    Wants(Action::Offset, kWriting);
+}
+
+// "Accept" and "Cancel". Cancel also ends the wait for an input that nobody confirms.
+void cmdQDStop_Click(int index)
+{
+    if (view.states.now == kApplying)
+        StopWork();
+    else if (view.states.now != kLeaving)
+        Wants(index == 0 ? Action::Accept : Action::Cancel, kLeaving);
+    else if (page.patience->Passed())
+        StopWork();
+}
+
+void LeavePage(Ended)
+{
+    ShowPageState(view.states, kSelecting, kPromptLeaving);
+    CalibratorStandby();
+    ShowPageState(view.states, page.gainHex.empty() ? kNoWords : kIdle);
+    if (!page.offsetOnly)
+        NextStep();
+}
+
+void cmdQDDone_Click()
+{
+    RunPageProcedure([] {}, LeavePage);
+}
+
+void txtQDTarget_Commit(const std::string &text)
+{
+    const std::string target = NormaliseNumberText(text, QDTargetText, 2, 4);
+    SetField(view.txtQDTarget[1], target);
+    if (target == QDTargetText)
+        return;
+    QDTargetText = target;
+    SaveQDTarget();
+}
+
+// ---- the way in, inside the navigator's procedure ----
+
+void EnterQuasiDiodePage()
+{
+    page = QuasiDiodePage();
+    page.position = CurrentStepButton;
+    page.offsetOnly = CurrentStepId == Step::OffsetOnly;
+    view.title->setText("QUASI-DIODE GAIN AND OFFSET");
+    SetOption(view.types[0], true);
+    SetField(view.txtQDTarget[1], QDTargetText);
+    ClearReadings();
+    HideError();
+    ShowInWork(Action::None);
+    ShowPageState(view.states, kSelecting);
+    ShowPage(kQuasiDiodePage);
+    SelectType();
+    LeaveSelecting(Abort);
+}
+
+// ---- the way it is built ----
+
+QGroupBox *BuildTypes(QFrame *frame)
+{
+    QGroupBox *group = ombrix::Group(frame, "fraTCType", "T/C Type");
+    auto *row = new QHBoxLayout(group);
+    for (int type = 0; type < kDiodeGroups; ++type) {
+        auto *&option = view.types[static_cast<std::size_t>(type)];
+        option = Option(group, Indexed("optTCType", type), DiodeGroupOf(type).name, [type] { optTCType_Click(type); });
+        row->addWidget(option);
+    }
+    row->addStretch();
+    return group;
+}
+
+// A target in a frame that shows whether it is the one in work.
+QFrame *BuildTarget(QFrame *frame, int index)
+{
+    const auto place = static_cast<std::size_t>(index);
+    QFrame *shape = view.shpQDTarget[place] = Shape(frame, Indexed("shpQDTarget", index));
+    QLineEdit *field = view.txtQDTarget[place] =
+        Field(shape, Indexed("txtQDTarget", index), NumberKeys(),
+              [](const std::string &text, CommitBy) { txtQDTarget_Commit(text); });
+    auto *layout = new QHBoxLayout(shape);
+    layout->setContentsMargins(6, 6, 6, 6);
+    layout->addWidget(field);
+    return shape;
+}
+
+QGridLayout *BuildWords(QFrame *frame)
+{
+    auto *grid = new QGridLayout;
+    const char *const heads[] = {"", "Word", "Previous", "Target"};
+    for (int column = 0; column < 4; ++column)
+        grid->addWidget(Label(frame, Indexed("lblQDHead", column), heads[column]), 0, column);
+    view.buttons.gain = Button(frame, "cmdQDGain", "Gain", cmdQDGain_Click, "Alt+G");
+    view.buttons.offset = Button(frame, "cmdQDOffset", "Offset", cmdQDOffset_Click, "Alt+O");
+    view.lblQDGain = Title(frame, "lblQDGain");
+    view.lblQDOffset = Title(frame, "lblQDOffset");
+    view.lblQDPrevGain = Title(frame, "lblQDPrevGain");
+    view.lblQDPrevOffset = Title(frame, "lblQDPrevOffset");
+    int row = 1;
+    for (QPushButton *button : {view.buttons.gain, view.buttons.offset}) {
+        MakeLarge(button);
+        grid->addWidget(button, row, 0);
+        grid->addWidget(row == 1 ? view.lblQDGain : view.lblQDOffset, row, 1);
+        grid->addWidget(row == 1 ? view.lblQDPrevGain : view.lblQDPrevOffset, row, 2);
+        grid->addWidget(BuildTarget(frame, row - 1), row, 3);
+        ++row;
+    }
+    for (int column = 1; column < 4; ++column)
+        grid->setColumnStretch(column, 1);
+    SetField(view.txtQDTarget[0], "0.0");  // the gain's is no choice
+    view.txtQDTarget[0]->setReadOnly(true);
+    view.txtQDTarget[0]->setFocusPolicy(Qt::NoFocus);
+    return grid;
+}
+
+QHBoxLayout *BuildReadouts(QFrame *frame)
+{
+    view.lblQDReading = Readout(frame, "lblQDReading");
+    view.lblQDDistance = Readout(frame, "lblQDDistance");
+    auto *row = new QHBoxLayout;
+    row->addWidget(Label(frame, "lblQDReadingCaption", "Reading"));
+    row->addWidget(view.lblQDReading, 1);
+    row->addWidget(Label(frame, "lblQDDistanceCaption", "Off target"));
+    row->addWidget(view.lblQDDistance, 1);
+    return row;
+}
+
+QHBoxLayout *BuildButtons(QFrame *frame)
+{
+    view.buttons.ready = Button(frame, "cmdQDReady", "Ready", cmdQDReady_Click);
+    view.buttons.accept = Button(
+        frame, "cmdQDStop(0)", "Accept", [] { cmdQDStop_Click(0); }, "Alt+A");
+    view.buttons.cancel = Button(
+        frame, "cmdQDStop(1)", "Cancel", [] { cmdQDStop_Click(1); }, "Alt+C");
+    view.buttons.done = Button(frame, "cmdQDDone", "Done", cmdQDDone_Click);
+    auto *row = new QHBoxLayout;
+    for (QPushButton *button : {view.buttons.ready, view.buttons.accept, view.buttons.cancel, view.buttons.done}) {
+        MakeLarge(button);
+        row->addWidget(button);
+    }
+    row->addStretch();
+    return row;
+}
+
+void BuildQuasiDiodePage(QFrame *frame)
+{
+    page = QuasiDiodePage();
+    view = View();
+    auto *column = new QVBoxLayout(frame);
+    view.title = Title(frame, "lblQDTitle");
+    column->addWidget(view.title);
+    column->addWidget(BuildTypes(frame));
+    column->addStretch(1);
+    column->addLayout(BuildWords(frame));
+    column->addStretch(1);
+    column->addLayout(BuildReadouts(frame));
+    view.shpQDError = StatusBar(frame, "QDError", 1);
+    column->addWidget(view.shpQDError);
+    column->addStretch(1);
+    QFrame *instruction = Instruction(frame, 5, 2);
+    column->addWidget(instruction);
+    column->addLayout(BuildButtons(frame));
+    view.states = {frame, instruction, TableOfStates()};
+    ShowPageState(view.states, kSelecting);
+}
+
+}  // namespace
+
+void RegisterQuasiDiodePage()
+{
+    StepRecord quasiDiode{EnterQuasiDiodePage};
+    quasiDiode.takesInput = true;
+    RegisterPage(kQuasiDiodePage, BuildQuasiDiodePage);
+    RegisterSteps({Step::GainOffset, Step::OffsetOnly}, quasiDiode);
+}
+
+}  // namespace ombrix
