@@ -44,6 +44,7 @@ int main(int argc, char **argv)
     const bool good = parser.isSet("bench")
                           ? ombrix::tour::RunBench(options)
                           : ombrix::tour::RunSimulation(options) && ombrix::tour::RunAnalogWalk(options);
+                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunProcessMeters(options);
     std::puts(good ? "The tour ended well." : "The tour FAILED.");
     return good ? 0 : 1;
 }

@@ -22,6 +22,8 @@ bool RunSimulation(const Options &options);
 /// A point of the analog output, its cable and Verify Mode on the bench. Good when the last reading was inside the
 /// tolerance.
 bool RunAnalogWalk(const Options &options);
+/// The pages of a simulated Temp meter beyond its ranges.
+bool RunProcessMeters(const Options &options);
 
 /// One round of a board's first gain step.
 struct RangeRun {
