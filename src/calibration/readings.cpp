@@ -166,6 +166,17 @@ bool ReadingIsFar()
     return std::abs(static_cast<double>(step.Readings[0]) - target) > limit || minusIsFar;
 }
 
+std::string AwaitDisplay(const std::function<void(Following why)> &missed)
+{
+    const ArmedStop armed;
+    while (true) {
+        std::string text = TryDisplayOrStop();
+        if (text != kStop || StopWanted())
+            return text;
+        missed(WhyMissed());
+    }
+}
+
 Following FollowReading(const LiveReading &live, const std::function<void(const std::string &text)> &show)
 {
     const ArmedStop armed;

@@ -33,7 +33,7 @@ std::string ReadingErrorText();
 /// A reading of either polarity is off by more than a tenth of the target, or 1000 counts where the target is 0.
 bool ReadingIsFar();
 
-// ---- a reading that goes on ----
+// ---- a reading that can be stopped ----
 
 enum class Following {
     Stopped,    ///< by a button, by Esc or by navigation
@@ -52,6 +52,10 @@ struct LiveReading {
     /// On silence: true ends the following, false asks again.
     bool silenceEnds = false;
 };
+
+/// The display with its point, tried until a reading comes, or "STOP". The stop channel is open meanwhile; `missed` is
+/// told of each try that brought none.
+std::string AwaitDisplay(const std::function<void(Following why)> &missed);
 
 /// Shows a reading as it goes on, until a stop. Arms and disarms the stop channel, and waits out the second that a
 /// stopped reading gets. `show` is given each reading.

@@ -631,6 +631,7 @@ QHBoxLayout *BuildReadouts(QFrame *frame)
     auto *row = new QHBoxLayout;
     row->addWidget(Label(frame, "lblQDReadingCaption", "Reading"));
     row->addWidget(view.lblQDReading, 1);
+    row->addSpacing(24);
     row->addWidget(Label(frame, "lblQDDistanceCaption", "Off target"));
     row->addWidget(view.lblQDDistance, 1);
     return row;

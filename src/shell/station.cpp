@@ -11,6 +11,7 @@
 #include "procedures/meter_type_page.h"
 #include "procedures/quasi_diode_page.h"
 #include "procedures/range_page.h"
+#include "procedures/rtd_page.h"
 #include "procedures/step_rules.h"
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
@@ -108,6 +109,7 @@ void RegisterPages()
     RegisterAnalogPage();
     RegisterMeterTypePage();
     RegisterQuasiDiodePage();
+    RegisterRtdPage();
 }
 
 void OpenStation()

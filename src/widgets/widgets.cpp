@@ -43,21 +43,23 @@ bool PaintsItsFace(const QWidget *widget)
     return qobject_cast<const QPushButton *>(widget) != nullptr;
 }
 
-class DoubleClickFilter : public QObject
+class ClickFilter : public QObject
 {
 public:
-    DoubleClickFilter(QObject *parent, Handler handler) : QObject(parent), m_handler(std::move(handler)) {}
+    ClickFilter(QObject *parent, QEvent::Type click, Handler handler)
+        : QObject(parent), m_click(click), m_handler(std::move(handler))
+    {}
 
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() != QEvent::MouseButtonDblClick ||
-            static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+        if (event->type() != m_click || static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
             return false;
         RunHandler(m_handler);
         return true;
     }
 
 private:
+    QEvent::Type m_click;
     Handler m_handler;
 };
 
@@ -132,7 +134,12 @@ QGroupBox *Group(QWidget *parent, const QString &name, const std::string &captio
 
 void OnDoubleClick(QWidget *widget, Handler handler)
 {
-    widget->installEventFilter(new DoubleClickFilter(widget, std::move(handler)));
+    widget->installEventFilter(new ClickFilter(widget, QEvent::MouseButtonDblClick, std::move(handler)));
+}
+
+void OnClick(QWidget *widget, Handler handler)
+{
+    widget->installEventFilter(new ClickFilter(widget, QEvent::MouseButtonPress, std::move(handler)));
 }
 
 void SetFill(QWidget *widget, const QColor &colour)

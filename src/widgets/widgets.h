@@ -40,6 +40,8 @@ QGroupBox *Group(QWidget *parent, const QString &name, const std::string &captio
 
 /// Calls `handler` at each double click with the left button.
 void OnDoubleClick(QWidget *widget, Handler handler);
+/// The same at each single press, for what is no button.
+void OnClick(QWidget *widget, Handler handler);
 
 /// Fills a shape, label or button with a colour; text on it takes black or white, whichever reads better. Disabled it
 /// is dull in colour and text.
