@@ -159,6 +159,17 @@ std::string Format(float value, int decimals)
     return FormatDigits(static_cast<double>(value), decimals, 7);
 }
 
+std::string FormatSparse(float value, int decimals)
+{
+    std::string text = Format(value, decimals);
+    if (text.find('.') != std::string::npos)
+        text.erase(text.find_last_not_of('0') + 1);
+    const std::size_t first = text.front() == '-' ? 1 : 0;
+    if (text[first] == '0')
+        text.erase(first, 1);
+    return text;
+}
+
 std::string FormatExponent(double value)
 {
     if (value == 0 || !std::isfinite(value))

@@ -19,6 +19,10 @@ std::string Format(double value, int decimals);
 /// The same for a 32-bit float, of which 7 significant digits count: Format(3.296f, 4) is "3.2960".
 std::string Format(float value, int decimals);
 
+/// The same without digits that say nothing: 0.5 is ".5", -22 is "-22.", 1.80 is "1.8". The point stays; a zero without
+/// decimals is "".
+std::string FormatSparse(float value, int decimals);
+
 /// One digit, point, four digits, "E", "-" only when negative, at least two exponent digits: 0.2 is "2.0000E-01",
 /// 660 is "6.6000E02".
 std::string FormatExponent(double value);

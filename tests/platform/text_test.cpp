@@ -76,6 +76,18 @@ TEST(Format, PrintsWholeNumbersWithoutAPoint)
     EXPECT_EQ(Format(9.5, 0), "10");
 }
 
+TEST(FormatSparse, LeavesOutDigitsThatSayNothing)
+{
+    EXPECT_EQ(FormatSparse(-22.0f, 1), "-22.");
+    EXPECT_EQ(FormatSparse(0.5f, 1), ".5");
+    EXPECT_EQ(FormatSparse(-0.5f, 1), "-.5");
+    EXPECT_EQ(FormatSparse(1.8f, 3), "1.8");
+    EXPECT_EQ(FormatSparse(100.0f, 1), "100.");
+    EXPECT_EQ(FormatSparse(0.0f, 1), ".");
+    EXPECT_EQ(FormatSparse(0.0f, 0), "");
+    EXPECT_EQ(FormatSparse(-120.0f, 0), "-120");
+}
+
 TEST(FormatExponent, WritesTheSignOfTheExponentOnlyWhenNegative)
 {
     EXPECT_EQ(FormatExponent(0.2), "2.0000E-01");
