@@ -1,6 +1,7 @@
 #include "calibration/step_context.h"
 
 #include "calibration/step_state.h"
+#include "links/meter_identity.h"
 #include "links/meter_operations.h"
 #include "links/meter_simulator.h"
 #include "model/nominals.h"
@@ -17,7 +18,9 @@ namespace {
 
 constexpr float kPt100Fraction = 0.6444f;
 constexpr float kFirstNoise = 20.0f;
-constexpr int kZeroWord = 26;  // an offset on every board, also where its step applies a value
+constexpr int kInputTypeWord = 28;  // of a counter
+constexpr int kOutputWords = 3;     // its gain and offset
+constexpr int kZeroWord = 26;       // an offset on every board, also where its step applies a value
 
 bool HasCompanionWords(int word)
 {
@@ -94,6 +97,18 @@ void ApplyStepToMeter()
 {
     const bool onRange = WriteRangeSetup(step.FilterCode, step.RangeCode, step.SampleCount);
     step.StepWordHex = onRange ? ReadNvmWords(step.StepNvmWord, 1, "") : "";
+}
+
+void PrepareOutputWord()
+{
+    const bool onRange = SetWordLowByte(kInputTypeWord, step.RangeCode);
+    step.StepWordHex = onRange && !Abort ? ReadNvmWords(step.StepNvmWord, kOutputWords, "") : "";
+}
+
+void SetTargetCounts(std::int32_t counts)
+{
+    step.TargetCounts = counts;
+    step.TargetCountsF = static_cast<float>(counts);
 }
 
 std::int32_t GetTargetCounts()

@@ -25,6 +25,12 @@ void SetPlainStep(const PlainStep &plain);
 /// Puts the meter on the step's range and reads its word; GetStepWordHex is "" when that failed.
 void ApplyStepToMeter();
 
+/// The same on a counter: its input type, and the three words of gain and offset as twelve digits. Words 17, 16 and 5..3
+/// are the customer's there.
+void PrepareOutputWord();
+/// Another target for the step in work, which reads more than one point.
+void SetTargetCounts(std::int32_t counts);
+
 std::int32_t GetTargetCounts();
 std::string GetCalValue();
 bool GetTurnoverStep();

@@ -183,13 +183,15 @@ std::string BoardCodeByteFor(int board)
     }
 }
 
-void SetWordLowByte(int word, std::string_view twoDigits)
+bool SetWordLowByte(int word, std::string_view twoDigits)
 {
     if (twoDigits.size() != 2)
-        return;
+        return false;
     const std::string now = ReadNvmWords(word, 1, "");
-    if (!now.empty() && !Abort)
-        WriteNvmWords(word, Left(now, 2) + std::string(twoDigits), "");
+    if (now.empty() || Abort)
+        return false;
+    WriteNvmWords(word, Left(now, 2) + std::string(twoDigits), "");
+    return true;
 }
 
 bool WriteBoardConfigWords(std::string_view boardByte)

@@ -46,8 +46,8 @@ std::string ReadBoardCodeByte();
 void WriteBoardCodeByte(std::string_view twoDigits);
 /// The board byte that belongs to a board, "" when none does.
 std::string BoardCodeByteFor(int board);
-/// Replaces the low byte of a word; nothing when it can't be read or `twoDigits` isn't two characters.
-void SetWordLowByte(int word, std::string_view twoDigits);
+/// Replaces the low byte of a word; nothing and false when it can't be read or `twoDigits` isn't two characters.
+bool SetWordLowByte(int word, std::string_view twoDigits);
 /// TC: board code and board byte in one block of six words at 21; nothing and false when the words between can't be read.
 bool WriteBoardConfigWords(std::string_view boardByte);
 

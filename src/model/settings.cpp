@@ -6,6 +6,7 @@
 
 #include "model/analog_words.h"
 #include "model/ini_store.h"
+#include "model/kept_config.h"
 #include "model/nominals.h"
 #include "model/old_files.h"
 #include "model/range_tables.h"
@@ -150,6 +151,7 @@ void InitTables()
     LoadFilters();
     LoadSendFileNames();
     LoadPorts();
+    LoadKeptConfig();
     // So far the saves only marked what changed; the last loader writes it all.
     IniReady = true;
     LoadAnaCal();

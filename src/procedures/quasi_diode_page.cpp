@@ -419,21 +419,14 @@ void TrimDiode()
     }
 }
 
-std::string HowItEnded(Ended ended)
-{
-    if (ended == Ended::Fault)
-        return "fault";
-    return ended == Ended::Done && page.action == Action::Accept ? "accepted" : "stopped";
-}
-
 void LeaveTrimming(Ended ended)
 {
     ShowPageState(view.states, kLeaving);
     page.patience.emplace(kPatienceMs);
     CalibratorStandby();
-    const std::string how = HowItEnded(ended);
-    RecordEnd(how);
-    if (how == "accepted" && !page.offsetOnly)
+    const bool accepted = ended == Ended::Done && page.action == Action::Accept;
+    RecordEnd(accepted ? "accepted" : HowEnded(ended));
+    if (accepted && !page.offsetOnly)
         UpdateNominalWordFor(Group().gainWord, page.gainHex, false);
     ShowInWork(Action::None);
     HideError();

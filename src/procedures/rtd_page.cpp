@@ -266,6 +266,8 @@ void FinishStep()
 void LeaveCalibrating(Ended ended)
 {
     FreezeReading();
+    if (ended != Ended::Done)
+        RecordEnd(HowEnded(ended));
     if (ended == Ended::Done && page.action == Action::Done)
         FinishStep();
     else if (page.onRange)

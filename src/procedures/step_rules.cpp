@@ -11,10 +11,6 @@ void RegisterStepRules()
     StepRecord firstCycle;
     firstCycle.allowed = [](int) { return MeterPort != 0; };  // its stream can't pass the calibrator
     RegisterSteps({Step::FirstCycle}, firstCycle);
-
-    StepRecord restConfig;
-    restConfig.allowed = [](int) { return !RestConfigImage.empty(); };
-    RegisterSteps({Step::RestConfig}, restConfig);
 }
 
 }  // namespace ombrix

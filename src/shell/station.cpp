@@ -13,6 +13,8 @@
 #include "procedures/range_page.h"
 #include "procedures/rtd_page.h"
 #include "procedures/step_rules.h"
+#include "procedures/vf_page.h"
+#include "procedures/vf_service_pages.h"
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
 #include "records/verify_page.h"
@@ -110,6 +112,8 @@ void RegisterPages()
     RegisterMeterTypePage();
     RegisterQuasiDiodePage();
     RegisterRtdPage();
+    RegisterVfPage();
+    RegisterVfServicePages();
 }
 
 void OpenStation()

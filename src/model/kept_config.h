@@ -1,0 +1,26 @@
+// A counter's configuration that was kept before a calibration, to be restored after it. It lies in a file beside the
+// settings until it was restored, so a crash in between loses nothing.
+#pragma once
+
+#include <string>
+
+namespace ombrix {
+
+constexpr std::size_t kConfigDigits = 200;  ///< words 49 to 0, highest first
+
+/// Who it belongs to and when it was kept; both "" unless it comes from an earlier run of the program.
+struct KeptConfigOrigin {
+    std::string meter;
+    std::string utc;
+};
+const KeptConfigOrigin &OriginOfKeptConfig();
+
+/// Program start: what an earlier run kept becomes RestConfigImage. A file that isn't whole counts as none.
+void LoadKeptConfig();
+/// Keeps an image, also as RestConfigImage; with `lasting` in the file too, and one that still lies there beside it as
+/// "...old". "" when it is kept, otherwise the system's words: then it is kept in memory alone.
+std::string KeepConfig(const std::string &image, const std::string &meter, bool lasting);
+/// RestConfigImage was restored: the file goes if it holds that, RestConfigImage stays for this run.
+void ForgetKeptConfig();
+
+}  // namespace ombrix

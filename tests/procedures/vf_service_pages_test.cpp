@@ -1,0 +1,264 @@
+#include "support/page_test.h"
+
+#include "model/kept_config.h"
+#include "platform/safe_file.h"
+#include "platform/text.h"
+#include "session/journal.h"
+#include "session/page_frame.h"
+#include "session/procedure.h"
+#include "testbench/boards.h"
+
+namespace ombrix::test {
+namespace {
+
+using testing::Contains;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+using testing::Not;
+using testing::StartsWith;
+
+constexpr int kNominalize = 1;  // positions
+constexpr int kGetConfig = 14;
+constexpr int kRestConfig = 16;
+
+std::string Result(int row, int column)
+{
+    return ScriptedOperator::Cell("msgVFNom", row, column);
+}
+
+// ---- Nominalize ----
+
+class SimulatedCounter : public SimulatedPage
+{
+protected:
+    void SetUp() override
+    {
+        SimulatedPage::SetUp();
+        SimNvm[109] = 0x3203;
+    }
+};
+
+TEST_F(SimulatedCounter, GainsOutsideTheirBoundsGiveWayToTheNominalOnes)
+{
+    Establishes();
+    person->Clicks(StepButton(kNominalize)).WaitsFor("cmdDone(3)");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(Text("lblAA(10)"), "Gain must be between 0.5 and 2.0");
+    struct {
+        const char *range, *gain, *result;
+    } constexpr kRows[] = {{"VF 4-20 mA", "2.26", "Nominal Gain and Offset written"},
+                           {"VF 0-1 mA", "1.", "Gain and Offset Retained"},
+                           {"VF 0-10 V", "2.01", "Nominal Gain and Offset written"}};
+    for (int row = 0; row < 3; ++row) {
+        EXPECT_EQ(Result(row, 0), kRows[row].range);
+        EXPECT_EQ(Result(row, 1), kRows[row].gain);
+        EXPECT_EQ(Result(row, 2), kRows[row].result);
+    }
+    std::string words;
+    for (std::size_t word = 201; word >= 193; --word)
+        words += HexText(SimNvm[word], 4);
+    EXPECT_EQ(words, "FF77451428F6FFD9B8100000FFD9B8100000");
+    EXPECT_TRUE(HasFocus("cmdDone(3)"));
+    person->Clicks("cmdDone(3)").WaitsUntil("the next step", StandsAt(kNominalize + 1)).WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+}
+
+class WiredCounter : public WiredPage
+{
+protected:
+    std::vector<WordBoxes> boxes;  // that were shown, one after the other
+    std::vector<JournalEvent> events;
+    int listener = -1;
+
+    void TearDown() override
+    {
+        if (listener >= 0)
+            StopListening(listener);
+        WiredPage::TearDown();
+    }
+    void Stand()
+    {
+        Stands({.board = bench::board::kVf, .kind = 3});
+        Establishes();
+        frameHooks.showWordBoxes = [this](const WordBoxes &shown) { boxes.push_back(shown); };
+        listener = ListenToJournal([this](const JournalEvent &event) { events.push_back(event); });
+    }
+    void Opens(int position) { person->Clicks(StepButton(position)).WaitsFor("cmdSetup"); }
+    /// "Save" on the boxes shown last.
+    void Saves()
+    {
+        person->Does([this] {
+            RunPageProcedure(
+                [this] {
+                    WordBoxes after = boxes.back().save();
+                    boxes.push_back(after);
+                },
+                [](Ended) {});
+        });
+    }
+    void Runs() { ASSERT_TRUE(person->Runs()) << person->Trouble(); }
+    std::string Image() const
+    {
+        std::string image;
+        for (std::size_t word = 49; word < 50; --word)
+            image += HexText(WordOf(word), 4);
+        return image;
+    }
+    std::vector<std::string> Writes() const
+    {
+        std::vector<std::string> writes = ToMeter();
+        std::erase_if(writes, [](const std::string &frame) { return frame[2] != 'W'; });
+        return writes;
+    }
+};
+
+TEST_F(WiredCounter, NominalizeWritesNothingOfWhatItCouldNotReadInFull)
+{
+    Stand();
+    bench->AnswerNext(bench::Line::Meter, "FFD9B8200000FFD9B8200001\r", "1X9C9");
+    person->Does([this] { Forget(); });
+    Opens(kNominalize);
+    Runs();
+    EXPECT_THAT(Writes(), IsEmpty());
+    EXPECT_EQ(Result(0, 2), "");
+    EXPECT_EQ(Text("lblVFNom"),
+              "The meter did not answer, nothing was written:\ncheck its line, then click the step again");
+    EXPECT_EQ(Fill("shpVFNom"), "#ff0000");
+    EXPECT_TRUE(IsEnabled("cmdDone(3)"));
+}
+
+// ---- the configuration ----
+
+TEST_F(WiredCounter, RestConfigWaitsForAConfigurationAndPutsItBack)
+{
+    Stand();
+    EXPECT_FALSE(IsEnabled(StepButton(kRestConfig)));
+    const std::string image = Image();
+    person->Does([this] { Forget(); });
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_THAT(ToMeter(), ElementsAre("*1XP31Z", "*1XP18"));
+    ASSERT_EQ(boxes.size(), 2u);
+    EXPECT_EQ(boxes[0].image, "") << "blank while it is read";
+    EXPECT_EQ(boxes[1].image, image);
+    EXPECT_EQ(boxes[1].says, "The original onfiguration above has been saved.");
+    EXPECT_FALSE(boxes[1].save);
+    EXPECT_EQ(RestConfigImage, image);
+    EXPECT_TRUE(IsEnabled(StepButton(kRestConfig)));
+
+    for (int word = 0; word < 50; ++word)
+        bench->SetWord(word, static_cast<std::uint16_t>(0x1111 + word));
+    Opens(kRestConfig);
+    Runs();
+    EXPECT_EQ(boxes.back().image, image);
+    EXPECT_EQ(boxes.back().says, "Click \"Save\" to restore the original onfiguration above.");
+    person->Does([this] { Forget(); });
+    Saves();
+    Runs();
+    EXPECT_EQ(Image(), image);
+    EXPECT_EQ(Writes(),
+              (std::vector<std::string>{"*1WP31" + image.substr(0, 100) + "Z", "*1WP18" + image.substr(100)}));
+    EXPECT_EQ(boxes.back().says, "Configuration restored.");
+    EXPECT_FALSE(boxes.back().trouble);
+    EXPECT_FALSE(boxes.back().save);
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Missing);
+    EXPECT_EQ(TextOf(events.back(), "verdict"), "taken");
+}
+
+TEST_F(WiredCounter, AConfigurationThatWasNotReadInFullIsNotKept)
+{
+    Stand();
+    bench->AnswerNext(bench::Line::Meter, "FFFF\r", "1XP18");
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_EQ(RestConfigImage, "");
+    EXPECT_FALSE(IsEnabled(StepButton(kRestConfig)));
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Missing);
+}
+
+TEST_F(WiredCounter, AWordThatTheMeterDidNotTakeIsNamed)
+{
+    Stand();
+    Opens(kGetConfig);
+    Opens(kRestConfig);
+    Runs();
+    std::string high = Image().substr(0, 100);
+    high.replace(4, 4, "DEAD");  // word 48
+    bench->AnswerNext(bench::Line::Meter, high + "\r", "1XP31Z");
+    Saves();
+    Runs();
+    EXPECT_THAT(boxes.back().says, HasSubstr("words 30."));
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_EQ(boxes.back().meant, RestConfigImage);
+    EXPECT_EQ(boxes.back().image.substr(4, 4), "DEAD");
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Readable) << "not restored yet";
+    Saves();
+    Runs();
+    EXPECT_EQ(boxes.back().says, "Configuration restored.");
+}
+
+TEST_F(WiredCounter, ASilentMeterKeepsTheConfigurationInTheFile)
+{
+    Stand();
+    Opens(kGetConfig);
+    Opens(kRestConfig);
+    person->Does([this] { bench->SwitchFault("silent-meter", true); });
+    Saves();
+    Runs();
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_TRUE(boxes.back().save) << "once more";
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Readable);
+    EXPECT_EQ(TextOf(events.back(), "verdict"), "no answer");
+}
+
+TEST_F(WiredCounter, AKeptConfigurationOutlivesTheProgram)
+{
+    Stand();
+    Opens(kGetConfig);
+    Runs();
+    const std::string image = RestConfigImage;
+    const std::string file = ReadFile("KeptConfig.txt").value_or("");
+    EXPECT_EQ(file.substr(0, 201), image + "\n");
+    RestConfigImage.clear();
+    LoadKeptConfig();
+    EXPECT_EQ(RestConfigImage, image);
+    EXPECT_EQ(OriginOfKeptConfig().meter, "CTR, revision X2");
+    Opens(kRestConfig);
+    Runs();
+    EXPECT_THAT(boxes.back().says, HasSubstr("\r\nKept by an earlier run, of CTR, revision X2, at 20"));
+    EXPECT_THAT(boxes.back().says, HasSubstr(" UTC"));
+    for (const std::string &broken : {file.substr(0, 150), file.substr(0, 204), "X" + file, std::string()}) {
+        WriteFile("KeptConfig.txt", broken);
+        RestConfigImage.clear();
+        LoadKeptConfig();
+        EXPECT_EQ(RestConfigImage, "") << "what is not whole is none";
+    }
+}
+
+TEST_F(WiredCounter, AnEarlierConfigurationThatWasNeverRestoredIsSetAside)
+{
+    Stand();
+    Opens(kGetConfig);
+    Runs();
+    const std::string first = ReadFile("KeptConfig.txt").value_or("");
+    bench->SetWord(48, 0x1234);
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_EQ(ReadFile("KeptConfig.txt.old").value_or(""), first);
+    EXPECT_NE(ReadFile("KeptConfig.txt").value_or(""), first);
+}
+
+TEST_F(SimulatedCounter, ASimulatedConfigurationLeavesTheFileAlone)
+{
+    WriteFile("KeptConfig.txt", "of a real meter");
+    Establishes();
+    person->Clicks(StepButton(kGetConfig)).WaitsFor(StepButton(kRestConfig));
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(RestConfigImage.size(), kConfigDigits);
+    EXPECT_EQ(ReadFile("KeptConfig.txt").value_or(""), "of a real meter");
+}
+
+}  // namespace
+}  // namespace ombrix::test
