@@ -1,0 +1,302 @@
+// Thermocouple meters, thermometers and counters: the pages beyond the ranges, on each route and with several units,
+// with every fault of the bench and with the end of the program at any moment. The bench's truth is the judge.
+
+#include "journeys/page_loops.h"
+#include "model/range_tables.h"
+#include "model/station_settings.h"
+#include "platform/text.h"
+#include "session/state.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+// Positions.
+constexpr int kTcGainOffset = 6;
+constexpr int kTempGainOffset = 7;
+constexpr int kRtdCurrent = 4;
+constexpr int kVfRanges[] = {2, 3, 4};
+
+constexpr int kStepEntry = 60;  // seconds, most of them for an input that nobody confirms
+constexpr int kRemoval = 70;
+constexpr int kPatience = 120;  // what the operator waits before he ends what goes no further
+constexpr int kLook = 2500;     // milliseconds in which a display settles before his eyes
+constexpr int kMostClicks = 6;
+
+enum class Route { Direct, Uut, Manual };
+
+const char *NameOf(Route route)
+{
+    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
+}
+
+Wiring WiringOf(int board, Route route, unsigned seed)
+{
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.kind = board == kVf ? kCtr : kDpm;
+    wiring.bench.seed = seed;
+    wiring.bench.uut = route == Route::Uut;
+    wiring.manual = route == Route::Manual;
+    return wiring;
+}
+
+double Number(const char *label)
+{
+    return Val(ScriptedOperator::Text(label));
+}
+
+// What an operator does who clicks a button until he is content with the number beside it.
+void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
+                 const std::function<void()> &then)
+{
+    station.person.WaitsUntil("the reading is live", [=] { return ScriptedOperator::IsEnabled(button); })
+        .Waits(kLook)
+        .Does([=, &station] {
+            if (clicks > 0 && (std::fabs(Number(number)) <= content || clicks > kMostClicks))
+                return then();
+            station.person.Clicks(button);
+            ClicksUntil(station, button, number, content, clicks + 1, then);
+        });
+}
+
+void TrimsTheDiode(BenchStation &station, const std::string &type)
+{
+    station.person.Clicks("optTCType(" + type + ")").WaitsFor("cmdQDReady").Clicks("cmdQDReady");
+    ClicksUntil(station, "cmdQDGain", "lblQDDistance", 0.1, 0, [&station] {
+        ClicksUntil(station, "cmdQDOffset", "lblQDDistance", 0.1, 0,
+                    [&station] { station.person.Clicks("cmdQDStop(0)").WaitsFor("cmdSetup"); });
+    });
+}
+
+void TrimsTheCurrent(BenchStation &station)
+{
+    ClicksUntil(station, "cmdISCalib", "lblISError", 1, 0,
+                [&station] { station.person.Clicks("cmdISDone").WaitsFor("cmdSetup"); });
+}
+
+}  // namespace
+
+// ---- every unit on every route ----
+
+using Journey = std::tuple<int, Route, unsigned>;
+
+class ProcessMeter : public testing::TestWithParam<Journey>
+{
+};
+
+std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
+{
+    return BoardName(std::get<0>(info.param)) + NameOf(std::get<1>(info.param)) + "Seed" +
+           std::to_string(std::get<2>(info.param));
+}
+
+TEST_P(ProcessMeter, EndsWithinWhatItsPagesPromise)
+{
+    const auto [board, route, seed] = GetParam();
+    BenchStation station(WiringOf(board, route, seed));
+    ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+    ASSERT_EQ(SCType, board);
+    if (board == kTemp) {
+        station.person.Clicks(StepButton(kRtdCurrent)).WaitsFor("cmdISCalib");
+        TrimsTheCurrent(station);
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(std::fabs(station.bench.RemainingError("RTD Current")), 1.5) << "a count, and the display's own half";
+    }
+    if (board != kVf) {
+        station.person.Clicks(StepButton(board == kTc ? kTcGainOffset : kTempGainOffset)).WaitsFor("cmdQDReady");
+        for (const std::string type : {"0", "1"}) {
+            TrimsTheDiode(station, type);
+            ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+            const std::string title = type == "0" ? "Gain/Offset J" : "Gain/Offset T";
+            EXPECT_LE(std::fabs(station.bench.RemainingError(title)), 2) << title;
+        }
+    } else {
+        VFLow = VFHigh = "3";
+        for (const int position : kVfRanges) {
+            station.person.Clicks(StepButton(position)).WaitsFor("cmdVFRdyRpt").Clicks("cmdVFRdyRpt");
+            station.person.WaitsFor("cmdVFRdyRpt");
+            ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+            EXPECT_EQ(ScriptedOperator::Text("cmdVFRdyRpt"), "Repeat");
+            EXPECT_LE(std::fabs(station.bench.RemainingError(position)), 4) << "3 counts, and the display's flicker";
+        }
+        station.person.Clicks("cmdSetup").WaitsFor("optManual").WaitsFor("cmdSetup");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    }
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+    EXPECT_FALSE(station.bench.CalibratorNow().operating) << "ended in standby";
+}
+
+INSTANTIATE_TEST_SUITE_P(Units, ProcessMeter,
+                         testing::Combine(testing::Values(kTc, kTemp, kVf), testing::Values(Route::Direct),
+                                          testing::Values(1u, 2u, 3u)),
+                         NameOfJourney);
+INSTANTIATE_TEST_SUITE_P(OtherRoutes, ProcessMeter,
+                         testing::Combine(testing::Values(kTc, kTemp, kVf), testing::Values(Route::Uut, Route::Manual),
+                                          testing::Values(4u)),
+                         NameOfJourney);
+
+// ---- with every fault, and with the end of the program ----
+
+namespace {
+
+// Does `then` when a button is on; leaves by `way` what goes no further, and does `after`. What is told inside a script
+// comes behind all that was told before, so each piece tells the next.
+void GoesOn(
+    BenchStation &station, const std::string &button, const std::string &way, const std::function<void()> &then,
+    const std::function<void()> &after = [] {})
+{
+    const std::int64_t start = station.clock.Elapsed();
+    station.person.WaitsUntil(button + " is on or it takes too long", [&station, button, start] {
+        return ScriptedOperator::IsEnabled(button) || NavigationIsFree() ||
+               station.clock.Elapsed() > start + kPatience * 1000;
+    });
+    station.person.Does([=, &station] {
+        if (ScriptedOperator::IsEnabled(button))
+            return then();
+        if (!NavigationIsFree())
+            Leaves(station, way, kRemoval);
+        after();
+    });
+}
+
+// Every fault that lasts, in the short walk; those that come once too when each exchange is taken.
+std::vector<FaultCase> Chosen(const PageScript &script, int every)
+{
+    std::vector<FaultCase> cases = FaultCases(script, Stride(every));
+    if (Stride(every) != 1)
+        std::erase_if(cases, [](const FaultCase &each) { return !each.lasting; });
+    return cases;
+}
+
+PageScript DiodeScript()
+{
+    PageScript script;
+    script.wiring = WiringOf(kTc, Route::Direct, 1);
+    script.works = [](BenchStation &station, const std::string &) {
+        Leaves(station, StepButton(kTcGainOffset), kStepEntry);
+        station.person.Does([&station] {
+            if (!ScriptedOperator::IsEnabled("cmdQDReady"))
+                return;
+            station.person.Clicks("cmdQDReady");
+            GoesOn(station, "cmdQDGain", "cmdQDStop(1)", [&station] {
+                station.person.Clicks("cmdQDGain");
+                GoesOn(station, "cmdQDOffset", "cmdQDStop(1)", [&station] {
+                    station.person.Clicks("cmdQDOffset");
+                    GoesOn(station, "cmdQDStop(0)", "cmdQDStop(1)",
+                           [&station] { Leaves(station, "cmdQDStop(0)", kRemoval); });
+                });
+            });
+        });
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(StepButton(kTcGainOffset)).WaitsFor("cmdQDReady").Clicks("cmdQDReady");
+        station.person.WaitsFor("cmdQDGain").Clicks("cmdQDGain");
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(StepButton(kTcGainOffset)).WaitsFor("cmdQDReady");
+        TrimsTheDiode(station, "0");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(std::fabs(station.bench.RemainingError("Gain/Offset J")), 2);
+    };
+    return script;
+}
+
+PageScript VfScript()
+{
+    PageScript script;
+    script.wiring = WiringOf(kVf, Route::Direct, 1);
+    script.wiring.bench.operateDelayMs = 50;  // Quit is through with a counter in 100 ms
+    script.works = [](BenchStation &station, const std::string &) {
+        VFLow = VFHigh = "3";
+        Leaves(station, StepButton(kVfRanges[0]), kStepEntry);
+        station.person.Does([&station] {
+            // A good run leaves its input; the way to Setup takes it off.
+            const auto leaves = [&station] { Leaves(station, "cmdSetup", kRemoval); };
+            if (!ScriptedOperator::IsEnabled("cmdVFRdyRpt"))
+                return leaves();
+            station.person.Clicks("cmdVFRdyRpt");
+            GoesOn(station, "cmdVFRdyRpt", "cmdVFStop", leaves, leaves);
+        });
+    };
+    script.begins = [](BenchStation &station) {
+        VFLow = VFHigh = "0";
+        station.person.Clicks(StepButton(kVfRanges[0])).WaitsFor("cmdVFRdyRpt").Clicks("cmdVFRdyRpt");
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(StepButton(kVfRanges[0])).WaitsFor("cmdVFRdyRpt").Clicks("cmdVFRdyRpt");
+        station.person.WaitsFor("cmdVFRdyRpt").Clicks("cmdSetup").WaitsFor("optManual").WaitsFor("cmdSetup");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(std::fabs(station.bench.RemainingError(kVfRanges[0])), 4);
+    };
+    return script;
+}
+
+// Establish leaves a Temp meter's word 16 as a DC meter's, so the next one may find that; the chooser is the way back.
+void TakesTheTempBoard(BenchStation &station)
+{
+    if (SCType == kTemp)
+        return;
+    station.person.ClicksTab(kTabTc).WaitsFor("optTabSelect(0)").Clicks("optTabSelect(0)");
+    station.person.WaitsUntil("it is a Temp board", [] { return SCType == kTemp && NavigationIsFree(); });
+}
+
+PageScript CurrentScript()
+{
+    PageScript script;
+    script.wiring = WiringOf(kTemp, Route::Direct, 1);
+    script.works = [](BenchStation &station, const std::string &) {
+        TakesTheTempBoard(station);
+        Leaves(station, StepButton(kRtdCurrent), kStepEntry);
+        station.person.Does([&station] {
+            const auto leaves = [&station] { Leaves(station, "cmdSetup", kRemoval); };
+            if (!ScriptedOperator::IsEnabled("cmdISCalib"))
+                return leaves();
+            station.person.Clicks("cmdISCalib");
+            GoesOn(
+                station, "cmdISDone", "cmdISDone",
+                [&station, leaves] {
+                    Leaves(station, "cmdISDone", kRemoval);
+                    station.person.Does(leaves);
+                },
+                leaves);
+        });
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(StepButton(kRtdCurrent)).WaitsFor("cmdISCalib").Clicks("cmdISCalib");
+    };
+    script.proves = [](BenchStation &station) {
+        TakesTheTempBoard(station);
+        station.person.Clicks(StepButton(kRtdCurrent)).WaitsFor("cmdISCalib");
+        TrimsTheCurrent(station);
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(std::fabs(station.bench.RemainingError("RTD Current")), 1.5);
+    };
+    return script;
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(Chosen(DiodeScript(), 31)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(Chosen(VfScript(), 83)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(Chosen(CurrentScript(), 15)), NameOfFaultCase);
+
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, QuitLoop,
+                         testing::ValuesIn(QuitCases(DiodeScript(), {0, 500, 1200, 1900, 2600, 4000})), NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, QuitLoop,
+                         testing::ValuesIn(QuitCases(VfScript(), {0, 900, 3000, 7000, 11000, 14000, 20000})),
+                         NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, QuitLoop,
+                         testing::ValuesIn(QuitCases(CurrentScript(), {0, 1500, 4000, 6500, 7500, 9000, 12000})),
+                         NameOfQuitCase);
