@@ -32,6 +32,7 @@ constexpr int kStepEntry = 60;  // seconds, most of them for an input that nobod
 constexpr int kRemoval = 70;
 constexpr int kPatience = 120;  // what the operator waits before he ends what goes no further
 constexpr int kLook = 2500;     // milliseconds in which a display settles before his eyes
+constexpr int kRestart = 3000;  // more than any restart: a meter that has just restarted is deaf
 constexpr int kMostClicks = 6;
 
 enum class Route { Direct, Uut, Manual };
@@ -223,7 +224,10 @@ PageScript VfScript()
         Leaves(station, StepButton(kVfRanges[0]), kStepEntry);
         station.person.Does([&station] {
             // A good run leaves its input; the way to Setup takes it off.
-            const auto leaves = [&station] { Leaves(station, "cmdSetup", kRemoval); };
+            const auto leaves = [&station] {
+                Leaves(station, "cmdSetup", kRemoval);
+                station.person.Waits(kRestart);
+            };
             if (!ScriptedOperator::IsEnabled("cmdVFRdyRpt"))
                 return leaves();
             station.person.Clicks("cmdVFRdyRpt");
@@ -260,7 +264,10 @@ PageScript CurrentScript()
         TakesTheTempBoard(station);
         Leaves(station, StepButton(kRtdCurrent), kStepEntry);
         station.person.Does([&station] {
-            const auto leaves = [&station] { Leaves(station, "cmdSetup", kRemoval); };
+            const auto leaves = [&station] {
+                Leaves(station, "cmdSetup", kRemoval);
+                station.person.Waits(kRestart);
+            };
             if (!ScriptedOperator::IsEnabled("cmdISCalib"))
                 return leaves();
             station.person.Clicks("cmdISCalib");
