@@ -86,6 +86,28 @@ void WalksTemp(Walk &walk)
     ChangesTheMeterType(walk);
 }
 
+void CalibratesTheCounter(Walk &walk)
+{
+    walk.Person().Clicks(StepButton(1)).WaitsFor("cmdDone(3)");
+    walk.Takes("nominalize");
+    walk.Person()
+        .Clicks(StepButton(2))
+        .WaitsFor("txtVFLim(0)")
+        .Types("txtVFLim(0)", "5")
+        .Types("txtVFLim(1)", "5")
+        .Presses(Qt::Key_Return);
+    walk.Person().WaitsFor("cmdVFRdyRpt").Clicks("cmdVFRdyRpt").WaitsFor("cmdVFRdyRpt");
+    walk.Takes("vf");
+    walk.Person().Clicks(StepButton(14)).WaitsFor(StepButton(16)).Clicks(StepButton(16)).WaitsFor("cmdSetup");
+    walk.Takes("rest-config");
+}
+
+void WalksCounter(Walk &walk)
+{
+    Establishes(walk, 0x3203, 0x01, 0x60);
+    CalibratesTheCounter(walk);
+}
+
 bool WalksAlone(const Options &options, const char *what, void (*script)(Walk &))
 {
     const QString pictures = options.pictures.isEmpty() ? "" : QDir(options.pictures).absolutePath();
@@ -109,7 +131,7 @@ bool WalksAlone(const Options &options, const char *what, void (*script)(Walk &)
 
 bool RunProcessMeters(const Options &options)
 {
-    return WalksAlone(options, "Temp", WalksTemp);
+    return WalksAlone(options, "Temp", WalksTemp) && WalksAlone(options, "Counter", WalksCounter);
 }
 
 }  // namespace ombrix::tour

@@ -23,6 +23,7 @@ bool RunSimulation(const Options &options);
 /// tolerance.
 bool RunAnalogWalk(const Options &options);
 /// The pages of a simulated Temp meter beyond its ranges.
+/// The pages of a simulated Temp meter and counter beyond the ranges.
 bool RunProcessMeters(const Options &options);
 
 /// One round of a board's first gain step.
