@@ -188,17 +188,23 @@ PageScript DiodeScript()
     script.works = [](BenchStation &station, const std::string &) {
         Leaves(station, StepButton(kTcGainOffset), kStepEntry);
         station.person.Does([&station] {
+            const auto rests = [&station] { station.person.Waits(kRestart); };
             if (!ScriptedOperator::IsEnabled("cmdQDReady"))
-                return;
+                return rests();
             station.person.Clicks("cmdQDReady");
-            GoesOn(station, "cmdQDGain", "cmdQDStop(1)", [&station] {
+            const auto accepts = [&station, rests] {
+                Leaves(station, "cmdQDStop(0)", kRemoval);
+                rests();
+            };
+            const auto trimsTheOffset = [&station, accepts, rests] {
+                station.person.Clicks("cmdQDOffset");
+                GoesOn(station, "cmdQDStop(0)", "cmdQDStop(1)", accepts, rests);
+            };
+            const auto trimsTheGain = [&station, trimsTheOffset, rests] {
                 station.person.Clicks("cmdQDGain");
-                GoesOn(station, "cmdQDOffset", "cmdQDStop(1)", [&station] {
-                    station.person.Clicks("cmdQDOffset");
-                    GoesOn(station, "cmdQDStop(0)", "cmdQDStop(1)",
-                           [&station] { Leaves(station, "cmdQDStop(0)", kRemoval); });
-                });
-            });
+                GoesOn(station, "cmdQDOffset", "cmdQDStop(1)", trimsTheOffset, rests);
+            };
+            GoesOn(station, "cmdQDGain", "cmdQDStop(1)", trimsTheGain, rests);
         });
     };
     script.begins = [](BenchStation &station) {
