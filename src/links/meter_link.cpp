@@ -45,11 +45,20 @@ void OpenRoute()
         OpenMeterPort(PortDevice(MeterPort));
 }
 
+std::string AskSetup()
+{
+    return MeterQuery('G', 50, 2, "");
+}
+
 int LookForMeter()
 {
     OpenRoute();
     MeterCommandA1();
-    const std::string answer = MeterQuery('G', 50, 2, "");
+    std::string answer = AskSetup();
+    if (answer.size() != kAnswerDigits && MeterStreams() && !Abort) {
+        MeterCommandC0();  // ends the stream
+        answer = AskSetup();
+    }
     if (answer.size() != kAnswerDigits) {
         MeterError = "Meter not found";
         return kNotFound;

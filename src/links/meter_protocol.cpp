@@ -22,6 +22,9 @@ namespace {
 constexpr int kSilenceMs = 1000;
 constexpr int kReplyPauseMs = 500;  // what a meter gets to answer a question
 constexpr char kCr = '\r';
+constexpr char kRecordEnd = '\xFF';  // in every record of the stream, in no answer
+
+bool streams = false;
 
 // RTS frames an exchange: on before the frame, off after the reply, whatever ended the wait.
 class RtsEnd
@@ -58,6 +61,7 @@ void InitMeterProtocol()
 {
     SetMeterAddress("1");
     MeterReply.clear();
+    streams = false;
     LastRestartMicros = 0;
 }
 
@@ -128,7 +132,13 @@ std::string ReadMeterLine()
             break;
         reply += chunk;
     }
+    streams = reply.size() > kReplyLimit || reply.find(kRecordEnd) != std::string::npos;
     return MeterReply = LineOf(reply);
+}
+
+bool MeterStreams()
+{
+    return streams;
 }
 
 void FlushMeterInput()

@@ -43,6 +43,10 @@ std::string ReceiveMeterChunk();
 /// when 4096 characters came without a CR, and at once when the line has gone.
 std::string ReadMeterLine();
 
+/// What ReadMeterLine found last was no answer: a meter was sending its stream of counts, as after a first cycle correction
+/// that was cut off.
+bool MeterStreams();
+
 /// Drops what waits on the route, also what the system still holds.
 void FlushMeterInput();
 

@@ -100,6 +100,24 @@ TEST_F(MeterLink, ASilentMeterIsNotFound)
     EXPECT_EQ(meter.Heard(), "*1A1\r*1G232\r");
 }
 
+TEST_F(MeterLink, AMeterThatStillStreamsItsCountsIsStoppedAndFound)
+{
+    for (const std::string &stream : {std::string("$\x12\x0D\x20\xFF$\x12\x34\x0D\xFF"), std::string(5000, '$')}) {
+        bool streaming = true;
+        meter.onWrite = [&](const std::string &bytes) {
+            if (bytes == "*1C0\r")
+                streaming = false;
+            if (bytes == "*1G232\r")
+                meter.Says(streaming ? stream : "6565\r");
+            if (bytes == "*1X16DZ\r")
+                meter.Says("3201\r");
+        };
+        EXPECT_EQ(OpenMeterLink(), 0);
+        EXPECT_THAT(meter.Heard(), testing::HasSubstr("*1A1\r*1G232\r*1C0\r*1G232\r"));
+        meter.Forget();
+    }
+}
+
 TEST_F(MeterLink, AnAnswerOfAnotherLengthIsNotFound)
 {
     for (const char *answer : {"656", "65656", ""}) {
