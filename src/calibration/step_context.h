@@ -14,7 +14,7 @@ void LoadStep(int position, int stepId);
 struct PlainStep {
     int word = 0;
     std::int32_t target = 0;  ///< display counts, 0 where there is none
-    std::string value;        ///< for the calibrator
+    std::string value = "";   ///< for the calibrator
     bool offset = false;      ///< the word is a signed offset
     std::string wordHex;      ///< now in the meter
 };

@@ -27,14 +27,6 @@ bool IsAsFound(int word)
     return writtenWords.insert(word).second;
 }
 
-JournalFields FieldsOfStep(int position)
-{
-    return {{"step", StepName(StepIdAtPosition(position))},
-            {"board", BoardName(SCType)},
-            {"position", position},
-            {"word", HexText(GetStepNvmWord(), 2)}};
-}
-
 void RecordWith(std::string_view kind, int position, const JournalFields &more)
 {
     JournalFields fields = FieldsOfStep(position);
@@ -43,6 +35,14 @@ void RecordWith(std::string_view kind, int position, const JournalFields &more)
 }
 
 }  // namespace
+
+JournalFields FieldsOfStep(int position)
+{
+    return {{"step", StepName(StepIdAtPosition(position))},
+            {"board", BoardName(SCType)},
+            {"position", position},
+            {"word", HexText(GetStepNvmWord(), 2)}};
+}
 
 void RecordStepOpened(int position)
 {

@@ -3,6 +3,7 @@
 // Kinds: "step opened", "round", "step ended", "learned". Each names step, board, position and word.
 #pragma once
 
+#include "session/journal_line.h"
 #include "session/procedure.h"
 
 #include <cstdint>
@@ -10,6 +11,9 @@
 #include <vector>
 
 namespace ombrix {
+
+/// What each event of a step begins with.
+JournalFields FieldsOfStep(int position);
 
 /// The step's page has put the meter on its range; the word found in it is GetStepWordHex, "" when it did not answer.
 void RecordStepOpened(int position);
@@ -32,7 +36,8 @@ void RecordRound(int position, const RoundRecord &round);
 /// "stopped".
 std::string HowEnded(Ended ended);
 
-/// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left.
+/// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left where
+/// the step has them.
 struct StepEnd {
     std::string how;  ///< "accepted", or as HowEnded says
     std::string word;

@@ -1,5 +1,6 @@
 #include "shell/step_marks.h"
 
+#include "platform/text.h"
 #include "session/journal.h"
 
 #include <map>
@@ -17,7 +18,7 @@ struct StepState {
     std::string how;
     std::string stays;
     std::string reading;
-    int error = 0;
+    std::string error;  // "" where the step has none
 };
 
 int listener = kNobody;
@@ -60,7 +61,8 @@ void TakeEnd(const JournalEvent &event)
     state.how = TextOf(event, "how");
     state.stays = TextOf(event, "stays");
     state.reading = Joined(TextsOf(event, "reading"));
-    state.error = static_cast<int>(NumberOf(event, "error"));
+    if (FieldOf(event, "error"))
+        state.error = Signed(static_cast<int>(NumberOf(event, "error")));
     steps[{TextOf(event, "board"), static_cast<int>(NumberOf(event, "position"))}] = state;
 }
 
@@ -109,7 +111,7 @@ void StopFollowingSteps()
 std::string MarkOfStep(const std::string &board, int position)
 {
     const auto found = steps.find({board, position});
-    return found == steps.end() || found->second.how != "accepted" ? "" : "✓ " + Signed(found->second.error);
+    return found == steps.end() || found->second.how != "accepted" ? "" : Trim("✓ " + found->second.error);
 }
 
 std::string StepSummary()
@@ -118,10 +120,11 @@ std::string StepSummary()
         return "No meter was identified yet.";
     std::string text = meter + "\n";
     for (const auto &[place, state] : steps) {
-        text +=
-            "\n" + place.first + "  " + state.step + ": " + state.how + ", word " + state.word + " = " + state.stays;
+        text += "\n" + place.first + "  " + state.step + ": " + state.how;
+        if (!state.stays.empty())
+            text += ", word " + state.word + " = " + state.stays;
         if (!state.reading.empty())
-            text += ", reading " + state.reading + ", error " + Signed(state.error);
+            text += ", reading " + state.reading + ", error " + state.error;
     }
     return steps.empty() ? text + "\nNo step has ended yet." : text;
 }
