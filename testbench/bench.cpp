@@ -67,6 +67,16 @@ bool Bench::FaultAtExchange(const std::string &name, int exchange, bool lasting)
     return fault.has_value();
 }
 
+bool Bench::SpoilStream(const std::string &name)
+{
+    const auto trouble = StreamTroubleNamed(name);
+    if (trouble)
+        m_parts->stream.Begin(*trouble);
+    else
+        m_parts->stream.End();
+    return trouble || name.empty();
+}
+
 int Bench::Exchanges() const
 {
     return m_parts->exchanges;

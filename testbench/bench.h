@@ -67,6 +67,9 @@ public:
     /// Frames and calibrator commands that have arrived, over both lines.
     int Exchanges() const;
 
+    /// The meter's stream of counts from now on, by name (stream_trouble.h); "" is a sound one. False for another name.
+    bool SpoilStream(const std::string &name);
+
     // ---- the operator's hands ----
 
     /// A signal on the terminals in place of the calibrator's, until it is removed. False when the text is no value.

@@ -155,7 +155,7 @@ void Bench::Parts::RunCalibrator(Micros now)
 
 void Bench::Parts::RunMeter(Meter &which, Micros now)
 {
-    const std::string bytes = which.Run(now);
+    const std::string bytes = which.IsCounter() ? which.Run(now) : stream.Spoil(which.Run(now));
     if (&which == &m_switch)
         SignalChanged(now);
     if (!bytes.empty() && !faults.IsOn(Fault::SilentMeter))

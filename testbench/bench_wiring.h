@@ -6,6 +6,7 @@
 #include "testbench/bench.h"
 #include "testbench/faults.h"
 #include "testbench/meter.h"
+#include "testbench/stream_trouble.h"
 
 namespace ombrix::bench {
 
@@ -36,6 +37,7 @@ public:
     Calibrator calibrator;
     UutPort uutPort;
     Faults faults;
+    StreamSpoiler stream;
     std::optional<Value> byHand;
     std::vector<OutputEvent> handHistory;
     bool leadsSwapped = false;

@@ -21,6 +21,7 @@ constexpr const char *kHelp =
     "leads swapped|straight     the input leads\n"
     "jumper in|out              the DC jumper of an AC board\n"
     "trim NAME COUNTS           R9, R10, R12, R13/R14 or R38 by display counts\n"
+    "stream NAME|sound          what is wrong with the stream of counts\n"
     "ratio COUNTS               what the bridge reads on a right board\n"
     "word N [HEX]               show or replace a word of the meter's memory\n"
     "errors                     what the station did that no right station does\n"
@@ -177,6 +178,8 @@ std::optional<std::string> UseHands(Bench &bench, const std::vector<std::string>
     }
     if (command == "trim")
         return TurnTrimmer(bench, words, now);
+    if (command == "stream" && bench.SpoilStream(what == "sound" ? "" : what))
+        return "the stream: " + what;
     if (command == "ratio" && IsNumber(what)) {
         bench.SetRatioReading(Val(what));
         return "the bridge reads " + what;
