@@ -10,9 +10,9 @@
 #include "procedures/analog_page.h"
 #include "procedures/meter_type_page.h"
 #include "procedures/quasi_diode_page.h"
+#include "procedures/first_cycle_page.h"
 #include "procedures/range_page.h"
 #include "procedures/rtd_page.h"
-#include "procedures/step_rules.h"
 #include "procedures/vf_page.h"
 #include "procedures/vf_service_pages.h"
 #include "records/diagrams.h"
@@ -102,7 +102,6 @@ void FillOutlets()
 void RegisterPages()
 {
     RegisterSetupPage();
-    RegisterStepRules();
     RegisterInitPage();
     RegisterRangePage();
     RegisterNvmPage();
@@ -114,6 +113,7 @@ void RegisterPages()
     RegisterRtdPage();
     RegisterVfPage();
     RegisterVfServicePages();
+    RegisterFirstCyclePage();
 }
 
 void OpenStation()

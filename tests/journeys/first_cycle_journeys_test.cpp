@@ -1,0 +1,127 @@
+// The first cycle correction of every board that has it: the word that the station finds is the unit's own.
+
+#include "journeys/page_loops.h"
+
+#include "model/range_tables.h"
+#include "model/step_ids.h"
+#include "session/state.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <tuple>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+constexpr int kPatience = 120;  // seconds
+
+std::string FirstCycleButton()
+{
+    int position = 0;
+    while (position < kPositions && StepIdAtPosition(position) != Step::FirstCycle)
+        ++position;
+    return StepButton(position);
+}
+
+bool HasEnded()
+{
+    return ScriptedOperator::IsEnabled("cmdFCReady");
+}
+
+using Journey = std::tuple<int, bool, unsigned>;
+
+class FirstCycleJourney : public testing::TestWithParam<Journey>
+{
+};
+
+std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
+{
+    return BoardName(std::get<0>(info.param)) + (std::get<1>(info.param) ? "Manual" : "Direct") + "Seed" +
+           std::to_string(std::get<2>(info.param));
+}
+
+// ---- for the loops ----
+
+void Collects(BenchStation &station)
+{
+    const std::int64_t start = station.clock.Elapsed();
+    station.person.Clicks("cmdFCReady").WaitsUntil("it ends or lasts too long", [&station, start] {
+        return HasEnded() || station.clock.Elapsed() > start + kPatience * 1000;
+    });
+    station.person.Does([&station] {
+        if (!HasEnded())
+            Leaves(station, "cmdFCCancel", 80);
+    });
+}
+
+PageScript FirstCycleScript()
+{
+    PageScript script;
+    script.works = [](BenchStation &station, const std::string &) {
+        Leaves(station, FirstCycleButton(), 20);
+        station.person.Does([&station] { Collects(station); });
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+        station.person.WaitsUntil("it has ended", HasEnded);
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0);
+    };
+    return script;
+}
+
+// Those that reach a meter while it streams; each of them is taken by the long walk.
+std::vector<FaultCase> FaultsOfAStream()
+{
+    std::vector<FaultCase> cases = FaultCases(FirstCycleScript(), Stride(13));
+    if (Stride(13) > 1)
+        std::erase_if(cases, [](const FaultCase &each) {
+            return !each.lasting || (each.fault != "silent-meter" && each.fault != "meter-port-gone" &&
+                                     each.fault != "calibrator-port-gone" && each.fault != "never-operating" &&
+                                     each.fault != "meter-restarts" && each.fault != "junk");
+        });
+    return cases;
+}
+
+}  // namespace
+
+TEST_P(FirstCycleJourney, FindsTheWordThatTheUnitHides)
+{
+    const auto &[board, manual, seed] = GetParam();
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.seed = seed;
+    wiring.manual = manual;
+    BenchStation station(wiring);
+    ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+    ASSERT_NE(station.bench.RemainingError("First Cycle"), 0) << "as it came";
+    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    station.person.WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0) << ScriptedOperator::Text("lblInst(2)");
+    EXPECT_EQ(station.bench.Nvm()[18], 0x21D1) << "normal running again";
+    EXPECT_FALSE(station.bench.OutputHistory().back().operate) << "by hand or by the calibrator, it is removed";
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Boards, FirstCycleJourney,
+                         testing::Combine(testing::Values(kDc, kAc, kLc, kTc, kTemp, kRtd), testing::Values(false),
+                                          testing::Values(1u, 2u, 3u)),
+                         NameOfJourney);
+INSTANTIATE_TEST_SUITE_P(ByHand, FirstCycleJourney,
+                         testing::Combine(testing::Values(kDc, kAc, kTc), testing::Values(true), testing::Values(4u)),
+                         NameOfJourney);
+INSTANTIATE_TEST_SUITE_P(InFirstCycle, FaultLoop, testing::ValuesIn(FaultsOfAStream()), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InFirstCycle, QuitLoop,
+                         testing::ValuesIn(QuitCases(FirstCycleScript(), {0, 1000, 2500, 4200, 5000, 7000, 9500, 16000,
+                                                                          18500, 20000, 22000, 24000})),
+                         NameOfQuitCase);
