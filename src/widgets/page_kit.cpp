@@ -24,6 +24,13 @@ void DropFocus(QWidget *page)
     page->setFocus();
 }
 
+void KeepPlace(QWidget *widget)
+{
+    QSizePolicy policy = widget->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    widget->setSizePolicy(policy);
+}
+
 QLabel *Title(QWidget *parent, const QString &name)
 {
     QLabel *title = Label(parent, name);

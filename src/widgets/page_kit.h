@@ -31,6 +31,9 @@ void EnableAndFocus(QWidget *button);
 /// would press that.
 void DropFocus(QWidget *page);
 
+/// While the widget is hidden its place stays empty, so nothing moves under the operator's hand.
+void KeepPlace(QWidget *widget);
+
 /// A label for the name of what the page has in work.
 QLabel *Title(QWidget *parent, const QString &name);
 
