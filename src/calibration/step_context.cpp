@@ -90,6 +90,8 @@ void SetPlainStep(const PlainStep &plain)
     step.StepWordHex = plain.wordHex;
     if (plain.offset)
         LoadOffsetRule();
+    if (plain.scatter)
+        SimNoise = *plain.scatter;
     step.NominalSlope = GetNominalSlope(plain.word);
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -13,10 +14,11 @@ void LoadStep(int position, int stepId);
 /// What a page gives that works beside the range records: a word of its own, readings of another target.
 struct PlainStep {
     int word = 0;
-    std::int32_t target = 0;  ///< display counts, 0 where there is none
-    std::string value = "";   ///< for the calibrator
-    bool offset = false;      ///< the word is a signed offset
-    std::string wordHex;      ///< now in the meter
+    std::int32_t target = 0;                      ///< display counts, 0 where there is none
+    std::string value = "";                       ///< for the calibrator
+    bool offset = false;                          ///< the word is a signed offset
+    std::string wordHex = "";                     ///< now in the meter
+    std::optional<float> scatter = std::nullopt;  ///< of a simulated meter's readings, in counts; else it stays
 };
 /// The step context of such a page: all the rest is cleared, so nothing of the step before shows through (no turnover,
 /// so no "+" stands before a reading).

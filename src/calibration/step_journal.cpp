@@ -27,43 +27,38 @@ bool IsAsFound(int word)
     return writtenWords.insert(word).second;
 }
 
-void RecordWith(std::string_view kind, int position, const JournalFields &more)
+}  // namespace
+
+void RecordOfStep(std::string_view kind, int position, const JournalFields &more)
 {
-    JournalFields fields = FieldsOfStep(position);
+    JournalFields fields = {{"step", StepName(StepIdAtPosition(position))},
+                            {"board", BoardName(SCType)},
+                            {"position", position},
+                            {"word", HexText(GetStepNvmWord(), 2)}};
     fields.insert(fields.end(), more.begin(), more.end());
     Record(kind, fields);
 }
 
-}  // namespace
-
-JournalFields FieldsOfStep(int position)
-{
-    return {{"step", StepName(StepIdAtPosition(position))},
-            {"board", BoardName(SCType)},
-            {"position", position},
-            {"word", HexText(GetStepNvmWord(), 2)}};
-}
-
 void RecordStepOpened(int position)
 {
-    RecordWith("step opened", position,
-               {{"found", GetStepWordHex()}, {"target", GetTargetCounts()}, {"value", GetCalValue()}});
+    RecordOfStep("step opened", position,
+                 {{"found", GetStepWordHex()}, {"target", GetTargetCounts()}, {"value", GetCalValue()}});
 }
 
 void RecordRound(int position, const RoundRecord &round)
 {
-    RecordWith("round", position,
-               {{"round", round.number},
-                {"target", GetTargetCounts()},
-                {"asked", round.asked},
-                {"reported", round.reported},
-                {"before", round.before},
-                {"wordBefore", round.wordBefore},
-                {"wordAfter", round.word},
-                {"limited", round.limited},
-                {"reading", round.reading},
-                {"error", round.error},
-                {"asFound", IsAsFound(GetStepNvmWord())}});
+    RecordOfStep("round", position,
+                 {{"round", round.number},
+                  {"target", GetTargetCounts()},
+                  {"asked", round.asked},
+                  {"reported", round.reported},
+                  {"before", round.before},
+                  {"wordBefore", round.wordBefore},
+                  {"wordAfter", round.word},
+                  {"limited", round.limited},
+                  {"reading", round.reading},
+                  {"error", round.error},
+                  {"asFound", IsAsFound(GetStepNvmWord())}});
 }
 
 std::string HowEnded(Ended ended)
@@ -78,7 +73,7 @@ void RecordStepEnded(int position, const StepEnd &end)
     JournalFields more = {{"how", end.how}, {"stays", end.word}};
     if (!end.reading.empty())
         more.insert(more.end(), {{"reading", end.reading}, {"error", end.error}});
-    RecordWith("step ended", position, more);
+    RecordOfStep("step ended", position, more);
 }
 
 }  // namespace ombrix

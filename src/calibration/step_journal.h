@@ -8,12 +8,13 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ombrix {
 
-/// What each event of a step begins with.
-JournalFields FieldsOfStep(int position);
+/// An event of a kind of the page's own: step, board, position and word, then what the page tells.
+void RecordOfStep(std::string_view kind, int position, const JournalFields &more);
 
 /// The step's page has put the meter on its range; the word found in it is GetStepWordHex, "" when it did not answer.
 void RecordStepOpened(int position);
