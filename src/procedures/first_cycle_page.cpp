@@ -10,7 +10,6 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
-#include "session/journal.h"
 #include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
@@ -120,7 +119,7 @@ std::vector<PageState> TableOfStates(bool goesOn)
     };
 }
 
-const std::vector<GridColumn> kAverageColumns = {{"", 13},    {"TGND", 10}, {"GNDT", 10}, {"TQD", 10},
+const std::vector<GridColumn> kAverageColumns = {{"", 17},    {"TGND", 10}, {"GNDT", 10}, {"TQD", 10},
                                                  {"QDT", 10}, {"TREF", 10}, {"REFT", 10}, {"GND", 10},
                                                  {"QD", 10},  {"REF", 10},  {"SIG", 10}};
 const std::vector<GridColumn> kResultColumns = {{"", 10}, {"M = m", 10}, {"b", 10}, {"B = b / m", 10}};
@@ -248,17 +247,13 @@ void RecordCollection()
     std::vector<std::string> asked;
     for (const FirstCyclePoint &point : page.points)
         asked.push_back(point.value);
-    JournalFields fields = FieldsOfStep(page.position);
-    fields.insert(fields.end(), {{"rangeCode", page.rangeCode},
-                                 {"found", page.found},
-                                 {"asked", asked},
-                                 {"reported", page.reported},
-                                 {"averages", AveragesAsTexts()},
-                                 {"status", static_cast<int>(page.status)},
-                                 {"wordAfter", page.word}});
+    JournalFields fields = {
+        {"rangeCode", page.rangeCode}, {"found", page.found},           {"asked", asked},
+        {"reported", page.reported},   {"averages", AveragesAsTexts()}, {"status", static_cast<int>(page.status)},
+        {"wordAfter", page.word}};
     if (page.result)
         fields.insert(fields.end(), {{"sumM", page.result->sumM}, {"sumB", page.result->sumB}});
-    Record("first cycle", fields);
+    RecordOfStep("first cycle", page.position, fields);
 }
 
 void RecordEnd(Ended ended)

@@ -15,6 +15,8 @@
 #include "procedures/rtd_page.h"
 #include "procedures/vf_page.h"
 #include "procedures/vf_service_pages.h"
+#include "procedures/ratio_page.h"
+#include "procedures/step_rules.h"
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
 #include "records/verify_page.h"
@@ -114,6 +116,7 @@ void RegisterPages()
     RegisterVfPage();
     RegisterVfServicePages();
     RegisterFirstCyclePage();
+    RegisterRatioPage();
 }
 
 void OpenStation()

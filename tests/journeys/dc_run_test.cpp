@@ -92,7 +92,8 @@ protected:
         else
             station.person.Does([this] { ref = SeenGrid(); });
         Marks(stops);
-        station.person.Clicks("cmdAccept").WaitsFor("cmdSetup");
+        station.person.Clicks("cmdAccept");
+        LeavesRange(station.person);
         Runs();
         windows.push_back({position, begins.back(), stops.back()});
     }

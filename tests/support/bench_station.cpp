@@ -1,5 +1,7 @@
 #include "support/bench_station.h"
 
+#include <QAbstractButton>
+
 #include "platform/clock.h"
 #include "platform/safe_file.h"
 #include "session/state.h"
@@ -46,6 +48,19 @@ void ObeyBox(bench::Bench &bench, const std::string &title, const std::string &t
 
 }  // namespace
 
+void LeavesRange(ScriptedOperator &person)
+{
+    person
+        .WaitsUntil(
+            "the range is left",
+            [] { return ScriptedOperator::IsEnabled("cmdSetup") || ScriptedOperator::IsEnabled("cmdRatioDone"); })
+        .Does([] {
+            if (!ScriptedOperator::IsEnabled("cmdSetup"))
+                qobject_cast<QAbstractButton *>(ScriptedOperator::Find("cmdRatioDone"))->click();
+        })
+        .WaitsFor("cmdSetup");
+}
+
 BenchStation::BenchStation(const Wiring &wiring)
     : bench(SetupOf(wiring)), lines(clock, bench, kMeterDevice, kCalibratorDevice), person(&clock)
 {
@@ -75,7 +90,8 @@ bool BenchStation::Calibrates(int position, int rounds)
         person.Clicks("cmdRepeat").WaitsUntil("the next round has ended", [round] {
             return ScriptedOperator::Rows("msgCalibGrid") > round && ScriptedOperator::IsEnabled("cmdRepeat");
         });
-    person.Clicks("cmdAccept").WaitsUntil("the range is left", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
+    person.Clicks("cmdAccept");
+    LeavesRange(person);
     return person.Runs();
 }
 

@@ -16,6 +16,9 @@ struct Wiring {
     Painted painted = Painted::No;
 };
 
+/// After a click on Accept: until the step buttons are free. The page of the ratio step, which may come next, is left again.
+void LeavesRange(ScriptedOperator &person);
+
 /// The station in hardware mode, wired to the bench: the meter on COM1, the calibrator on COM2.
 class BenchStation
 {

@@ -8,6 +8,7 @@
 #include "session/state.h"
 #include "shell/station.h"
 #include "support/samples.h"
+#include "support/bench_station.h"
 #include "support/scripted_operator.h"
 #include "support/station.h"
 
@@ -109,9 +110,9 @@ void ScriptRange(ScriptedOperator &person, int position, const std::string &prog
         results.push_back(Judge(position));
         pictures.Take(name);
     });
-    person.Clicks("cmdAccept")
-        .WaitsUntil("the step buttons are free", [] { return ScriptedOperator::IsEnabled("cmdSetup"); })
-        .Does([&results] { results.back().accepted = true; });
+    person.Clicks("cmdAccept");
+    test::LeavesRange(person);
+    person.Does([&results] { results.back().accepted = true; });
 }
 
 std::string ButtonOfStep(int step)

@@ -25,6 +25,8 @@ bool RunAnalogWalk(const Options &options);
 /// The pages of a simulated Temp meter beyond its ranges.
 /// The pages of a simulated Temp meter and counter beyond the ranges.
 bool RunProcessMeters(const Options &options);
+/// With a folder for pictures: the procedures beyond the ranges, on the bench in virtual time.
+bool RunProcedures(const Options &options);
 
 /// One round of a board's first gain step.
 struct RangeRun {

@@ -1,0 +1,159 @@
+// Ratio mode on both boards that have it: offset and gain end within two counts of what the unit hides.
+
+#include "journeys/page_loops.h"
+
+#include "model/range_tables.h"
+#include "model/step_ids.h"
+#include "session/state.h"
+#include "support/bench_station.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <functional>
+#include <string>
+#include <tuple>
+#include <vector>
+
+using namespace ombrix;
+using namespace ombrix::test;
+
+namespace {
+
+constexpr int kPatience = 90;  // seconds for a trial
+constexpr int kGlance = 20;    // before a display that says at once that it is over range
+constexpr int kLook = 200;     // milliseconds, in which an alert finds its place
+constexpr int kTrials = 3;
+
+enum class Route { Direct, Uut, Manual };
+
+std::string RatioButton()
+{
+    int position = 0;
+    while (position < kPositions && StepIdAtPosition(position) != Step::Ratio)
+        ++position;
+    return StepButton(position);
+}
+
+bool IsAtRest()
+{
+    return ScriptedOperator::IsEnabled("cmdOffset");
+}
+
+void Tries(BenchStation &station, const std::string &button)
+{
+    for (int trial = 0; trial < kTrials; ++trial)
+        station.person.Clicks(button).WaitsUntil("the trial has ended", IsAtRest);
+}
+
+void CalibratesRatio(BenchStation &station)
+{
+    station.person.Clicks(RatioButton()).WaitsUntil("the page stands", IsAtRest);
+    Tries(station, "cmdOffset");
+    Tries(station, "cmdGain");
+    station.person.Clicks("cmdRatioDone").WaitsUntil("the page is left", NavigationIsFree);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_LE(std::abs(station.bench.RemainingError("Ratio Offset")), 2.0);
+    EXPECT_LE(std::abs(station.bench.RemainingError("Ratio Gain")), 2.0);
+}
+
+using Journey = std::tuple<int, Route, unsigned>;
+
+class RatioJourney : public testing::TestWithParam<Journey>
+{
+};
+
+std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
+{
+    constexpr const char *kRoutes[] = {"Direct", "ThroughUut", "Manual"};
+    return BoardName(std::get<0>(info.param)) + kRoutes[static_cast<std::size_t>(std::get<1>(info.param))] + "Seed" +
+           std::to_string(std::get<2>(info.param));
+}
+
+// ---- for the loops ----
+
+// What a script tells inside Does comes behind all that was told before, so each part tells the next one.
+using Part = std::function<void()>;
+
+// A trial that goes no further is stopped by Esc.
+void TriesPatiently(BenchStation &station, const std::string &button, int seconds, const Part &then)
+{
+    if (!ScriptedOperator::IsEnabled(button)) {
+        then();
+        return;
+    }
+    const std::int64_t start = station.clock.Elapsed();
+    station.person.Clicks(button).WaitsUntil("the trial ends or lasts too long", [&station, start, seconds] {
+        return IsAtRest() || station.clock.Elapsed() > start + seconds * 1000;
+    });
+    station.person.Does([&station, then] {
+        if (!IsAtRest())
+            station.person.Presses(Qt::Key_Escape).WaitsUntil("the trial is stopped", IsAtRest);
+        station.person.Does(then);
+    });
+}
+
+PageScript RatioScript()
+{
+    PageScript script;
+    script.works = [](BenchStation &station, const std::string &fault) {
+        const int seconds = fault == "over-range" ? kGlance : kPatience;
+        station.person.Clicks(RatioButton()).WaitsFor("cmdRatioDone").Does([&station, seconds] {
+            TriesPatiently(station, "cmdOffset", seconds, [&station, seconds] {
+                TriesPatiently(station, "cmdGain", seconds, [&station] {
+                    station.person.Waits(kLook).Does([&station] { Leaves(station, "cmdRatioDone", 80); });
+                });
+            });
+        });
+    };
+    script.begins = [](BenchStation &station) {
+        station.person.Clicks(RatioButton()).WaitsFor("cmdOffset").Clicks("cmdOffset");
+    };
+    script.proves = CalibratesRatio;
+    return script;
+}
+
+// Those that reach a trial; each of them is taken by the long walk.
+std::vector<FaultCase> FaultsOfATrial()
+{
+    std::vector<FaultCase> cases = FaultCases(RatioScript(), Stride(17));
+    if (Stride(17) > 1)
+        std::erase_if(cases, [](const FaultCase &each) {
+            return !each.lasting || (each.fault != "silent-meter" && each.fault != "silent-calibrator" &&
+                                     each.fault != "meter-port-gone" && each.fault != "calibrator-port-gone" &&
+                                     each.fault != "never-operating" && each.fault != "wrong-length");
+        });
+    return cases;
+}
+
+}  // namespace
+
+TEST_P(RatioJourney, EndsWithinTwoCountsAndRemovesTheExcitation)
+{
+    const auto &[board, route, seed] = GetParam();
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.seed = seed;
+    wiring.bench.uut = route == Route::Uut;
+    wiring.manual = route == Route::Manual;
+    BenchStation station(wiring);
+    ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
+    ASSERT_GT(std::abs(station.bench.RemainingError("Ratio Offset")), 8) << "as it came";
+    CalibratesRatio(station);
+    EXPECT_FALSE(station.bench.OutputHistory().back().operate);
+    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+INSTANTIATE_TEST_SUITE_P(Boards, RatioJourney,
+                         testing::Combine(testing::Values(kDc, kLc), testing::Values(Route::Direct),
+                                          testing::Values(1u, 2u, 3u)),
+                         NameOfJourney);
+INSTANTIATE_TEST_SUITE_P(OtherRoutes, RatioJourney,
+                         testing::Combine(testing::Values(kDc, kLc), testing::Values(Route::Uut, Route::Manual),
+                                          testing::Values(4u)),
+                         NameOfJourney);
+INSTANTIATE_TEST_SUITE_P(InRatio, FaultLoop, testing::ValuesIn(FaultsOfATrial()), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InRatio, QuitLoop,
+                         testing::ValuesIn(QuitCases(RatioScript(), {0, 1000, 3000, 6000, 9000, 12000, 16000, 30000})),
+                         NameOfQuitCase);
