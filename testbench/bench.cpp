@@ -120,10 +120,36 @@ bool Bench::Trim(const std::string &name, double counts, Micros now)
         unit.negativeGain += counts / kFullCounts;
     else if (name == "R38")
         unit.highFrequency += counts / kFullCounts;
+    else if (name == "R3")
+        unit.tp1 += counts;
+    else if (name == "R25")
+        unit.dutyCycle += counts;
     else
         return false;
     m_parts->meter.BoardChanged(now);
     return true;
+}
+
+bool Bench::AddResistor(const std::string &name, double megohms, Micros now)
+{
+    constexpr double kShareOfMegohm = 0.0094;  // of a negative reading, for a resistor of 1 megohm
+    if ((name != "R13" && name != "R14") || megohms <= 0)
+        return false;
+    m_parts->Advance(now);
+    const double share = kShareOfMegohm / megohms;
+    m_parts->meter.Board().unit.negativeGain += name == "R13" ? share : -share;
+    m_parts->meter.BoardChanged(now);
+    return true;
+}
+
+double Bench::Tp1() const
+{
+    return m_parts->meter.Board().unit.tp1;
+}
+
+double Bench::DutyCycle() const
+{
+    return m_parts->meter.Board().unit.dutyCycle;
 }
 
 void Bench::SetRatioReading(double counts)

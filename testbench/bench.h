@@ -79,8 +79,15 @@ public:
     /// On AC boards steady inputs are read while it is in.
     void InstallDcJumper(bool installed, Micros now);
     /// Turns a trimmer or changes its resistors: "R9" or "R10" moves the +10 mV reading, "R12" or "R13/R14" the
-    /// -200 mV reading, "R38" the 2 V reading at 10 kHz, by display counts. False for another name.
+    /// -200 mV reading, "R38" the 2 V reading at 10 kHz, by display counts; "R3" what an external meter shows at TP1, by
+    /// mV, "R25" the duty cycle, by percent. False for another name.
     bool Trim(const std::string &name, double counts, Micros now);
+    /// Solders a resistor of so many megohms across R13 or R14: the one makes a negative reading larger, the other smaller.
+    /// False for another name.
+    bool AddResistor(const std::string &name, double megohms, Micros now);
+    /// What an external meter shows at TP1, in mV, and how far the duty cycle is from equal, in percent.
+    double Tp1() const;
+    double DutyCycle() const;
     /// What the bridge of the ratio steps reads on a right board, 16390 at first.
     void SetRatioReading(double counts);
     /// Replaces one word of the meter's memory; it takes effect with the next restart.

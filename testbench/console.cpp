@@ -20,7 +20,10 @@ constexpr const char *kHelp =
     "remove                     take it away\n"
     "leads swapped|straight     the input leads\n"
     "jumper in|out              the DC jumper of an AC board\n"
-    "trim NAME COUNTS           R9, R10, R12, R13/R14 or R38 by display counts\n"
+    "trim NAME COUNTS           R9, R10, R12, R13/R14 or R38 by display counts,\n"
+    "                           R3 by mV at TP1, R25 by percent; adjust is the same\n"
+    "add R13|R14 MEGOHMS        solder a resistor across it\n"
+    "board                      what an external meter shows at TP1, and the duty cycle\n"
     "stream NAME|sound          what is wrong with the stream of counts\n"
     "ratio COUNTS               what the bridge reads on a right board\n"
     "word N [HEX]               show or replace a word of the meter's memory\n"
@@ -176,7 +179,13 @@ std::optional<std::string> UseHands(Bench &bench, const std::vector<std::string>
         bench.InstallDcJumper(what == "in", now);
         return "jumper " + what;
     }
-    if (command == "trim")
+    if (command == "add")
+        return IsNumber(WordAt(words, 2)) && bench.AddResistor(what, Val(words[2]), now)
+                   ? what + " has " + words[2] + "M across it"
+                   : "which resistor? add R13 4.3, add R14 10";
+    if (command == "board")
+        return "TP1 " + Format(bench.Tp1(), 2) + " mV, duty cycle off by " + Format(bench.DutyCycle(), 2) + " %";
+    if (command == "trim" || command == "adjust")
         return TurnTrimmer(bench, words, now);
     if (command == "stream" && bench.SpoilStream(what == "sound" ? "" : what))
         return "the stream: " + what;

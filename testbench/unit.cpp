@@ -185,6 +185,8 @@ Unit DrawUnit(int board, unsigned seed)
     unit.negativeGain = dice.Apart(0.0007, 0.009);
     unit.highFrequency = dice.Apart(0.001, 0.006);
     DrawAnalog(unit, dice);
+    unit.tp1 = dice.Apart(2, 20);
+    unit.dutyCycle = dice.Apart(1, 8);
     return unit;
 }
 

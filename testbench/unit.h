@@ -54,6 +54,8 @@ struct Unit {
     double balanceVolts = 0;   ///< a steady input reads as if this were added
     double negativeGain = 0;   ///< share by which a negative steady input reads more
     double highFrequency = 0;  ///< share by which 10 kHz reads more
+    double tp1 = 0;            ///< what an external meter shows at TP1, in mV
+    double dutyCycle = 0;      ///< how far from an equal duty cycle, in percent
 
     // Analog output, points VO VG CO CG BPM BPP DVO DVG DCO DCG.
     std::array<double, 10> analogIdeal{};

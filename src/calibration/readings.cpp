@@ -17,6 +17,7 @@ namespace ombrix {
 namespace {
 
 constexpr int kSettleMs = 300;
+constexpr int kAdjustMs = 500;
 constexpr int kStopMs = 1000;
 constexpr std::int32_t kFarFromZero = 1000;  // counts
 
@@ -175,6 +176,14 @@ std::string AwaitDisplay(const std::function<void(Following why)> &missed)
             return text;
         missed(WhyMissed());
     }
+}
+
+LiveReading DisplayInAdjustment()
+{
+    LiveReading live;
+    live.everyMs = kAdjustMs;
+    live.read = [] { return WithoutPoint(ReadDisplayRaw()); };
+    return live;
 }
 
 Following FollowReading(const LiveReading &live, const std::function<void(const std::string &text)> &show)

@@ -57,6 +57,10 @@ struct LiveReading {
 /// told of each try that brought none.
 std::string AwaitDisplay(const std::function<void(Following why)> &missed);
 
+/// The display's digits every 500 ms, for somebody who turns a trimmer; "" while no reading comes. DisplayIsOverRange tells
+/// why.
+LiveReading DisplayInAdjustment();
+
 /// Shows a reading as it goes on, until a stop. Arms and disarms the stop channel, and waits out the second that a
 /// stopped reading gets. `show` is given each reading.
 Following FollowReading(const LiveReading &live, const std::function<void(const std::string &text)> &show);

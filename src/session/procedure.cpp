@@ -185,6 +185,12 @@ void WaitForOperator(const std::function<bool()> &done, Escape escape)
         PumpEvents(kForever);
 }
 
+void WaitForOperatorOrEscape(const std::function<bool()> &done)
+{
+    while (!done() && !Abort)
+        PumpEvents(kForever);
+}
+
 void StopWork()
 {
     Abort = Abort || running;

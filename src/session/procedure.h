@@ -60,6 +60,9 @@ enum class Escape { Ignored, Stops };
 /// Sleeps until `done` holds or Abort is set. Flags change only in handlers, so it looks again after each event.
 void WaitForOperator(const std::function<bool()> &done, Escape escape = Escape::Ignored);
 
+/// The same, and Esc is the page's Stop meanwhile.
+void WaitForOperatorOrEscape(const std::function<bool()> &done);
+
 /// A page's Stop: ends the work of the running procedure (Abort). Nothing without one.
 void StopWork();
 

@@ -86,6 +86,13 @@ TEST_F(Console, UsesTheOperatorsHands)
     EXPECT_EQ(Types("trim R10 -20"), "R10 by -20 counts");
     EXPECT_THAT(Types("trim R99 1"), HasSubstr("no trimmer"));
     EXPECT_THAT(Types("trim R10"), HasSubstr("how many counts?"));
+    EXPECT_EQ(Types("adjust R3 2"), "R3 by 2 counts");
+    EXPECT_EQ(Types("add R13 4.3"), "R13 has 4.3M across it");
+    EXPECT_THAT(Types("add R15 4.3"), HasSubstr("which resistor?"));
+    EXPECT_THAT(Types("board"), HasSubstr("TP1 "));
+    EXPECT_EQ(Types("stream stops"), "the stream: stops");
+    EXPECT_THAT(Types("stream dances"), HasSubstr("unknown"));
+    EXPECT_EQ(Types("stream sound"), "the stream: sound");
     EXPECT_EQ(Types("ratio 20000"), "the bridge reads 20000");
     EXPECT_EQ(Types("word 26 FFFB"), "word 26 is FFFB");
     EXPECT_EQ(bench->Nvm()[26], 0xFFFB);
