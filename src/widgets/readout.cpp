@@ -53,6 +53,16 @@ QFrame *Readout(QWidget *parent, const QString &name)
     return readout;
 }
 
+QLabel *RoomLabel(QWidget *parent, const QString &name)
+{
+    QLabel *label = Label(parent, name);
+    QFont font = label->font();
+    font.setPointSize(kRoomPoints);
+    label->setFont(font);
+    label->setMinimumHeight(QFontMetrics(font).height());  // stands still while it is empty
+    return label;
+}
+
 void ShowLive(QFrame *readout, const std::string &number)
 {
     NumberOf(readout)->setText(Caption(number));

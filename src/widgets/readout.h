@@ -6,6 +6,7 @@
 #include <string>
 
 class QFrame;
+class QLabel;
 class QWidget;
 
 namespace ombrix {
@@ -15,6 +16,9 @@ constexpr int kRoomPoints = 30;
 
 /// The number is a label `name`, the word beside it a label `name` + "Mark". Empty at first.
 QFrame *Readout(QWidget *parent, const QString &name);
+
+/// A plain label of the same size, for a number that stands beside such a reading.
+QLabel *RoomLabel(QWidget *parent, const QString &name);
 
 /// The number as it is at this moment, marked "live".
 void ShowLive(QFrame *readout, const std::string &number);
