@@ -324,6 +324,7 @@ void ShowFirstCyclePage()
     ClearProgress();
     ShowConnectionDiagram(rangeIndex);
     view.states.rows = TableOfStates(CalibTab != kTabAc);
+    view.buttons.done->setVisible(CalibTab != kTabAc);
     ShowPageState(view.states, kReady);
     ShowCalPanel(true);
     ApplySwitched("V");

@@ -150,6 +150,8 @@ TEST_F(SimulatedFirstCycle, OnTheAcTabTakesThreePointsAndHasNothingToGoOnTo)
     EXPECT_TRUE(HasFocus("cmdFCReady"));
     EXPECT_EQ(Text("cmdFCReady"), "Repeat");
     EXPECT_EQ(Text("lblOutput"), "1.0 mV");
+    person->ClicksTab(0).WaitsFor(StepButton(1)).Clicks(StepButton(1)).WaitsFor("cmdDone(1)");
+    EXPECT_TRUE(person->Runs()) << "on another tab it has";
 }
 
 // ---- on the bench ----
