@@ -17,6 +17,8 @@
 #include "procedures/vf_service_pages.h"
 #include "procedures/ratio_page.h"
 #include "procedures/step_rules.h"
+#include "procedures/trims_page.h"
+#include "procedures/zero_adjust_page.h"
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
 #include "records/verify_page.h"
@@ -117,6 +119,8 @@ void RegisterPages()
     RegisterVfServicePages();
     RegisterFirstCyclePage();
     RegisterRatioPage();
+    RegisterZeroAdjustPage();
+    RegisterTrimsPage();
 }
 
 void OpenStation()
