@@ -212,7 +212,7 @@ void RecordTrim()
                   {"complete", page.complete}});
 }
 
-void RecordEnd(const char *how)
+void RecordEnd(const std::string &how)
 {
     StepEnd end;
     end.how = how;
@@ -228,7 +228,7 @@ void LeaveTrim(Ended ended)
     view.lblTarget->setText("");
     if (!complete) {
         RecordTrim();
-        RecordEnd(ended == Ended::Fault ? "fault" : "stopped");
+        RecordEnd(HowEnded(ended));
         ClearReadings();
         ShowPageState(view.states, kReady);
         return;

@@ -235,7 +235,7 @@ void LeaveZeroAdjust(Ended ended)
     CalibratorStandby();
     ClearReadings();
     StepEnd end;
-    end.how = done ? "accepted" : ended == Ended::Fault ? "fault" : "stopped";
+    end.how = done ? "accepted" : HowEnded(ended);
     RecordOfStep("zero adjust", page.position,
                  {{"plus", page.readings[0]}, {"minus", page.readings[1]}, {"accepted", page.accepted}});
     RecordStepEnded(page.position, end);
