@@ -70,10 +70,10 @@ struct View {
 };
 View view;
 
-const Prompt kPromptReady = {"Set jumpers and apply input\r\nas shown, then click \"Ready\"", false, Tone::InWork};
-const Prompt kPromptCollecting = {"Click \"Cancel\" to stop collecting data", false, Tone::InWork};
-const Prompt kPromptRestoring = {"Putting the meter back to normal running", false, Tone::InWork};
-const Prompt kPromptGood = {"M and B entered into Nonvolatile Memory", false, Tone::Good};
+const Prompt kPromptReady = {"Set jumpers and apply input\r\nas shown, then click \"Ready\"", false, Tone::Works};
+const Prompt kPromptCollecting = {"Click \"Cancel\" to stop collecting data", false, Tone::Works};
+const Prompt kPromptRestoring = {"Putting the meter back to normal running", false, Tone::Works};
+const Prompt kPromptGood = {"M and B entered into Nonvolatile Memory", false, Tone::Well};
 const Prompt kPromptStopped = {"First Cycle Correction Aborted", true};
 const Prompt kPromptNoData = {"Timeout waiting for First Cycle data", true};
 const Prompt kPromptNoStart = {"Unable to synchronize First Cycle data", true};

@@ -15,6 +15,7 @@
 #include "model/step_ids.h"
 #include "platform/clock.h"
 #include "platform/text.h"
+#include "procedures/quasi_diode_view.h"
 #include "session/journal.h"
 #include "session/live_output.h"
 #include "session/page_frame.h"
@@ -27,14 +28,10 @@
 #include "widgets/widgets.h"
 
 #include <QFrame>
-#include <QGridLayout>
-#include <QGroupBox>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QVBoxLayout>
 
 #include <array>
 #include <cstddef>
@@ -104,19 +101,7 @@ enum State {
     kLeaving
 };
 
-struct View {
-    QLabel *title;
-    std::array<QRadioButton *, kDiodeGroups> types;
-    QFrame *lblQDReading, *lblQDDistance, *shpQDError;
-    QLabel *lblQDGain, *lblQDOffset, *lblQDPrevGain, *lblQDPrevOffset;
-    std::array<QLineEdit *, 2> txtQDTarget;
-    std::array<QFrame *, 2> shpQDTarget;
-    struct Buttons {
-        QPushButton *ready, *gain, *offset, *accept, *cancel, *done;
-    } buttons;
-    PageStates states;
-};
-View view;
+QuasiDiodeView view;
 
 const Prompt kPromptSelecting = {"The meter is put on the range and its words are read"};
 const Prompt kPromptNoWords = {"The meter did not answer:\r\ncheck its line, then select a T/C type again", true};
@@ -561,111 +546,12 @@ void EnterQuasiDiodePage()
 
 // ---- the way it is built ----
 
-QGroupBox *BuildTypes(QFrame *frame)
-{
-    QGroupBox *group = ombrix::Group(frame, "fraTCType", "T/C Type");
-    auto *row = new QHBoxLayout(group);
-    for (int type = 0; type < kDiodeGroups; ++type) {
-        auto *&option = view.types[static_cast<std::size_t>(type)];
-        option = Option(group, Indexed("optTCType", type), DiodeGroupOf(type).name, [type] { optTCType_Click(type); });
-        row->addWidget(option);
-    }
-    row->addStretch();
-    return group;
-}
-
-// A target in a frame that shows whether it is the one in work.
-QFrame *BuildTarget(QFrame *frame, int index)
-{
-    const auto place = static_cast<std::size_t>(index);
-    QFrame *shape = view.shpQDTarget[place] = Shape(frame, Indexed("shpQDTarget", index));
-    QLineEdit *field = view.txtQDTarget[place] =
-        Field(shape, Indexed("txtQDTarget", index), NumberKeys(),
-              [](const std::string &text, CommitBy) { txtQDTarget_Commit(text); });
-    auto *layout = new QHBoxLayout(shape);
-    layout->setContentsMargins(6, 6, 6, 6);
-    layout->addWidget(field);
-    return shape;
-}
-
-QGridLayout *BuildWords(QFrame *frame)
-{
-    auto *grid = new QGridLayout;
-    const char *const heads[] = {"", "Word", "Previous", "Target"};
-    for (int column = 0; column < 4; ++column)
-        grid->addWidget(Label(frame, Indexed("lblQDHead", column), heads[column]), 0, column);
-    view.buttons.gain = Button(frame, "cmdQDGain", "Gain", cmdQDGain_Click, "Alt+G");
-    view.buttons.offset = Button(frame, "cmdQDOffset", "Offset", cmdQDOffset_Click, "Alt+O");
-    view.lblQDGain = Title(frame, "lblQDGain");
-    view.lblQDOffset = Title(frame, "lblQDOffset");
-    view.lblQDPrevGain = Title(frame, "lblQDPrevGain");
-    view.lblQDPrevOffset = Title(frame, "lblQDPrevOffset");
-    int row = 1;
-    for (QPushButton *button : {view.buttons.gain, view.buttons.offset}) {
-        MakeLarge(button);
-        grid->addWidget(button, row, 0);
-        grid->addWidget(row == 1 ? view.lblQDGain : view.lblQDOffset, row, 1);
-        grid->addWidget(row == 1 ? view.lblQDPrevGain : view.lblQDPrevOffset, row, 2);
-        grid->addWidget(BuildTarget(frame, row - 1), row, 3);
-        ++row;
-    }
-    for (int column = 1; column < 4; ++column)
-        grid->setColumnStretch(column, 1);
-    SetField(view.txtQDTarget[0], "0.0");  // the gain's is no choice
-    view.txtQDTarget[0]->setReadOnly(true);
-    view.txtQDTarget[0]->setFocusPolicy(Qt::NoFocus);
-    return grid;
-}
-
-QHBoxLayout *BuildReadouts(QFrame *frame)
-{
-    view.lblQDReading = Readout(frame, "lblQDReading");
-    view.lblQDDistance = Readout(frame, "lblQDDistance");
-    auto *row = new QHBoxLayout;
-    row->addWidget(Label(frame, "lblQDReadingCaption", "Reading"));
-    row->addWidget(view.lblQDReading, 1);
-    row->addSpacing(24);
-    row->addWidget(Label(frame, "lblQDDistanceCaption", "Off target"));
-    row->addWidget(view.lblQDDistance, 1);
-    return row;
-}
-
-QHBoxLayout *BuildButtons(QFrame *frame)
-{
-    view.buttons.ready = Button(frame, "cmdQDReady", "Ready", cmdQDReady_Click);
-    view.buttons.accept = Button(
-        frame, "cmdQDStop(0)", "Accept", [] { cmdQDStop_Click(0); }, "Alt+A");
-    view.buttons.cancel = Button(
-        frame, "cmdQDStop(1)", "Cancel", [] { cmdQDStop_Click(1); }, "Alt+C");
-    view.buttons.done = Button(frame, "cmdQDDone", "Done", cmdQDDone_Click);
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.ready, view.buttons.accept, view.buttons.cancel, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
-}
-
 void BuildQuasiDiodePage(QFrame *frame)
 {
     page = QuasiDiodePage();
-    view = View();
-    auto *column = new QVBoxLayout(frame);
-    view.title = Title(frame, "lblQDTitle");
-    column->addWidget(view.title);
-    column->addWidget(BuildTypes(frame));
-    column->addStretch(1);
-    column->addLayout(BuildWords(frame));
-    column->addStretch(1);
-    column->addLayout(BuildReadouts(frame));
-    view.shpQDError = StatusBar(frame, "QDError", 1);
-    column->addWidget(view.shpQDError);
-    column->addStretch(1);
-    QFrame *instruction = Instruction(frame, 5, 2);
-    column->addWidget(instruction);
-    column->addLayout(BuildButtons(frame));
-    view.states = {frame, instruction, TableOfStates()};
+    view = BuildQuasiDiodeView(frame, {optTCType_Click, cmdQDReady_Click, cmdQDGain_Click, cmdQDOffset_Click,
+                                       cmdQDStop_Click, cmdQDDone_Click, txtQDTarget_Commit});
+    view.states.rows = TableOfStates();
     ShowPageState(view.states, kSelecting);
 }
 

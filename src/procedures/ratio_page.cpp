@@ -107,7 +107,7 @@ View view;
 const Prompt kPromptFresh = {"Set jumpers and apply input as shown.  Remove the b,c,d,e,f\r\n"
                              "jumpers from the power supply board before connecting the\r\n"
                              "calibrator as an excitation source.  Click \"Start\" to begin.",
-                             false, Tone::InWork};
+                             false, Tone::Works};
 const Prompt kPromptLimited = {"Required correction exceeds allowable range", true};
 const Prompt kPromptSilent = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
 const Prompt kPromptStopped = {"The trial was stopped", true};
@@ -370,7 +370,7 @@ void ChooseRow(Trimmed &trimmed, int row)
     page.selected = word;
     ShowState(kChosen, {"Click \"Select\" to store highlighted value\r\nof " + std::string(trimmed.name) +
                             " in Nonvolatile Memory.",
-                        false, Tone::InWork});
+                        false, Tone::Works});
 }
 
 void StoreSelected()

@@ -95,13 +95,13 @@ View view;
 
 const Prompt kPromptNone = {""};
 const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
-const Prompt kPromptLimits = {"Enter the acceptable number of low and high end error counts.", false, Tone::InWork};
+const Prompt kPromptLimits = {"Enter the acceptable number of low and high end error counts.", false, Tone::Works};
 const Prompt kPromptReady = {"Set jumpers and apply input as shown, then click \"Ready\".\r\n"
                              "Change the low or high end error limit if desired.",
-                             false, Tone::InWork};
+                             false, Tone::Works};
 const Prompt kPromptRepeat = {"Click \"Repeat\" to make another calibration trial.\r\n"
                               "Change the low or high end error limit if desired.",
-                              false, Tone::InWork};
+                              false, Tone::Works};
 const Prompt kPromptOutOfRange = {"Calculated gain or offset exceeds allowable range.", true};
 const Prompt kPromptReversed = {"Low reading is greater than or equal to high reading.\r\n"
                                 "Check all connections and try again.",

@@ -11,6 +11,11 @@ std::map<Subject, std::string> keptRemarks;
 
 }  // namespace
 
+void InitKeptRemarks()
+{
+    keptRemarks.clear();
+}
+
 void KeepRemarkOn(Subject subject, const std::string &text)
 {
     keptRemarks[subject] = text;

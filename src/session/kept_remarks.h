@@ -8,6 +8,8 @@ namespace ombrix {
 
 enum class Subject { Settings, Board, Journal, Guard, Attempts };
 
+/// Nothing is kept.
+void InitKeptRemarks();
 /// Keeps a remark on a subject in place of the one before; "" takes it away and leaves those of other subjects.
 void KeepRemarkOn(Subject subject, const std::string &text);
 

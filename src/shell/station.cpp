@@ -6,24 +6,23 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "platform/line_guard.h"
-#include "procedures/init_page.h"
 #include "procedures/analog_page.h"
+#include "procedures/first_cycle_page.h"
+#include "procedures/init_page.h"
 #include "procedures/meter_type_page.h"
 #include "procedures/quasi_diode_page.h"
-#include "procedures/first_cycle_page.h"
 #include "procedures/range_page.h"
+#include "procedures/ratio_page.h"
 #include "procedures/rtd_page.h"
+#include "procedures/trims_page.h"
 #include "procedures/vf_page.h"
 #include "procedures/vf_service_pages.h"
-#include "procedures/ratio_page.h"
-#include "procedures/step_rules.h"
-#include "procedures/trims_page.h"
 #include "procedures/zero_adjust_page.h"
 #include "records/diagrams.h"
 #include "records/nvm_page.h"
-#include "records/verify_page.h"
 #include "records/send_file_page.h"
 #include "records/value_panel.h"
+#include "records/verify_page.h"
 #include "session/journal.h"
 #include "session/kept_remarks.h"
 #include "session/live_output.h"
@@ -126,6 +125,7 @@ void RegisterPages()
 void OpenStation()
 {
     InitSessionState();
+    InitKeptRemarks();
     ClearStop();
     CloseHandlers(false);
     SilenceBoxes(false);

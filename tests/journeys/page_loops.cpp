@@ -14,6 +14,8 @@
 namespace ombrix::test {
 namespace {
 
+constexpr int kRestart = 3000;  // milliseconds, more than any restart: until then a meter is deaf
+
 // Milliseconds from `start` until the calibrator's line carried a text, -1 when it never did.
 std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std::int64_t start)
 {
@@ -99,6 +101,7 @@ void FaultLoop::DropsTheSession()
 void FaultLoop::EstablishesAgain()
 {
     ASSERT_NO_FATAL_FAILURE(DropsTheSession());
+    station.person.Waits(kRestart);
     ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
 }
 

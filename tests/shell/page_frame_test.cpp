@@ -4,6 +4,7 @@
 #include "session/procedure.h"
 #include "shell/main_window.h"
 #include "shell/shell_fixture.h"
+#include "shell/station.h"
 
 #include <QApplication>
 #include <QKeyEvent>
@@ -93,14 +94,18 @@ TEST_F(PageFrames, TheDiagramsGrowWithTheWindowAndThePageKeepsMore)
 TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
 {
     int built = 0;
+    const auto build = BuilderOfPage(17);
+    CloseStation();
+    FillOutlets();
+    RegisterPages();
     RegisterPage(17, [&](QFrame *page) {
         ++built;
         EXPECT_EQ(page->objectName(), "fraCalib(17)");
+        build(page);
     });
-    CloseStation();
-    OpenWholeStation(Painted::No);
+    OpenStation();
     EXPECT_EQ(built, 1);
-    RegisterPage(17, {});
+    RegisterPage(17, build);
 }
 
 TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)

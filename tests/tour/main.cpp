@@ -43,9 +43,8 @@ int main(int argc, char **argv)
     };
     const bool good = parser.isSet("bench")
                           ? ombrix::tour::RunBench(options)
-                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunAnalogWalk(options);
-                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunProcessMeters(options);
-                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunProcedures(options);
+                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunAnalogWalk(options) &&
+                                ombrix::tour::RunProcessMeters(options) && ombrix::tour::RunProcedures(options);
     std::puts(good ? "The tour ended well." : "The tour FAILED.");
     return good ? 0 : 1;
 }

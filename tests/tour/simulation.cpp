@@ -7,8 +7,8 @@
 #include "platform/text.h"
 #include "session/state.h"
 #include "shell/station.h"
-#include "support/samples.h"
 #include "support/bench_station.h"
+#include "support/samples.h"
 #include "support/scripted_operator.h"
 #include "support/station.h"
 
@@ -139,18 +139,12 @@ void ScriptRecords(ScriptedOperator &person, const Pictures &pictures)
     person.Clicks("cmdNVMWord(2)").WaitsFor("txtNVMWord(1)");
     take("raw-words");
     person.Clicks("cmdNVMWord(5)").WaitsFor("txtNVM(7)").Does([] { std::printf("Verify, View NVM and raw words\n"); });
-int PositionOf(int stepId)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != stepId)
-        ++position;
-    return position;
 }
 
 // The factory image goes into the meter before any range is calibrated.
 void ScriptInit(ScriptedOperator &person, const Pictures &pictures)
 {
-    person.Clicks(ButtonOf(PositionOf(Step::InitNvm)))
+    person.Clicks(ButtonOfStep(Step::InitNvm))
         .WaitsFor("cmdInitStartRetry")
         .Waits(pictures.QuietMs())
         .Does([&] { pictures.Take("init"); })
@@ -163,7 +157,7 @@ void ScriptInit(ScriptedOperator &person, const Pictures &pictures)
 // A configuration behind the calibration, and the test of its range.
 void ScriptSendFile(ScriptedOperator &person, const Pictures &pictures)
 {
-    person.Clicks(ButtonOf(PositionOf(Step::SendFile)))
+    person.Clicks(ButtonOfStep(Step::SendFile))
         .WaitsFor("cmdSendFile")
         .Waits(pictures.QuietMs())
         .Does([&] { pictures.Take("send-file"); })
