@@ -1,5 +1,6 @@
 #include "shell/operator_boxes.h"
 
+#include "model/range_names.h"
 #include "platform/clock.h"
 #include "shell/input_gate.h"
 #include "shell/main_window.h"
@@ -39,10 +40,10 @@ private:
     InputGate m_gate;
 };
 
-// The first quantity in a text, "" when there is none: "-200 mV", "2 mV, 300 Hz", "100 Ohms".
+// The first quantity in a text, "" when there is none: "-200 mV", "2 mV, 300 Hz", "2 KOHM", "0 CEL".
 QString QuantityIn(const QString &text)
 {
-    static const QRegularExpression quantity("[-+]?\\d*\\.?\\d+ ?(?:[mk]?(?:V|A|Hz|Ohms?)|°?[CF])\\b"
+    static const QRegularExpression quantity("[-+]?\\d*\\.?\\d+ ?(?:[mk]?(?:V|A|Hz|Ohms?)|K?OHM|CEL|FAR|°?[CF])\\b"
                                              "(?:, ?\\d*\\.?\\d+ ?k?Hz\\b)?");
     return quantity.match(text).captured();
 }
@@ -70,7 +71,8 @@ bool AskForButton(QMessageBox::Icon icon, const std::string &text, const std::st
 bool PromptOperator(const std::string &text, const std::string &title)
 {
     QString below = "Esc: not done";
-    if (const QString value = QuantityIn(Caption(text)); !value.isEmpty())
+    const std::string quantity = QuantityIn(Caption(text)).toStdString();
+    if (const QString value = Caption(ValueAsWritten(quantity)); !value.isEmpty())
         below = QString("<p style=\"font-size:%1pt; font-weight:bold; white-space:nowrap\">%2</p><p>%3</p>")
                     .arg(kRoomPoints)
                     .arg(value.toHtmlEscaped(), below);

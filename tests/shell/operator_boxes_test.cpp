@@ -1,6 +1,9 @@
 #include "shell/operator_boxes.h"
 
+#include "model/range_names.h"
+#include "model/range_tables.h"
 #include "session/procedure.h"
+#include "session/state.h"
 #include "shell/main_window.h"
 #include "shell/shell_fixture.h"
 
@@ -12,6 +15,8 @@
 #include <QtTest/QTest>
 
 #include <functional>
+#include <set>
+#include <string>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -88,9 +93,26 @@ TEST_F(OperatorBoxes, APromptShowsItsValueLargeAndSaysWhatEscDoes)
         static const QRegularExpression value("font-size:30pt[^>]*>([^<]*)<");
         return value.match(shown).captured(1).toStdString();
     };
+    const auto large = [&below](const std::string &value) {
+        return below("Apply an accurate input signal of " + value + " to the Meter");
+    };
     for (const char *value :
          {"660 V", "200 mV", "-75.6 mV", "17.475 mV", "5 A", "2 mV, 300 Hz", "100 Ohms", "1356.4 F"})
-        EXPECT_EQ(below("Apply an accurate input signal of " + std::string(value) + " to the Meter"), value);
+        EXPECT_EQ(large(value), value);
+    EXPECT_EQ(large("345.28 OHM"), "345.28 Ohm");
+    EXPECT_EQ(large("2 KOHM"), "2 kOhm");
+    EXPECT_EQ(large("0 CEL"), "0 °C");
+    EXPECT_EQ(large("-32.5 FAR"), "-32.5 °F");
+    std::set<std::string> values;
+    for (SCType = kDc; SCType <= kRtd; SCType++) {
+        CalibTab = TabOfBoard(SCType);
+        for (int position = 0; position < kPositions; position++)
+            values.insert(CalValueAtPosition(position));
+    }
+    values.erase("");
+    EXPECT_GT(values.size(), 20U);
+    for (const std::string &value : values)
+        EXPECT_EQ(large(value), ValueAsWritten(value));
     EXPECT_EQ(below("Remove any input signal from the meter"), "");
 }
 
