@@ -95,6 +95,7 @@ void RecordAnalogEnded(int point, const std::string &how, const std::string &typ
 void RecordAnalogWords(const std::string &how, const std::string &imageBefore, WordsHeld held)
 {
     std::vector<std::string> words;
+    words.reserve(kAnalogWords);
     for (int point = 0; point < kAnalogWords; ++point)
         words.push_back(AnalogWordName(point) + "=" + WordOf(point));
     Record("analog words", {{"how", how},
@@ -111,6 +112,16 @@ void RecordAnalogGivenBack(GivenBack given)
 {
     const char *const kTexts[] = {"given back", "no answer", "another meter", "not taken"};
     Record("analog settings", {{"words", AnalogSettingsNames()}, {"how", kTexts[static_cast<int>(given)]}});
+}
+
+WordsHeld RestoreForDac()
+{
+    const ScopedFlag bipolar(analog.bipolarDone, analog.bipolarDone || analog.dacType == kDacBipolar);
+    const ScopedFlag dual(analog.dualDone, analog.dualDone || analog.dacType == kDacDual);
+    RestoreAnalogWords();
+    const WordsHeld held = CheckAnalogWords();
+    RecordAnalogWords("restored", analog.image, held);
+    return held;
 }
 
 }  // namespace ombrix

@@ -31,4 +31,8 @@ void RecordAnalogEnded(int point, const std::string &how, const std::string &typ
 void RecordAnalogWords(const std::string &how, const std::string &imageBefore, WordsHeld held);
 void RecordAnalogGivenBack(GivenBack given);
 
+/// Writes the nominal words into the meter, reads them back and records both. A group that the meter's DAC has gets its
+/// words too, whether it was calibrated or not: the meter may be blank.
+WordsHeld RestoreForDac();
+
 }  // namespace ombrix

@@ -120,12 +120,12 @@ std::vector<std::string> ReadOverwritten(bool counter)
     return runs;
 }
 
-// Puts those words of `text`, from `word` downward, that a run has into its own text.
-void Overlay(std::string &own, int top, int word, std::string_view text)
+// Puts those words of `text`, from `textTop` downward, that a run from `ownTop` downward has into its own text.
+void Overlay(std::string &own, int ownTop, int textTop, std::string_view text)
 {
     for (std::size_t at = 0; at < own.size(); at += kWordDigits) {
-        const int address = top - static_cast<int>(at / kWordDigits);
-        if (const std::string part = PartOf(std::string(text), word, address, 1); !part.empty())
+        const int word = ownTop - static_cast<int>(at / kWordDigits);
+        if (const std::string part = PartOf(std::string(text), textTop, word, 1); !part.empty())
             own.replace(at, kWordDigits, part);
     }
 }
@@ -253,7 +253,7 @@ void WriteAnalogNvm(int word, std::string_view hex, std::string_view suffix)
 
 std::string ReadAnalogNvm(int word, int count, std::string_view suffix)
 {
-    const std::string hex = ReadNvmWords(word, count, IsCounter() ? "" : suffix);
+    std::string hex = ReadNvmWords(word, count, IsCounter() ? "" : suffix);
     if (!IsCounter() && suffix.empty())
         DelayMs(kSettleMs);
     return hex;

@@ -96,6 +96,7 @@ std::vector<FirstCyclePoint> FirstCyclePoints(int tab, int board)
     else
         heads = {Millivolts("+", high), Millivolts("+", low), "0 V", Millivolts("-", low), Millivolts("-", high)};
     std::vector<FirstCyclePoint> points;
+    points.reserve(heads.size());
     for (const std::string &head : heads)
         points.push_back({head, ac ? head + ", 300 Hz" : head});
     return points;

@@ -21,7 +21,7 @@ constexpr const char *kNormalRunning = "21D1";
 // Words 20 to 17 as they stand; "" when the meter didn't answer.
 std::string PutOnStream(const std::string &rangeCode, const FirstCycleWatch &watch)
 {
-    const std::string words = ReadNvmWords(20, kWordsRead, "");
+    std::string words = ReadNvmWords(20, kWordsRead, "");
     if (words.size() != kWordsReadDigits || Abort)
         return "";
     watch.found(words);

@@ -15,9 +15,9 @@ void LoadStep(int position, int stepId);
 struct PlainStep {
     int word = 0;
     std::int32_t target = 0;                      ///< display counts, 0 where there is none
-    std::string value = "";                       ///< for the calibrator
+    std::string value = std::string();            ///< for the calibrator
     bool offset = false;                          ///< the word is a signed offset
-    std::string wordHex = "";                     ///< now in the meter
+    std::string wordHex = std::string();          ///< now in the meter
     std::optional<float> scatter = std::nullopt;  ///< of a simulated meter's readings, in counts; else it stays
 };
 /// The step context of such a page: all the rest is cleared, so nothing of the step before shows through (no turnover,

@@ -9,9 +9,9 @@ namespace ombrix {
 std::string RangeName(int index);
 /// What a two-digit range code means on a board.
 struct RangeDescription {
-    std::string text = "???";  ///< as it stands when the code isn't in the board's list
-    int diagram = -1;          ///< row of the connection diagram; -1 none
-    std::string input = "";    ///< value to apply for a test of that range, "" none
+    std::string text = "???";           ///< as it stands when the code isn't in the board's list
+    int diagram = -1;                   ///< row of the connection diagram; -1 none
+    std::string input = std::string();  ///< value to apply for a test of that range, "" none
 };
 RangeDescription DescribeRangeCode(int board, const std::string &code);
 std::string RtdSimValue(int index);

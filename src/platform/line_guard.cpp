@@ -34,8 +34,6 @@ bool GuardStands()
 #include <sys/wait.h>
 #include <unistd.h>
 
-extern char **environ;
-
 namespace ombrix {
 namespace {
 

@@ -9,7 +9,7 @@
 namespace ombrix {
 
 /// Starts it. False when that can't be done, or on a system that has none.
-bool StartGuard(const std::string &program);
+bool StartGuard(const std::string &path);
 /// The calibrator's line as the system numbers it: from here on the guard holds it too, in place of the one before.
 /// -1: there is none; the guard has given it up when this returns. Starts a guard that has died anew.
 void GuardLine(int handle);

@@ -359,6 +359,12 @@ void cmdModal_Click()
 
 // ---- the choices ----
 
+void PutOutPoint()
+{
+    if (page.point != kNone)
+        OutputAnalogPoint(page.point, "");
+}
+
 void TakeDacType(int type)
 {
     ShowAnalogState(kAnalogWorking);
@@ -368,8 +374,7 @@ void TakeDacType(int type)
     PrepareAnalogTest("");
     if (page.point != kNone && !HasAnalogPoint(type, page.point))
         ClosePoint();
-    if (page.point != kNone)
-        OutputAnalogPoint(page.point, "");
+    PutOutPoint();
 }
 
 void optDAC_Click(int type)
@@ -384,8 +389,7 @@ void optCOffCalibPt_Click(int index)
             ShowAnalogState(kAnalogWorking);
             CurrentOffsetPoint = index == 1 ? "4000" : "200";
             SaveAnaCal();
-            if (page.point != kNone)
-                OutputAnalogPoint(page.point, "");
+            PutOutPoint();
         },
         [](Ended) { ShowPlace(); });
 }
@@ -484,17 +488,6 @@ void EnterPoint()
     ShowPlace();
 }
 
-// A group that the meter's DAC has gets its words too, whether it was calibrated or not: the meter may be blank.
-WordsHeld RestoreForDac()
-{
-    const ScopedFlag bipolar(analog.bipolarDone, analog.bipolarDone || analog.dacType == kDacBipolar);
-    const ScopedFlag dual(analog.dualDone, analog.dualDone || analog.dacType == kDacDual);
-    RestoreAnalogWords();
-    const WordsHeld held = CheckAnalogWords();
-    RecordAnalogWords("restored", analog.image, held);
-    return held;
-}
-
 void EnterInitNvmem()
 {
     page.point = kNone;
@@ -544,6 +537,17 @@ void EnterZeroInitFile()
     ShowPlace();
 }
 
+// "*": the raw words, and back again. A write there restarted the meter.
+void cmdNVMWord_Click()
+{
+    const auto back = [] {
+        BringPageUp();
+        ShowPoint();
+        PutOutPoint();
+    };
+    EnterRawWords({TakeOverAnalogWords, [back] { RunPageProcedure(back, [](Ended) { ShowPlace(); }); }});
+}
+
 void BuildAnalogPage(QFrame *frame)
 {
     page = AnalogPage();
@@ -558,6 +562,7 @@ void BuildAnalogPage(QFrame *frame)
                             .up = cmdUp_Click,
                             .down = cmdDown_Click,
                             .accept = cmdAccept_Click,
+                            .raw = cmdNVMWord_Click,
                             .done = cmdDone_Click,
                             .cable = cmdModal_Click});
 }

@@ -32,7 +32,7 @@ struct View {
     std::array<QRadioButton *, 4> optDAC;
     std::array<QRadioButton *, 3> optAnaMode;
     std::array<QRadioButton *, 2> optCalVfy, optCOffCalibPt;
-    QPushButton *cmdUp, *cmdDown, *cmdAccept, *cmdDone, *cmdModal;
+    QPushButton *cmdUp, *cmdDown, *cmdAccept, *cmdWord, *cmdDone, *cmdModal;
     PageStates states;
 };
 View view;
@@ -52,14 +52,14 @@ template <class Array> void Add(std::vector<QWidget *> &list, const Array &widge
 
 std::vector<PageState> TableOfStates()
 {
-    std::vector<QWidget *> idle = {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdDone};
+    std::vector<QWidget *> idle = {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone};
     for (const auto &list : {view.optCalVfy, view.optCOffCalibPt})
         Add(idle, list);
     Add(idle, view.optDAC);
     Add(idle, view.lblPL);
     std::vector<QWidget *> point = idle;
     point.push_back(view.txtRead);
-    std::vector<QWidget *> verify = {view.txtMeterVal, view.cmdDone};
+    std::vector<QWidget *> verify = {view.txtMeterVal, view.cmdWord, view.cmdDone};
     Add(verify, view.optCalVfy);
     Add(verify, view.optAnaMode);
     const std::vector<QWidget *> value = {view.shpSetMeter, view.shpMeterVal, view.fraModal};
@@ -224,13 +224,15 @@ QHBoxLayout *BuildButtons(QFrame *frame, const AnalogHandlers &handlers)
     view.cmdUp = Button(frame, "cmdUp", "Up", handlers.up, "Alt+U");
     view.cmdDown = Button(frame, "cmdDown", "Down", handlers.down, "Alt+N");
     view.cmdAccept = Button(frame, "cmdAnaCal(0)", "Accept", handlers.accept, "Alt+A");
+    view.cmdWord = Button(frame, Indexed("cmdNVMWord", 6), "*", handlers.raw);
     view.cmdDone = Button(frame, "cmdAnaCal(1)", "Done", handlers.done, "Alt+D");
+    view.cmdWord->setToolTip("One to four words of the meter by their number");
     view.cmdUp->setToolTip("The next point (Alt+U)");
     view.cmdDown->setToolTip("The point before (Alt+N)");
     view.cmdAccept->setToolTip("The station learns from this meter's words (Alt+A)");
     view.cmdDone->setToolTip("Output 0, and the meter gets its own settings back (Alt+D)");
     auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdDone}) {
+    for (QPushButton *button : {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone}) {
         MakeLarge(button);
         row->addWidget(button);
     }

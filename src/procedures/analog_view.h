@@ -29,7 +29,7 @@ struct AnalogHandlers {
     Commit typed;  ///< txtRead
     Commit value;  ///< txtMeterVal
     std::function<void(int)> dac, mode, calVfy, currentPoint;
-    std::function<void()> up, down, accept, done, cable;
+    std::function<void()> up, down, accept, raw, done, cable;
 };
 
 void BuildAnalogView(QFrame *frame, const AnalogHandlers &handlers);

@@ -493,12 +493,10 @@ void cmdQDOffset_Click()
 // "Accept" and "Cancel". Cancel also ends the wait for an input that nobody confirms.
 void cmdQDStop_Click(int index)
 {
-    if (view.states.now == kApplying)
+    if (view.states.now == kApplying || (view.states.now == kLeaving && page.patience->Passed()))
         StopWork();
     else if (view.states.now != kLeaving)
         Wants(index == 0 ? Action::Accept : Action::Cancel, kLeaving);
-    else if (page.patience->Passed())
-        StopWork();
 }
 
 void LeavePage(Ended)

@@ -440,3 +440,18 @@ TEST_F(SimulatedPage, TheAnalogOutputWorksWithoutAMeterAndTeachesNothingThatStay
     EXPECT_EQ(IniGet("AnaCal", "VGain"), kept);
     EXPECT_NE(StoredAnalogWords[1], kept) << "in this session it was learned";
 }
+
+TEST_F(AnalogPages, TheRawWordsAreOneClickAwayAndWhatIsSavedThereIsThePagesWordToo)
+{
+    Opens();
+    OpensPoint(kVoltageGainAt);
+    person->Clicks("cmdNVMWord(6)").WaitsFor("cmdNVMWord(2)").Types("txtNVMWord(0)", "3D").Clicks("cmdNVMWord(2)");
+    person->WaitsFor("txtNVMWord(1)").Types("txtNVMWord(1)", "9ABC").Clicks("cmdNVMWord(3)").WaitsFor("cmdNVMWord(5)");
+    person->Does([this] { EXPECT_EQ(WordOf(61), 0x9ABC); });
+    person->Clicks("cmdNVMWord(5)").WaitsFor("txtRead");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(analog.words[1], 0x9ABC);
+    EXPECT_EQ(Text("lblAnalogPoint"), "Voltage Gain");
+    EXPECT_EQ(bench->AnalogOut(1).unit, "mV");
+    EXPECT_GT(bench->AnalogOut(1).value, 5000.0) << "the point is put out again";
+}
