@@ -117,7 +117,8 @@ const Prompt kPromptNone = {};
 std::vector<PageState> TableOfStates()
 {
     const auto [select, save, done] = view.buttons;
-    QPushButton *const offset = view.offset.button, *const gain = view.gain.button;
+    QPushButton *const offset = view.offset.button;
+    QPushButton *const gain = view.gain.button;
     std::vector<QWidget *> fresh = {offset, done, view.txtReading};
     fresh.insert(fresh.end(), view.optRange.begin(), view.optRange.end());
     std::vector<QWidget *> tried = fresh;

@@ -186,9 +186,9 @@ std::string WriteConfiguration(const std::string &image)
 
 WordBoxes RestoreConfiguration();
 
-WordBoxes NotRestored(const std::string &image, const std::string &meant, const std::string &says)
+WordBoxes NotRestored(const std::string &inBoxes, const std::string &meant, const std::string &says)
 {
-    return {image, meant, says, true, RestoreConfiguration};
+    return {inBoxes, meant, says, true, RestoreConfiguration};
 }
 
 // What the meter holds afterwards is what counts.

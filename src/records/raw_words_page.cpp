@@ -142,6 +142,7 @@ void TakeCount(int count)
 void RecordWords(const char *kind, const JournalFields &more)
 {
     std::vector<std::string> words;
+    words.reserve(static_cast<std::size_t>(page.count));
     for (int at = 0; at < page.count; ++at)
         words.push_back(HexText(page.address - at, 2));
     JournalFields fields = {{"page", "raw words"}, {"board", BoardName(SCType)}, {"words", words}};

@@ -257,7 +257,7 @@ void ApplyTestInput()
 // One try: a meter that says nothing is told at once, and asked again.
 std::string ReadOnce()
 {
-    const std::string text = ReadDisplayRaw();
+    std::string text = ReadDisplayRaw();
     if (!text.empty())
         return text;
     const bool over = DisplayIsOverRange();

@@ -73,7 +73,10 @@ const Prompt kPromptOk = {"Click \"OK\" when DPM reading has settled"};
 // What stands on the page whatever it does, the unit's name, is in no row.
 std::vector<PageState> TableOfStates()
 {
-    QWidget *temp = view.chkTempFile, *file = view.cmdFileSpec, *ready = view.cmdVfyReady, *ok = view.cmdVfyOK;
+    QWidget *temp = view.chkTempFile;
+    QWidget *file = view.cmdFileSpec;
+    QWidget *ready = view.cmdVfyReady;
+    QWidget *ok = view.cmdVfyOK;
     const std::vector<QWidget *> choose = {temp, file};
     std::vector<QWidget *> ranges = {temp, file, view.cmdVfyDone, view.cmdVfyPrint};
     for (int button = 0; button <= VerifyLastButton(SCType); ++button)
@@ -280,7 +283,7 @@ void RecordReading(int record, const std::string &reading, const std::string &tr
 std::string KeepReading(const std::string &reading)
 {
     const int record = VerifyRecordOf(SCType, page.slot);
-    const std::string words = WriteRecord(page.file, VerifyPlaceOf(record), reading);
+    std::string words = WriteRecord(page.file, VerifyPlaceOf(record), reading);
     RecordReading(record, reading, words);
     return words;
 }

@@ -111,10 +111,11 @@ void ShowVerifyRanges(const VerifyView &view, int board)
         const std::string name = VerifyRangeName(board, button);
         const bool two = VerifyTwoPolarity(board);
         QPushButton *range = view.cmdVfyRng[static_cast<std::size_t>(button)];
-        range->setText(Caption(two && !name.empty() ? "+" + name + "\r\n-" + name : name));
+        const std::string both = std::string("+").append(name).append("\r\n-").append(name);
+        range->setText(Caption(two && !name.empty() ? both : name));
         range->setEnabled(false);
         ShowUse(range, name.empty() ? Use::NotInUse : Use::Idle);
-        const auto slot = static_cast<std::size_t>(2 * button);
+        const std::size_t slot = 2 * static_cast<std::size_t>(button);
         ShowUse(view.shpVfyRdg[slot], name.empty() ? Use::NotInUse : Use::Idle);
         ShowUse(view.shpVfyRdg[slot + 1], name.empty() || !two ? Use::NotInUse : Use::Idle);
     }

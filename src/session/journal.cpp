@@ -87,10 +87,10 @@ std::string UtcNow()
 {
     using namespace std::chrono;
     const std::int64_t now = wallClock ? wallClock() : QDateTime::currentMSecsSinceEpoch();
-    const sys_time moment{milliseconds(std::clamp<std::int64_t>(now, 0, kLastMoment))};
+    const sys_time<milliseconds> moment{milliseconds(std::clamp<std::int64_t>(now, 0, kLastMoment))};
     const auto midnight = floor<days>(moment);
     const year_month_day date{midnight};
-    const hh_mm_ss time{moment - midnight};
+    const hh_mm_ss<milliseconds> time{moment - midnight};
     std::array<char, 96> text{};  // room for any int in each place
     std::snprintf(text.data(), text.size(), "%04d-%02u-%02uT%02d:%02d:%02d.%03dZ", static_cast<int>(date.year()),
                   static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
