@@ -236,6 +236,7 @@ QHBoxLayout *BuildButtons(QFrame *frame, const AnalogHandlers &handlers)
         MakeLarge(button);
         row->addWidget(button);
     }
+    view.cmdWord->setFixedWidth(view.cmdWord->minimumHeight());  // square: the row has no room for a fifth large one
     row->addStretch(1);
     return row;
 }
