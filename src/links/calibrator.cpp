@@ -104,8 +104,8 @@ void ShowReadBack(const std::string &value, bool confirmed)
     const auto readBack = ParseReadBack(AskCalibrator(CalibratorQuestion::Output).line);
     const OutputValue output = readBack.value_or(ParseOutputValue(value));
     const CalOutput shown = DescribeCalOutput(output.number, output.unit);
-    if (!confirmed && (shown.level == Danger::Safe || shown.level < ShownDanger()))
-        return;
+    if (!confirmed && (!readBack || shown.level == Danger::Safe || shown.level < ShownDanger()))
+        return;  // the worse of what was asked and what stood before it is shown already
     UpdateCalOutputPanel(output.number, output.unit);
     NoteOutputSeen(shown.text, shown.level);
 }

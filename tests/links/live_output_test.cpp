@@ -276,3 +276,49 @@ TEST_F(LiveOutputAlert, TheEndOfTheProgramTellsOnlyWhatStandsUnknown)
     calibrator.HangsUp();
     EXPECT_EQ(AlertText(), "Standby not confirmed: 200.0 V" + kPressStby);
 }
+
+TEST_F(LiveOutputAlert, ThePanelShowsTheAskedValueBeforeItMayStand)
+{
+    std::string atOutput;
+    calibrator.onWrite = [this, &atOutput](const std::string &bytes) {
+        if (bytes.starts_with("OUT 200 V"))
+            atOutput = panel;
+        const std::string answer = bytes == "ERR?\n" ? "0,\"No Error\"" : bytes == "OPER?\n" ? "1" : "";
+        if (!answer.empty())
+            calibrator.Says(answer + kCrLf);
+    };
+    ASSERT_TRUE(ApplyInput("200 V"));
+    EXPECT_EQ(atOutput, "200.0 V");
+}
+
+TEST_F(LiveOutputAlert, OfTwoValuesOfOneKindTheLargerOneIsTold)
+{
+    Stands200V();
+    FallsSilent();
+    ApplyInput("20 V");
+    TellLiveOutput();
+    EXPECT_EQ(alert, "Output not confirmed: 200.0 V" + kPressStby);
+    EXPECT_EQ(panel, "200.0 V");
+}
+
+TEST_F(LiveOutputAlert, IsDrawnOnceMoreWhenThePanelWasEmptied)
+{
+    StandsUnconfirmed();
+    outlets.showOutput("");
+    flags.clear();
+    RepeatAlert();
+    EXPECT_EQ(panel, "200.0 V");
+    EXPECT_THAT(flags, ElementsAre(Danger::Danger));
+}
+
+TEST_F(LiveOutputAlert, IsNotTakenAwayByACalibratorWhoseAnswerNobodyUnderstands)
+{
+    StandsUnconfirmed();
+    calibrator.onWrite = [this](const std::string &bytes) {
+        if (bytes == "ERR?\n")
+            calibrator.Says("\xF0\x83" + std::string("0,\"No") + kCrLf);
+    };
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    EXPECT_EQ(alert, "Standby not confirmed: 200.0 V" + kPressStby);
+    EXPECT_FALSE(CalStandbyFlag);
+}

@@ -120,3 +120,17 @@ TEST_F(OutputSwitch, FollowsNothingWithoutASwitch)
     EXPECT_EQ(SwitchState, "V");
     EXPECT_THAT(meter.log, IsEmpty());
 }
+
+TEST_F(OutputSwitch, IsNotBelievedToHaveTurnedOverALineThatWent)
+{
+    meter.HangsUp();
+    SetOutputSwitch("A");
+    meter.ComesBack();
+    meter.Forget();
+    SetOutputSwitch("A");
+    EXPECT_EQ(meter.Heard(), "*2W305002B67100000\r") << "asked again, it turns";
+    EXPECT_EQ(SwitchState, "A");
+    meter.Forget();
+    SetOutputSwitch("A");
+    EXPECT_EQ(meter.Heard(), "");
+}
