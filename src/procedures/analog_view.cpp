@@ -80,13 +80,13 @@ std::vector<PageState> TableOfStates()
 
 // ---- the way it is built ----
 
-template <std::size_t N>
-QGroupBox *BuildOptions(QFrame *frame, const char *name, const char *title, std::array<QRadioButton *, N> &options,
-                        const std::array<const char *, N> &captions, const std::function<void(int)> &click)
+template <std::size_t count>
+QGroupBox *BuildOptions(QFrame *frame, const char *name, const char *title, std::array<QRadioButton *, count> &options,
+                        const std::array<const char *, count> &captions, const std::function<void(int)> &click)
 {
     QGroupBox *group = Group(frame, QString("fra") + name, title);
     auto *column = new QVBoxLayout(group);
-    for (std::size_t i = 0; i < N; ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
         const int index = static_cast<int>(i);
         const QString option = Indexed((std::string("opt") + name).c_str(), index);
         options[i] = Option(group, option, captions[i], [click, index] { click(index); });
