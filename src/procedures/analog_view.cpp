@@ -231,13 +231,8 @@ QHBoxLayout *BuildButtons(QFrame *frame, const AnalogHandlers &handlers)
     view.cmdDown->setToolTip("The point before (Alt+N)");
     view.cmdAccept->setToolTip("The station learns from this meter's words (Alt+A)");
     view.cmdDone->setToolTip("Output 0, and the meter gets its own settings back (Alt+D)");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
+    QHBoxLayout *row = ButtonRow({view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone});
     view.cmdWord->setFixedWidth(view.cmdWord->minimumHeight());  // square: the row has no room for a fifth large one
-    row->addStretch(1);
     return row;
 }
 

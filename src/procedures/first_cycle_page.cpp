@@ -365,13 +365,7 @@ QHBoxLayout *BuildButtons(QFrame *frame)
     view.buttons = {Button(frame, "cmdFCReady", "Ready", cmdFCReady_Click),
                     Button(frame, "cmdFCCancel", "Cancel", cmdFCCancel_Click, "Alt+C"),
                     DoneButton(frame, 1, cmdDone_Click)};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.ready, view.buttons.cancel, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.buttons.ready, view.buttons.cancel, view.buttons.done});
 }
 
 void BuildFirstCyclePage(QFrame *frame)

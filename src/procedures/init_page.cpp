@@ -249,13 +249,7 @@ QHBoxLayout *BuildButtons(QFrame *frame)
     view.buttons = {Button(frame, "cmdInitStartRetry", "Start", cmdInitStartRetry_Click),
                     Button(frame, "cmdInitCancel", "Cancel", cmdInitCancel_Click), DoneButton(frame, 0, cmdDone_Click)};
     view.buttons.cancel->setToolTip("Ends the attempts when the one in work is finished (Esc)");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.startRetry, view.buttons.cancel, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.buttons.startRetry, view.buttons.cancel, view.buttons.done});
 }
 
 void BuildInitPage(QFrame *frame)

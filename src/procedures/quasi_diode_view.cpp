@@ -98,13 +98,7 @@ QHBoxLayout *BuildButtons(QFrame *frame, QuasiDiodeView &view, const QuasiDiodeH
     view.buttons.cancel = Button(
         frame, "cmdQDStop(1)", "Cancel", [stop = handlers.stop] { stop(1); }, "Alt+C");
     view.buttons.done = Button(frame, "cmdQDDone", "Done", handlers.done);
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.ready, view.buttons.accept, view.buttons.cancel, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.buttons.ready, view.buttons.accept, view.buttons.cancel, view.buttons.done});
 }
 
 }  // namespace

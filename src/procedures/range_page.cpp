@@ -496,13 +496,7 @@ QHBoxLayout *BuildButtons(QFrame *frame)
                     Button(frame, "cmdRepeat", "Repeat", cmdRepeat_Click, "Alt+R"),
                     Button(frame, "cmdAccept", "Accept", cmdAccept_Click, "Alt+A"),
                     Button(frame, "cmdStopReset", "Stop", cmdStopReset_Click, "Alt+S")};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.ready, view.buttons.repeat, view.buttons.accept, view.buttons.stopReset}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.buttons.ready, view.buttons.repeat, view.buttons.accept, view.buttons.stopReset});
 }
 
 void BuildRangePage(QFrame *frame)

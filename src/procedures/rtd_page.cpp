@@ -428,13 +428,7 @@ void BuildRtdPage(QFrame *frame)
     column->addWidget(instruction);
     view.calib = Button(frame, "cmdISCalib", "Calibrate", cmdISCalib_Click, "Alt+R");
     view.done = Button(frame, "cmdISDone", "Done", cmdISDone_Click, "Alt+D");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.calib, view.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    column->addLayout(row);
+    column->addLayout(ButtonRow({view.calib, view.done}));
     view.states = {frame, instruction, TableOfStates()};
     ResetRtdSourcePage();
 }

@@ -311,18 +311,6 @@ QHBoxLayout *BuildReadings(QFrame *frame)
     return row;
 }
 
-QHBoxLayout *BuildAim(QFrame *frame)
-{
-    view.lblTarget = RoomLabel(frame, "lblTrimTarget");
-    view.lblDistance = RoomLabel(frame, "lblTrimDistance");
-    auto *row = new QHBoxLayout;
-    row->addWidget(Label(frame, "lblTrimTargetCaption", "Target"));
-    row->addWidget(view.lblTarget, 1);
-    row->addWidget(Label(frame, "lblTrimDistanceCaption", "Distance"));
-    row->addWidget(view.lblDistance, 1);
-    return row;
-}
-
 void BuildTrimsPage(QFrame *frame)
 {
     page = TrimsPage();
@@ -331,19 +319,13 @@ void BuildTrimsPage(QFrame *frame)
     view.lblTrimTitle = Title(frame, "lblTrimTitle");
     column->addWidget(view.lblTrimTitle);
     column->addLayout(BuildReadings(frame));
-    column->addLayout(BuildAim(frame));
+    column->addLayout(AimRow(frame, "Trim", view.lblTarget, view.lblDistance));
     column->addStretch();
     QFrame *instruction = StatusBar(frame, Indexed("TrimMsg", 0), 2);
     column->addWidget(instruction);
     view.buttons = {Button(frame, "cmdTrimStart", "Start", cmdTrimStart_Click),
                     Button(frame, "cmdTrimOK", "OK", cmdTrimOK_Click, "Alt+O"), DoneButton(frame, 5, cmdDone_Click)};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.start, view.buttons.ok, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    column->addLayout(row);
+    column->addLayout(ButtonRow({view.buttons.start, view.buttons.ok, view.buttons.done}));
     view.states = {frame, instruction, TableOfStates()};
     ShowPageState(view.states, kOpening);
 }

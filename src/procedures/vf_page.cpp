@@ -493,13 +493,7 @@ void BuildVfPage(QFrame *frame)
     column->addWidget(instruction);
     view.buttons = {Button(frame, "cmdVFRdyRpt", "Ready", cmdVFRdyRpt_Click, "Alt+R"),
                     Button(frame, "cmdVFStop", "Stop", cmdVFStop_Click, "Alt+S")};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.go, view.buttons.stop}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    column->addLayout(row);
+    column->addLayout(ButtonRow({view.buttons.go, view.buttons.stop}));
     view.states = {frame, instruction, TableOfStates()};
     ShowPageState(view.states, kOpening);
 }

@@ -306,18 +306,6 @@ QHBoxLayout *BuildReadings(QFrame *frame)
     return row;
 }
 
-QHBoxLayout *BuildAim(QFrame *frame)
-{
-    view.lblTarget = RoomLabel(frame, "lblZeroAdjTarget");
-    view.lblDistance = RoomLabel(frame, "lblZeroAdjDistance");
-    auto *row = new QHBoxLayout;
-    row->addWidget(Label(frame, "lblZeroAdjTargetCaption", "Target"));
-    row->addWidget(view.lblTarget, 1);
-    row->addWidget(Label(frame, "lblZeroAdjDistanceCaption", "Distance"));
-    row->addWidget(view.lblDistance, 1);
-    return row;
-}
-
 void BuildZeroAdjustPage(QFrame *frame)
 {
     page = ZeroAdjustPage();
@@ -326,7 +314,7 @@ void BuildZeroAdjustPage(QFrame *frame)
     view.title = Title(frame, "lblZeroAdjTitle");
     column->addWidget(view.title);
     column->addLayout(BuildReadings(frame));
-    column->addLayout(BuildAim(frame));
+    column->addLayout(AimRow(frame, "ZeroAdj", view.lblTarget, view.lblDistance));
     column->addStretch();
     QFrame *instruction = StatusBar(frame, "ZeroAdj", 4);
     column->addWidget(instruction);
@@ -336,13 +324,7 @@ void BuildZeroAdjustPage(QFrame *frame)
                     Button(
                         frame, "cmdZeroAdjAccept", "Accept", [] { Ends(Wish::Accept); }, "Alt+A"),
                     DoneButton(frame, 4, cmdDone_Click)};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.next, view.buttons.ok, view.buttons.accept, view.buttons.done}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    column->addLayout(row);
+    column->addLayout(ButtonRow({view.buttons.next, view.buttons.ok, view.buttons.accept, view.buttons.done}));
     view.states = {frame, instruction, TableOfStates()};
     ShowPageState(view.states, kOpening);
 }

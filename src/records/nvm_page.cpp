@@ -385,13 +385,7 @@ QHBoxLayout *BuildButtons(QFrame *frame, int side)
     of.cancel = Button(frame, Indexed("cmdNVMcancel", side), "Cancel", cmdNVMcancel_Click, "Alt+C");
     of.word = Button(frame, Indexed("cmdNVMWord", side), "*", cmdNVMWord_Click);
     of.word->setToolTip("One to four words by their number");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {of.save, of.cancel, of.word}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({of.save, of.cancel, of.word});
 }
 
 void BuildSide(QFrame *frame, Side side, const QString &note)

@@ -281,13 +281,7 @@ QHBoxLayout *BuildButtons(QFrame *frame)
     view.save = Button(frame, Indexed("cmdNVMWord", 3), "Save", cmdSave_Click, "Alt+S");
     view.cancel = Button(frame, Indexed("cmdNVMWord", 4), "Cancel", cmdCancel_Click, "Alt+C");
     view.back = Button(frame, Indexed("cmdNVMWord", 5), "Back", cmdBack_Click, "Alt+B");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.read, view.save, view.cancel, view.back}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.read, view.save, view.cancel, view.back});
 }
 
 QGridLayout *BuildFields(QFrame *frame)

@@ -430,12 +430,7 @@ QHBoxLayout *BuildButtons(QFrame *frame)
     view.buttons = {Button(frame, "cmdSendFile", "Start", cmdSendFile_Click),
                     Button(frame, "cmdSFSkipOK", "Skip", cmdSFSkipOK_Click),
                     Button(frame, "cmdSFBrowse", "Browse...", cmdSFBrowse_Click, "Alt+B")};
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.buttons.send, view.buttons.skipOk}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
+    QHBoxLayout *row = ButtonRow({view.buttons.send, view.buttons.skipOk});
     MakeLarge(view.buttons.browse);
     row->addWidget(view.buttons.browse);
     return row;

@@ -82,13 +82,7 @@ QHBoxLayout *BuildButtons(QFrame *page, VerifyView &view, const VerifyEvents &ev
     view.cmdVfyOK = Button(page, "cmdVfyOK", "OK", events.ok);
     view.cmdVfyDone = Button(page, "cmdVfyDone", "Done", events.done);
     view.cmdVfyPrint = Button(page, "cmdVfyPrint", "Print", events.print, "Alt+P");
-    auto *row = new QHBoxLayout;
-    for (QPushButton *button : {view.cmdVfyReady, view.cmdVfyOK, view.cmdVfyDone, view.cmdVfyPrint}) {
-        MakeLarge(button);
-        row->addWidget(button);
-    }
-    row->addStretch();
-    return row;
+    return ButtonRow({view.cmdVfyReady, view.cmdVfyOK, view.cmdVfyDone, view.cmdVfyPrint});
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 #include "widgets/widgets.h"
 
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
@@ -45,6 +46,17 @@ void MakeLarge(QWidget *button)
 {
     const QFontMetrics metrics = button->fontMetrics();
     button->setMinimumSize(metrics.averageCharWidth() * 20, metrics.height() * 5 / 2);
+}
+
+QHBoxLayout *ButtonRow(std::initializer_list<QPushButton *> buttons)
+{
+    auto *row = new QHBoxLayout;
+    for (QPushButton *button : buttons) {
+        MakeLarge(button);
+        row->addWidget(button);
+    }
+    row->addStretch();
+    return row;
 }
 
 QPushButton *DoneButton(QWidget *parent, int index, std::function<void()> click)

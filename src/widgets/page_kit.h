@@ -5,9 +5,11 @@
 #include <QString>
 
 #include <functional>
+#include <initializer_list>
 #include <string>
 
 class QFrame;
+class QHBoxLayout;
 class QLabel;
 class QPushButton;
 class QWidget;
@@ -39,6 +41,8 @@ QLabel *Title(QWidget *parent, const QString &name);
 
 /// A button of a page's bottom row: large enough to be hit without looking twice.
 void MakeLarge(QWidget *button);
+/// That row: its buttons made large, from the left.
+QHBoxLayout *ButtonRow(std::initializer_list<QPushButton *> buttons);
 
 /// cmdDone(index), "Done", in a page's bottom row.
 QPushButton *DoneButton(QWidget *parent, int index, std::function<void()> click);

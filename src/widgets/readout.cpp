@@ -4,6 +4,7 @@
 
 #include <QFontMetrics>
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -61,6 +62,18 @@ QLabel *RoomLabel(QWidget *parent, const QString &name)
     label->setFont(font);
     label->setMinimumHeight(QFontMetrics(font).height());  // stands still while it is empty
     return label;
+}
+
+QHBoxLayout *AimRow(QWidget *parent, const QString &name, QLabel *&target, QLabel *&distance)
+{
+    target = RoomLabel(parent, "lbl" + name + "Target");
+    distance = RoomLabel(parent, "lbl" + name + "Distance");
+    auto *row = new QHBoxLayout;
+    row->addWidget(Label(parent, "lbl" + name + "TargetCaption", "Target"));
+    row->addWidget(target, 1);
+    row->addWidget(Label(parent, "lbl" + name + "DistanceCaption", "Distance"));
+    row->addWidget(distance, 1);
+    return row;
 }
 
 void ShowLive(QFrame *readout, const std::string &number)

@@ -6,6 +6,7 @@
 #include <string>
 
 class QFrame;
+class QHBoxLayout;
 class QLabel;
 class QWidget;
 
@@ -19,6 +20,9 @@ QFrame *Readout(QWidget *parent, const QString &name);
 
 /// A plain label of the same size, for a number that stands beside such a reading.
 QLabel *RoomLabel(QWidget *parent, const QString &name);
+/// What a trimmer is turned to and how far off it is, in such labels: lbl<name>Target and lbl<name>Distance, which are
+/// given back.
+QHBoxLayout *AimRow(QWidget *parent, const QString &name, QLabel *&target, QLabel *&distance);
 
 /// The number as it is at this moment, marked "live".
 void ShowLive(QFrame *readout, const std::string &number);
