@@ -122,6 +122,8 @@ void MeasureIdle(Screen &screen, const StationFolder &folder)
     const double wakeUps = running.SleepsASecond(kIdleSeconds);
     const double memory = running.ResidentMiB();
     Row("memory in use, idle", memory, "MiB", memory < 45, "< 45");
+    const double guard = running.ResidentMiBOfChild("ombrix-guard");
+    Row("  of the guard beside it", guard, "MiB", guard > 0 && guard < 2, "< 2");
     Row("wake-ups, idle", wakeUps, "1/s", wakeUps == 0, "0");
 }
 

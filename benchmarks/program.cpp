@@ -82,6 +82,18 @@ double Program::ResidentMiB() const
     return static_cast<double>(StatusNumber("/proc/" + std::to_string(m_pid) + "/status", "VmRSS")) / 1024;
 }
 
+double Program::ResidentMiBOfChild(const std::string &name) const
+{
+    std::ifstream children("/proc/" + std::to_string(m_pid) + "/task/" + std::to_string(m_pid) + "/children");
+    for (pid_t child = 0; children >> child;) {
+        const std::string folder = "/proc/" + std::to_string(child);
+        std::ifstream comm(folder + "/comm");
+        if (std::string is; std::getline(comm, is) && is == name)
+            return static_cast<double>(StatusNumber(folder + "/status", "VmRSS")) / 1024;
+    }
+    return 0;
+}
+
 double Program::SleepsASecond(int seconds) const
 {
     const long before = SleepsOf(m_pid);

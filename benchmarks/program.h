@@ -25,6 +25,8 @@ public:
     std::chrono::steady_clock::time_point Started() const { return m_started; }
     /// VmRSS in MiB.
     double ResidentMiB() const;
+    /// VmRSS in MiB of its child of this name, 0 when it has none.
+    double ResidentMiBOfChild(const std::string &name) const;
     /// Sleeps a second over the next `seconds`.
     double SleepsASecond(int seconds) const;
 
