@@ -1,6 +1,7 @@
 #include "session/procedure.h"
 
 #include "platform/clock.h"
+#include "platform/fault.h"
 #include "session/delays.h"
 #include "session/live_output.h"
 #include "session/page_frame.h"
@@ -8,6 +9,7 @@
 
 #include <exception>
 #include <optional>
+#include <string>
 #include <utility>
 
 namespace ombrix {
@@ -17,20 +19,33 @@ bool StopRequested = false;
 
 namespace {
 
-constexpr int kStopMs = 1000;  // what a stopped loop gets to end
+constexpr int kStopMs = 1000;      // what a stopped loop gets to end
+constexpr int kPatienceMs = 1000;  // a stop so soon after an exit has begun belongs to what has ended
 
 bool running = false;
 bool waitsForOperator = false;
 bool escaped = false;  // Esc has ended the followed reading: a second Esc at once means nothing more
 Navigation navigation = Navigation::Free;
-std::function<void()> waiting;    // what runs next, when the running procedure has unwound
-std::optional<Deadline> stopEnd;  // of the 1000 ms, counted from the click
+std::function<void()> waiting;     // what runs next, when the running procedure has unwound
+bool waitsAsWish = false;          // it is the page's own, and goes with what ends in a fault
+std::string faultWords;            // of the work that is left
+std::optional<Deadline> stopEnd;   // of the 1000 ms, counted from the click
+std::optional<Deadline> patience;  // while a page is left
 
 // A stop that came too late for what went before doesn't reach what follows.
 void ForgetStop()
 {
     ClearStop();
+    patience.reset();
     Abort = false;
+}
+
+// A stop of the work. In an exit only a later one counts: an impatient second one would break off the removal of the
+// input before it is confirmed.
+void Interrupt()
+{
+    if (!patience || patience->Passed())
+        Abort = true;
 }
 
 // The one procedure on the stack, and navigation off as long as it stands there.
@@ -76,6 +91,22 @@ void NoteStop()
         stopEnd.emplace(kStopMs);
 }
 
+// What waits, as one procedure. A fault goes on to the handler's edge; but where the operator has asked for something
+// meanwhile, it is told here and that runs.
+void RunWaiting()
+{
+    waitsAsWish = false;
+    try {
+        std::exchange(waiting, nullptr)();
+    } catch (const std::exception &fault) {
+        if (!waiting || waitsAsWish || Quitting) {
+            waiting = nullptr;
+            throw;
+        }
+        FaultOutlet(fault.what());
+    }
+}
+
 // Runs `body`, then what waits for its end, one after the other.
 bool RunAlone(const std::function<void()> &body)
 {
@@ -88,7 +119,7 @@ bool RunAlone(const std::function<void()> &body)
         WaitOutStop();
         ForgetStop();
         const Telling telling;
-        std::exchange(waiting, nullptr)();  // after the wait: a click during it takes the place of the one before
+        RunWaiting();  // after the wait: a click during it takes the place of the one before
     }
     return true;
 }
@@ -135,25 +166,55 @@ bool RunProcedure(const std::function<void()> &body)
     return RunAlone(body);
 }
 
-bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave)
+namespace {
+
+// How `work` ended; a fault is kept for later.
+Ended EndOf(const std::function<void()> &work, std::exception_ptr &fault)
 {
-    return RunAlone([&work, &leave] {
-        std::exception_ptr fault;
+    faultWords.clear();
+    try {
+        work();
+    } catch (const std::exception &thrown) {
+        fault = std::current_exception();
+        faultWords = thrown.what();
+    }
+    if (fault)
+        return Ended::Fault;
+    return Abort ? Ended::Stopped : Ended::Done;
+}
+
+void WorkAndLeave(const std::function<void()> &work, const std::function<void(Ended)> &leave)
+{
+    std::exception_ptr fault;
+    const Ended ended = EndOf(work, fault);
+    WaitOutStop();
+    ForgetStop();
+    patience.emplace(kPatienceMs);
+    leave(ended);
+    ForgetStop();
+    if (fault)
+        std::rethrow_exception(fault);
+}
+
+}  // namespace
+
+bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave,
+                      const std::function<void()> &noteQuit)
+{
+    return RunAlone([&] {
         try {
-            work();
-        } catch (const std::exception &) {
-            fault = std::current_exception();
+            WorkAndLeave(work, leave);
+        } catch (const Shutdown &) {
+            if (noteQuit)
+                noteQuit();
+            throw;
         }
-        Ended ended = Abort ? Ended::Stopped : Ended::Done;
-        if (fault)
-            ended = Ended::Fault;
-        WaitOutStop();
-        ForgetStop();
-        leave(ended);
-        ForgetStop();
-        if (fault)
-            std::rethrow_exception(fault);
     });
+}
+
+std::string FaultWords()
+{
+    return faultWords;
 }
 
 void RunAfterStop(std::function<void()> action)
@@ -165,17 +226,20 @@ void RunAfterStop(std::function<void()> action)
         return;
     }
     waiting = std::move(action);
-    Abort = true;
+    waitsAsWish = false;
+    Interrupt();
     if (StopArmed && !StopRequested)
         NoteStop();
 }
 
 void RunAfterProcedure(std::function<void()> action)
 {
-    if (!running)
+    if (!running) {
         RunAlone(action);
-    else if (!waiting)
+    } else if (!waiting) {
         waiting = std::move(action);
+        waitsAsWish = true;
+    }
 }
 
 void WaitForOperator(const std::function<bool()> &done, Escape escape)
@@ -193,7 +257,8 @@ void WaitForOperatorOrEscape(const std::function<bool()> &done)
 
 void StopWork()
 {
-    Abort = Abort || running;
+    if (running)
+        Interrupt();
 }
 
 bool PressEscape()
@@ -204,7 +269,7 @@ bool PressEscape()
         RequestStop();
         escaped = true;
     } else if (!waitsForOperator && !escaped) {
-        Abort = true;
+        Interrupt();
     }
     return true;
 }

@@ -11,6 +11,7 @@
 #pragma once
 
 #include <functional>
+#include <string>
 
 namespace ombrix {
 
@@ -34,10 +35,15 @@ enum class Ended { Done, Stopped, Fault };
 
 /// Runs `work` as the one procedure, then `leave` with how it ended: by itself, by a stop (Abort), by a fault, which goes
 /// on to the handler's edge after `leave`. Abort and the stop channel are cleared before `work`, before `leave` and after
-/// it, so an exit always reaches the instruments. Then comes what waits for the end: navigation or the page's wish for
-/// the next step. Only the end of the program passes by `leave`: then the instruments have had their last words.
+/// it, so an exit always reaches the instruments; in its first 1000 ms no stop counts, by button, Esc or navigation: an
+/// impatient second one would only break off what the first one asked for. Then comes what waits for the end: navigation or the page's wish for
+/// the next step. Only the end of the program passes by `leave`: then the instruments have had their last words, and
+/// `noteQuit` may tell the journal.
 /// Does nothing and returns false while a procedure runs or while the program quits.
-bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave);
+bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave,
+                      const std::function<void()> &noteQuit = {});
+/// For `leave`: the words of the fault that ended the work, "" when none did.
+std::string FaultWords();
 
 /// The same without an exit of its own, for what isn't a page's: Establish, a choice of the Setup page.
 bool RunProcedure(const std::function<void()> &body);
@@ -47,7 +53,7 @@ bool ProcedureRunning();
 
 /// Runs `action` as a procedure. At once when none runs; otherwise stops the running one (Abort, and the live loop's
 /// stop) and runs it when that has unwound, at the earliest 1000 ms after this call if a live loop was stopped. A
-/// later call takes the place of an action that still waits.
+/// later call takes the place of an action that still waits. A fault of the running one doesn't hold it up.
 void RunAfterStop(std::function<void()> action);
 
 /// A page's wish, such as the next step: runs `action` when the running procedure has ended by itself, at once when none
@@ -63,7 +69,7 @@ void WaitForOperator(const std::function<bool()> &done, Escape escape = Escape::
 /// The same, and Esc is the page's Stop meanwhile.
 void WaitForOperatorOrEscape(const std::function<bool()> &done);
 
-/// A page's Stop: ends the work of the running procedure (Abort). Nothing without one.
+/// A page's Stop: ends the work of the running procedure (Abort). Nothing without one, nor as an exit begins.
 void StopWork();
 
 /// The key Esc. While work runs it is the page's Stop; while a reading is only followed it ends the following and

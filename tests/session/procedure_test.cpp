@@ -9,6 +9,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 
 using namespace ombrix;
@@ -222,6 +223,41 @@ TEST_F(Procedures, AFaultEndsTheProcedureAndLeavesTheStationFree)
     EXPECT_TRUE(RunProcedure([] {}));
 }
 
+TEST_F(Procedures, AFaultIsToldAndDoesNotHoldUpTheNavigationThatWaits)
+{
+    FaultOutlet = [this](const std::string &words) { order += words + " "; };
+    EXPECT_TRUE(RunProcedure([this] {
+        RunAfterStop([this] {
+            EXPECT_FALSE(Abort);
+            order += "navigated";
+        });
+        throw RuntimeFault(5, "broken");
+    }));
+    FaultOutlet = [](const std::string &) {};
+    EXPECT_EQ(order, "broken navigated");
+}
+
+TEST_F(Procedures, AFaultTakesThePagesOwnWishWithIt)
+{
+    EXPECT_THROW(RunProcedure([this] {
+                     RunAfterProcedure([this] { order += "next"; });
+                     Abort = true;
+                     throw RuntimeFault(5, "broken");
+                 }),
+                 RuntimeFault);
+    EXPECT_FALSE(Abort);
+    RunProcedure([] {});
+    EXPECT_EQ(order, "");
+}
+
+TEST_F(Procedures, AnExitIsToldTheWordsOfTheFaultThatEndedTheWork)
+{
+    const auto leave = [this](Ended) { order += FaultWords() + "."; };
+    EXPECT_THROW(RunPageProcedure([] { throw RuntimeFault(5, "broken"); }, leave), RuntimeFault);
+    RunPageProcedure([] {}, leave);
+    EXPECT_EQ(order, "broken..");
+}
+
 TEST_F(Procedures, TheEndOfTheProgramUnwindsAProcedureAndDropsWhatWaits)
 {
     CallAfter(100, [&] { RunAfterStop([&] { order += "navigated"; }); });
@@ -300,17 +336,38 @@ TEST_F(Procedures, APageIsLeftWhenTheStoppedLoopHasHadItsSecond)
     EXPECT_EQ(left, 1500);
 }
 
-TEST_F(Procedures, AStopInTheExitEndsItsWaitsOnly)
+TEST_F(Procedures, AStopInTheExitEndsItsWaitsOnlyAndNotBeforeASecondHasPassed)
 {
-    CallAfter(300, [] { StopWork(); });
-    RunPageProcedure([] {},
-                     [](Ended ended) {
-                         EXPECT_EQ(ended, Ended::Done);
-                         while (!Abort)
-                             DelayMs(100);
-                     });
-    EXPECT_EQ(clock.Elapsed(), 300);
-    EXPECT_FALSE(Abort);
+    const std::function<void()> stops[] = {StopWork, [] { PressEscape(); }, [] { RunAfterStop([] {}); }};
+    for (const auto &stop : stops) {
+        clock.Restart();
+        CallAfter(300, stop);
+        CallAfter(1200, stop);
+        RunPageProcedure([] {},
+                         [](Ended ended) {
+                             EXPECT_EQ(ended, Ended::Done);
+                             while (!Abort)
+                                 DelayMs(100);
+                         });
+        EXPECT_EQ(clock.Elapsed(), 1200);
+        EXPECT_FALSE(Abort);
+    }
+}
+
+TEST_F(Procedures, TheSecondOfAnExitIsOverWithIt)
+{
+    RunPageProcedure([] {}, [](Ended) {});
+    RunProcedure([] {
+        StopWork();
+        EXPECT_TRUE(Abort);
+    });
+    EXPECT_THROW(RunPageProcedure([] {}, [](Ended) { throw RuntimeFault(5, "broken"); }), RuntimeFault);
+    RunPageProcedure(
+        [] {
+            StopWork();
+            EXPECT_TRUE(Abort);
+        },
+        [](Ended) {});
 }
 
 TEST_F(Procedures, ASecondPageIsRefusedWhileOneRuns)
@@ -328,9 +385,16 @@ TEST_F(Procedures, TheEndOfTheProgramPassesByTheExit)
         RequestShutdown();
         PumpEvents(kForever);
     };
-    EXPECT_THROW(RunPageProcedure(quits, [this](Ended) { order += "left"; }), Shutdown);
+    const auto notes = [this] { order += "noted "; };
+    EXPECT_THROW(RunPageProcedure(
+                     quits, [this](Ended) { order += "left"; }, notes),
+                 Shutdown);
     RequestShutdown(false);
-    EXPECT_EQ(order, "work ");
+    EXPECT_EQ(order, "work noted ");
+    EXPECT_THROW(RunPageProcedure([] {}, [quits](Ended) { quits(); }, notes), Shutdown);
+    RequestShutdown(false);
+    EXPECT_EQ(order, "work noted work noted ");
+    RunPageProcedure([] {}, [](Ended) {}, notes);
     EXPECT_FALSE(ProcedureRunning());
 }
 
