@@ -5,6 +5,7 @@
 #include "links/meter_operations.h"
 #include "links/meter_protocol.h"
 #include "links/meter_simulator.h"
+#include "platform/clock.h"
 #include "platform/text.h"
 #include "session/delays.h"
 #include "session/outlets.h"
@@ -12,6 +13,7 @@
 #include "session/state.h"
 
 #include <cstdlib>
+#include <optional>
 
 namespace ombrix {
 namespace {
@@ -19,6 +21,7 @@ namespace {
 constexpr int kSettleMs = 300;
 constexpr int kAdjustMs = 500;
 constexpr int kStopMs = 1000;
+constexpr int kMissedMs = 3000;              // without a reading until it is told
 constexpr std::int32_t kFarFromZero = 1000;  // counts
 
 std::int32_t Counts(std::string_view text)
@@ -59,14 +62,15 @@ public:
     ArmedStop &operator=(const ArmedStop &) = delete;
 };
 
-// A reading that was stopped has its second from the click; one that ends by itself has it from here.
+// A reading that was stopped has its second from the click; one that ends by itself has it from here, and a click still
+// reaches it then.
 std::string EndLiveReading()
 {
+    if (!StopRequested)
+        DelayMs(kStopMs);
     DisarmStop();
     if (StopRequested)
         WaitOutStop();
-    else
-        DelayMs(kStopMs);
     return std::string(kStop);
 }
 
@@ -81,27 +85,55 @@ std::string WithoutPoint(std::string text)
     return point == std::string::npos ? text : text.erase(point, 1);
 }
 
+const char *NoteOf(DisplayState display)
+{
+    return display == DisplayState::OverRange ? "Meter: the display is over range" : "Meter: waiting for reply";
+}
+
+// The display without its point, asked until a reading comes; "" after Abort. One note stands around the tries, so
+// that it counts through.
+std::string AwaitDigits(const TellDisplay &tell)
+{
+    const Deadline patience(kMissedMs);
+    DisplayState why = DisplayState::Silent;
+    DisplayState told = DisplayState::Reads;
+    std::optional<WaitNote> note(NoteOf(why));
+    while (!Abort) {
+        const std::string text = ReadDisplayRaw();
+        const DisplayState now = !text.empty()          ? DisplayState::Reads
+                                 : DisplayIsOverRange() ? DisplayState::OverRange
+                                                        : DisplayState::Silent;
+        if (tell && now != told && (now == DisplayState::Reads || patience.Passed()))
+            tell(told = now);
+        if (!text.empty())
+            return WithoutPoint(text);
+        if (now != why)
+            note.emplace(NoteOf(why = now));
+    }
+    return "";
+}
+
 }  // namespace
 
-std::string ReadSettledReading()
+std::string ReadSettledReading(const TellDisplay &tell)
 {
-    std::string text = ReadDisplayDigits();
     if (Simulated())
-        return text;
+        return ReadDisplayDigits();
     const WaitNote note("Meter: waiting for a steady reading");
+    std::string text = AwaitDigits(tell);
     Settling settling(Counts(text));
     while (!settling.Done() && !Abort) {
         DelayMs(kSettleMs);
-        text = ReadDisplayDigits();
+        text = AwaitDigits(tell);
         settling.Take(Counts(text));
     }
     return Abort ? "" : text;
 }
 
-std::string TakeReading(int index)
+std::string TakeReading(int index, const TellDisplay &tell)
 {
     AimSimulator(index);
-    const std::string text = ReadSettledReading();
+    const std::string text = ReadSettledReading(tell);
     StoreReading(index, text);
     return SignedText(text);
 }
@@ -175,6 +207,7 @@ std::string AwaitDisplay(const std::function<void(Following why)> &missed)
         if (text != kStop || StopWanted())
             return text;
         missed(WhyMissed());
+        ArmStop();  // the reader has closed the channel
     }
 }
 
@@ -200,8 +233,11 @@ Following FollowReading(const LiveReading &live, const std::function<void(const 
             break;
         else if (live.silenceEnds)
             return WhyMissed();
-        else if (live.missed)
-            live.missed(WhyMissed());
+        else {
+            if (live.missed)
+                live.missed(WhyMissed());
+            ArmStop();  // the reader has closed the channel
+        }
     }
     WaitOutStop();
     return Following::Stopped;

@@ -11,10 +11,15 @@ namespace ombrix {
 /// What a reading function returns instead of a reading when its live loop is to end.
 constexpr std::string_view kStop = "STOP";
 
+/// What a display that is asked until a reading comes does instead.
+enum class DisplayState { Reads, Silent, OverRange };
+/// Told why, once for each reason, when no reading has come for 3 s; and Reads when one has come after all.
+using TellDisplay = std::function<void(DisplayState now)>;
+
 /// Reads until three equal readings in a row, the third change of direction or the twentieth read. "" on Abort.
-std::string ReadSettledReading();
+std::string ReadSettledReading(const TellDisplay &tell = {});
 /// The settled reading for the + (0) or - (1) input, kept for the correction; a turnover step's text carries its sign.
-std::string TakeReading(int index);
+std::string TakeReading(int index, const TellDisplay &tell = {});
 /// One read without settling, kept likewise. "STOP" on a requested stop, on Abort and when the meter is silent.
 std::string TakeReadingOrStop(int index);
 /// The display with its point, tried until a reading comes or a stop: "STOP".

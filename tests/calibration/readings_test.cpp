@@ -92,6 +92,23 @@ TEST_F(Display, OfASilentMeterIsWaitedForUntilAStop)
     EXPECT_EQ(step.Readings[0], 0);
 }
 
+TEST_F(Display, ThatShowsNoReadingIsToldAfterThreeSecondsOnceForEachReasonAndWhenOneComes)
+{
+    std::vector<std::pair<DisplayState, std::int64_t>> told;
+    CallAfter(10'500, [this] { Shows({"----"}); });
+    CallAfter(20'500, [this] { Shows({"5.", "5.", "5."}); });
+    EXPECT_EQ(TakeReading(0, [&](DisplayState now) { told.emplace_back(now, clock.Elapsed() / 1000); }), "+5");
+    using Told = std::pair<DisplayState, std::int64_t>;
+    EXPECT_THAT(told, testing::ElementsAre(Told(DisplayState::Silent, 3), Told(DisplayState::OverRange, 11),
+                                           Told(DisplayState::Silent, 12), Told(DisplayState::Reads, 21)));
+}
+
+TEST_F(Display, ThatReadsInTimeTellsNothing)
+{
+    CallAfter(1500, [this] { Shows({"5.", "5.", "5."}); });
+    EXPECT_EQ(TakeReading(0, [](DisplayState) { FAIL(); }), "+5");
+}
+
 TEST_F(Display, OnATurnoverStepCarriesItsSign)
 {
     Shows({"7.9990", "7.9990", "7.9990", "-7.9996", "-7.9996", "-7.9996"});
@@ -244,15 +261,24 @@ TEST_F(Followed, EndsByTheMetersSilenceASecondLater)
     EXPECT_FALSE(StopArmed);
 }
 
-TEST_F(Followed, AsksAgainOnSilenceWhereThatIsNoEnd)
+TEST_F(Followed, AsksAgainOnSilenceWhereThatIsNoEndAndStillHearsAClick)
 {
     live.silenceEnds = false;
-    live.read = [] { return ReadDisplayDigitsOrStop(); };
     CallAfter(5000, [this] { Shows({"7.9990"}); });
-    CallAfter(7000, [] { RequestStop(); });
+    CallAfter(7300, [] { RequestStop(); });
     EXPECT_EQ(Follows(), Following::Stopped);
-    EXPECT_THAT(shown, testing::ElementsAre("79990"));
-    EXPECT_EQ(clock.Elapsed(), 8000);
+    EXPECT_THAT(shown, testing::ElementsAre("+79990"));
+    EXPECT_EQ(clock.Elapsed(), 8300) << "a second from the click";
+    EXPECT_FALSE(StopArmed);
+}
+
+TEST_F(Followed, HearsAClickInTheSecondAfterASilentTryToo)
+{
+    live.silenceEnds = false;
+    CallAfter(1800, [] { RequestStop(); });
+    EXPECT_EQ(Follows(), Following::Stopped);
+    EXPECT_EQ(clock.Elapsed(), 2800);
+    EXPECT_FALSE(StopArmed);
 }
 
 TEST_F(Followed, EndsWithTheStopChannelClosedWhateverItsReaderThrows)
