@@ -2,24 +2,32 @@
 
 #include "session/procedure.h"
 
-#include <map>
+#include <stdexcept>
+#include <string>
 #include <utility>
 
 namespace ombrix {
 
 FrameHooks frameHooks;
+PageTables pageTables;
 
 namespace {
 
-std::map<int, StepRecord> stepTable;
-std::map<int, std::function<void(QFrame *)>> pageBuilders;
-std::map<int, TabRecord> tabTable;
 std::string unsaved;
 
 template <class Record> Record Registered(const std::map<int, Record> &table, int key)
 {
     const auto found = table.find(key);
     return found == table.end() ? Record() : found->second;
+}
+
+// Takes over what a field is told, once: a second one would overwrite the first unseen.
+template <class Call> void Tell(Call &known, const Call &told, const std::string &what)
+{
+    if (told && known)
+        throw std::logic_error(what + " is registered twice");
+    if (told)
+        known = told;
 }
 
 }  // namespace
@@ -113,33 +121,47 @@ void ShowCalPanel(bool on)
 
 void RegisterSteps(std::initializer_list<int> stepIds, const StepRecord &record)
 {
-    for (const int id : stepIds)
-        stepTable[id] = record;
+    for (const int id : stepIds) {
+        StepRecord &known = pageTables.steps[id];
+        Tell(known.enter, record.enter, "The way into step " + std::to_string(id));
+        Tell(known.allowed, record.allowed, "What allows step " + std::to_string(id));
+        known.takesInput = known.takesInput || record.takesInput;
+    }
 }
 
 StepRecord RecordOfStep(int stepId)
 {
-    return Registered(stepTable, stepId);
+    return Registered(pageTables.steps, stepId);
 }
 
-void RegisterPage(int index, std::function<void(QFrame *page)> build)
+bool StepIsAllowed(int stepId, int position)
 {
-    pageBuilders[index] = std::move(build);
+    const StepRecord record = RecordOfStep(stepId);
+    return !record.allowed || record.allowed(position);
+}
+
+void RegisterPage(int index, const std::function<void(QFrame *page)> &build)
+{
+    Tell(pageTables.pages[index], build, "Page " + std::to_string(index));
 }
 
 std::function<void(QFrame *page)> BuilderOfPage(int index)
 {
-    return Registered(pageBuilders, index);
+    return Registered(pageTables.pages, index);
 }
 
-void RegisterTab(int tab, TabRecord record)
+void RegisterTab(int tab, const TabRecord &record)
 {
-    tabTable[tab] = std::move(record);
+    TabRecord &known = pageTables.tabs[tab];
+    const std::string what = " of tab " + std::to_string(tab);
+    Tell(known.prepare, record.prepare, "The preparation" + what);
+    Tell(known.leave, record.leave, "The leaving" + what);
+    Tell(known.lastWords, record.lastWords, "The last words" + what);
 }
 
 TabRecord RecordOfTab(int tab)
 {
-    return Registered(tabTable, tab);
+    return Registered(pageTables.tabs, tab);
 }
 
 }  // namespace ombrix

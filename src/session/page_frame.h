@@ -6,7 +6,9 @@
 
 #include <functional>
 #include <initializer_list>
+#include <map>
 #include <string>
+#include <vector>
 
 class QFrame;
 
@@ -22,7 +24,7 @@ void ShowPage(int index);
 /// Opens the next allowed calibration step, wrapping to position 0. Nothing behind the last calibration position. In a
 /// procedure a wish, carried out when it has ended.
 void NextStep();
-/// Opens the step at a position, as a click on its button does; in a procedure a wish likewise.
+/// Opens the step at a position, as a click on its button does, if it is allowed; in a procedure a wish likewise.
 void OpenStep(int position);
 /// Marks a step button, -1 none.
 void HighlightStep(int index);
@@ -111,17 +113,20 @@ extern FrameHooks frameHooks;
 /// One step: how its page is opened, and what holds as long as it can't be.
 struct StepRecord {
     std::function<void()> enter;  ///< empty: this version has no page for it
-    /// Asked whenever the step's button may go on.
-    std::function<bool(int position)> allowed = [](int) { return true; };
+    /// Asked whenever the step's button may go on, and before the step opens by another way. Empty: always.
+    std::function<bool(int position)> allowed = {};
     bool takesInput = false;  ///< its page takes over the input that stands: on the TC tab it isn't removed before
 };
 
+/// Several files may tell of one step, each another field; std::logic_error when two of them tell the same one.
 void RegisterSteps(std::initializer_list<int> stepIds, const StepRecord &record);
 /// The record of a step id, an empty one when nobody has registered it.
 StepRecord RecordOfStep(int stepId);
+/// Whether a step at a position may open now.
+bool StepIsAllowed(int stepId, int position);
 
-/// `build` fills fraCalib(index), once, when the window is made.
-void RegisterPage(int index, std::function<void(QFrame *page)> build);
+/// `build` fills fraCalib(index), once, when the window is made. std::logic_error for a page that has one.
+void RegisterPage(int index, const std::function<void(QFrame *page)> &build);
 std::function<void(QFrame *page)> BuilderOfPage(int index);
 
 /// A tab that has the meter in its hands between its steps.
@@ -133,7 +138,15 @@ struct TabRecord {
     /// At Quit: what the instruments must still hear. Waits for no answer.
     std::function<void()> lastWords = {};
 };
-void RegisterTab(int tab, TabRecord record);
+void RegisterTab(int tab, const TabRecord &record);
 TabRecord RecordOfTab(int tab);
+
+/// What was registered: filled once in the life of the program.
+struct PageTables {
+    std::map<int, StepRecord> steps;
+    std::map<int, std::function<void(QFrame *page)>> pages;
+    std::map<int, TabRecord> tabs;
+};
+extern PageTables pageTables;
 
 }  // namespace ombrix

@@ -2,7 +2,7 @@
 //
 // Plain variables with their start values. What belongs to one link or page alone lives with it: the meter's identity
 // in links/meter_operations.h, the calibrator's flags in links/calibrator.h, the step context in
-// procedures/range_engine.h.
+// calibration/step_state.h.
 #pragma once
 
 #include <array>

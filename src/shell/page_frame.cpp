@@ -29,7 +29,7 @@ void BringToFront(int index)
 void FillFrameHooks()
 {
     frameHooks.showPage = BringToFront;
-    frameHooks.openStep = EnterStep;
+    frameHooks.openStep = EnterAllowedStep;
     frameHooks.openNextStep = EnterNextStep;
     frameHooks.highlightStep = MarkStep;
     frameHooks.showCalPanel = ShowPanel;

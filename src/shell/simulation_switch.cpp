@@ -75,6 +75,7 @@ void SwitchSimulation()
     if (!SimToggleAllowed)
         return;
     RunProcedure([] {
+        const NavigationLock lock;  // what is clicked while the lines close would do nothing
         ReleaseLinks();
         ResetSession();
         if (HardwareMode)

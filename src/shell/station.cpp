@@ -104,6 +104,8 @@ void FillOutlets()
 
 void RegisterPages()
 {
+    if (!pageTables.pages.empty())
+        return;
     RegisterSetupPage();
     RegisterInitPage();
     RegisterRangePage();

@@ -39,7 +39,7 @@ bool IsPosition(int index)
 // A captioned button may still have a reason to stay off: its page knows.
 bool IsAllowed(int position)
 {
-    return !cmdCalib[position]->text().isEmpty() && RecordOfStep(StepIds[position]).allowed(position);
+    return !cmdCalib[position]->text().isEmpty() && StepIsAllowed(StepIds[position], position);
 }
 
 void ShowAllowed(int position)
@@ -182,14 +182,22 @@ void EnterStep(int index)
     SelectStep(index);
 }
 
+void EnterAllowedStep(int index)
+{
+    if (IsPosition(index) && IsAllowed(index))
+        EnterStep(index);
+}
+
 void EnterNextStep()
 {
     if (CurrentStepButton > LastCalPosition)
         return;
-    int next = CurrentStepButton + 1;
-    while (next <= LastCalPosition && !IsAllowed(next))
-        ++next;
-    EnterStep(next > LastCalPosition ? 0 : next);
+    const int count = LastCalPosition + 1;
+    for (int ahead = 1; ahead <= count; ++ahead) {
+        const int next = (CurrentStepButton + ahead) % count;
+        if (IsAllowed(next))
+            return EnterStep(next);
+    }
 }
 
 void SelectStep(int index)

@@ -20,7 +20,7 @@ class Lock : public Steps
 TEST_F(Lock, NavigationIsLockedWhileAnEntryTalks)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] { DelayAlways(1000); });
+    RegisterProbe(Step::Range2V, [] { DelayAlways(1000); });
     person.Clicks(StepButton(4)).Waits(500).Does([] {
         EXPECT_FALSE(IsEnabled(StepButton(0)));
         EXPECT_FALSE(IsEnabled("cmdSetup"));
@@ -42,7 +42,6 @@ TEST_F(Lock, ButtonsThatAreFilledMeanwhileStayOffUntilItsEnd)
                     EXPECT_FALSE(IsEnabled(StepButton(2)));
                 }});
     ClickTab(kTabLc);
-    RegisterTab(kTabLc, {});
     EXPECT_TRUE(prepared);
     EXPECT_TRUE(IsEnabled(StepButton(2)));
 }
@@ -50,7 +49,7 @@ TEST_F(Lock, ButtonsThatAreFilledMeanwhileStayOffUntilItsEnd)
 TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] { SetNavigation(Navigation::Held); });
+    RegisterProbe(Step::Range2V, [] { SetNavigation(Navigation::Held); });
     Click(StepButton(4));
     EXPECT_FALSE(IsEnabled(StepButton(0)));
     EXPECT_FALSE(IsEnabled("cmdSetup"));
@@ -59,7 +58,7 @@ TEST_F(Lock, APageThatLocksNavigationItselfKeepsItLocked)
 TEST_F(Lock, AFaultInAnEntryGivesNavigationBackAndIsTold)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] { throw std::runtime_error("Input/output error"); });
+    RegisterProbe(Step::Range2V, [] { throw std::runtime_error("Input/output error"); });
     Click(StepButton(4));
     EXPECT_TRUE(IsEnabled(StepButton(0)));
     EXPECT_EQ(Text("lblRemark"), "Input/output error");

@@ -36,6 +36,41 @@ TEST_F(NextSteps, WrapsFromTheLastCalibrationPositionToInitNvm)
     }
 }
 
+TEST_F(NextSteps, WrapsToTheFirstAllowedOneAndStaysWhereNoneIs)
+{
+    EstablishSimulated();
+    ProbeAll();
+    bool allowed = true;
+    RegisterProbe(
+        StepIds[0], [] { FAIL() << "it isn't allowed"; }, [](int) { return false; });
+    for (int position = 1; position <= StepButtonCount(); position++)
+        pageTables.steps[StepIds[position]].allowed = [&allowed](int) { return allowed; };
+    HighlightStep(StepButtonCount());
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 1);
+    EXPECT_EQ(opened, std::vector{StepIds[1]});
+    allowed = false;
+    NextStep();
+    EXPECT_EQ(CurrentStepButton, 1);
+    EXPECT_EQ(opened.size(), 1U);
+}
+
+TEST_F(NextSteps, AStepThatIsNotAllowedIsNotOpenedByItsPositionEither)
+{
+    EstablishSimulated();
+    ProbeAll();
+    bool allowed = false;
+    RegisterProbe(
+        StepIds[5], [this] { opened.push_back(StepIds[5]); }, [&allowed](int) { return allowed; });
+    OpenStep(5);
+    OpenStep(kPositions);
+    EXPECT_EQ(CurrentStepButton, -1);
+    allowed = true;
+    OpenStep(5);
+    EXPECT_EQ(CurrentStepButton, 5);
+    EXPECT_EQ(opened.size(), 1U);
+}
+
 TEST_F(NextSteps, FromAServiceButtonDoesNothing)
 {
     EstablishSimulated();
@@ -54,7 +89,8 @@ TEST_F(NextSteps, OnTheAnalogTabLooksAtNoButtonBehindTheLast)
     Click(StepButton(16));
     NextStep();
     EXPECT_EQ(CurrentStepButton, 0);
-    EXPECT_EQ(opened.back(), 42);
+    EXPECT_EQ(opened.back(), StepIds[0]);
+    EXPECT_EQ(Text(StepButton(0)), "Init NVMEM");
 }
 
 TEST_F(NextSteps, AsksWhatIsAllowedAndNotWhichButtonsHappenToBeOn)
@@ -74,18 +110,18 @@ TEST_F(NextSteps, AStepIsOpenedByItsPositionToo)
     ProbeAll();
     OpenStep(5);
     EXPECT_EQ(CurrentStepButton, 5);
-    EXPECT_EQ(opened, (std::vector{6}));
+    EXPECT_EQ(opened, std::vector{StepIds[5]});
 }
 
 TEST_F(NextSteps, FromInsideAProcedureFollowsItsEnd)
 {
     EstablishSimulated();
     std::string order;
-    RegisterProbe(5, [&] {
+    RegisterProbe(StepIds[4], [&] {
         NextStep();
         order += "end ";
     });
-    RegisterProbe(6, [&] { order += "next"; });
+    RegisterProbe(StepIds[5], [&] { order += "next"; });
     Click(StepButton(4));
     EXPECT_EQ(order, "end next");
     EXPECT_EQ(CurrentStepButton, 5);

@@ -94,18 +94,14 @@ TEST_F(PageFrames, TheDiagramsGrowWithTheWindowAndThePageKeepsMore)
 TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
 {
     int built = 0;
-    const auto build = BuilderOfPage(17);
     CloseStation();
-    FillOutlets();
-    RegisterPages();
-    RegisterPage(17, [&](QFrame *page) {
+    pageTables.pages[17] = [&, build = BuilderOfPage(17)](QFrame *page) {
         ++built;
         EXPECT_EQ(page->objectName(), "fraCalib(17)");
         build(page);
-    });
-    OpenStation();
+    };
+    OpenWholeStation(Painted::No);
     EXPECT_EQ(built, 1);
-    RegisterPage(17, build);
 }
 
 TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)
@@ -129,7 +125,7 @@ TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
     Press(Qt::Key_Escape);
     EXPECT_FALSE(Abort);
     bool stopped = false;
-    RegisterProbe(5, [&] {
+    RegisterProbe(Step::Range2V, [&] {
         while (!Abort)
             PumpEvents(kForever);
         stopped = true;
@@ -137,7 +133,7 @@ TEST_F(PageFrames, EscStopsAProcedureAndNothingElse)
     person.Clicks(StepButton(4)).Waits(100).Presses(Qt::Key_Escape);
     ASSERT_TRUE(person.Runs());
     EXPECT_TRUE(stopped);
-    RegisterProbe(6, [] { EXPECT_FALSE(Abort) << "what Esc ended is over"; });
+    RegisterProbe(Step::Range20V, [] { EXPECT_FALSE(Abort) << "what Esc ended is over"; });
     Click(StepButton(5));
     EXPECT_EQ(CurrentStepButton, 5);
 }
@@ -146,7 +142,7 @@ TEST_F(PageFrames, AHeldEscStopsOnce)
 {
     EstablishSimulated();
     bool stoppedAgain = false;
-    RegisterProbe(5, [&] {
+    RegisterProbe(Step::Range2V, [&] {
         WaitForOperator([] { return false; });
         Abort = false;
         DelayAlways(1000);  // the way out

@@ -51,7 +51,7 @@ protected:
     }
 
     /// A page's procedure: `body` runs at the click on position 4 of a DC meter.
-    void Procedure(std::function<void()> body) { RegisterProbe(5, std::move(body)); }
+    void Procedure(std::function<void()> body) { RegisterProbe(Step::Range2V, std::move(body)); }
 
     static void ExpectSaved()
     {

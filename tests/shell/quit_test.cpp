@@ -252,7 +252,7 @@ TEST_F(QuitProcedure, NothingStartsWhileTheLastWordsAreSpoken)
         ArmStop();
         DelayMs(60'000);
     });
-    RegisterProbe(6, [&] { ++started; });
+    RegisterProbe(Step::Range20V, [&] { ++started; });
     person.Clicks(StepButton(4)).Waits(100).Does([] { SetNavigation(Navigation::Open); });
     ClicksQuit().Waits(300).Does([&] {
         EXPECT_FALSE(IsEnabled(StepButton(5)));

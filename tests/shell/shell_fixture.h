@@ -4,6 +4,7 @@
 #include "links/calibrator_line.h"
 #include "links/meter_simulator.h"
 #include "model/settings.h"
+#include "model/step_ids.h"
 #include "platform/clock.h"
 #include "session/delays.h"
 #include "session/outlets.h"
@@ -39,11 +40,7 @@ class ShellTest : public ::testing::Test
 {
 protected:
     ShellTest() { Stands({}); }
-    ~ShellTest() override
-    {
-        for (auto &[id, record] : m_replaced)
-            RegisterSteps({id}, record);
-    }
+    ~ShellTest() override { pageTables = m_registered; }
 
     static bool Sees(const std::string &name) { return ScriptedOperator::Sees(name); }
     static bool IsOn(const std::string &name) { return ScriptedOperator::IsOn(name); }
@@ -141,19 +138,11 @@ protected:
     std::uint16_t WordOf(std::size_t word) const { return bench->Nvm().at(word); }
 
     /// Puts a probe in the place of a step's page until the test ends.
-    void RegisterProbe(int stepId, std::function<void()> enter)
-    {
-        StepRecord record = RecordOfStep(stepId);
-        m_replaced.emplace_back(stepId, record);
-        record.enter = std::move(enter);
-        RegisterSteps({stepId}, record);
-    }
+    void RegisterProbe(int stepId, std::function<void()> enter) { pageTables.steps[stepId].enter = std::move(enter); }
     void RegisterProbe(int stepId, std::function<void()> enter, std::function<bool(int position)> allowed)
     {
         RegisterProbe(stepId, std::move(enter));
-        StepRecord record = RecordOfStep(stepId);
-        record.allowed = std::move(allowed);
-        RegisterSteps({stepId}, record);
+        pageTables.steps[stepId].allowed = std::move(allowed);
     }
 
     Station station;
@@ -167,7 +156,7 @@ protected:
     static constexpr int kTypeWord = 109;
 
 private:
-    std::vector<std::pair<int, StepRecord>> m_replaced;
+    PageTables m_registered = pageTables;  // the station's own, put back after the test
     std::int64_t m_since = 0;
 };
 

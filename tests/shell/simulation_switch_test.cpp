@@ -132,6 +132,22 @@ TEST_F(SimulationSwitch, ClosesBothPortsAndAnOpenCalibratorHearsStandbyAndLocalF
     EXPECT_EQ(CalPort, 2);
 }
 
+TEST_F(SimulationSwitch, NothingCanBeChosenWhileTheLinesClose)
+{
+    bench->SwitchFault("silent-meter", true);
+    Click("cmdEstablish");
+    ASSERT_TRUE(comCAL.IsOpen());
+    DoublyClicks("lblCalOut").Waits(50).Does([] {
+        EXPECT_TRUE(comCAL.IsOpen());
+        EXPECT_FALSE(IsEnabled("cmdEstablish"));
+        EXPECT_FALSE(IsEnabled("optManual"));
+    });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_FALSE(comCAL.IsOpen());
+    EXPECT_TRUE(IsEnabled("cmdEstablish"));
+    EXPECT_TRUE(IsEnabled("optManual"));
+}
+
 TEST_F(SimulationSwitch, ACalibratorThatIsNoLongerChosenHearsThemToo)
 {
     bench->SwitchFault("silent-meter", true);
@@ -157,7 +173,7 @@ TEST_F(SimulationSwitch, GoingBackReturnsToWhatRealMetersTaught)
 TEST_F(SimulationSwitch, TheMarkIsDeafWhileAProcedureRuns)
 {
     EstablishSimulated();
-    RegisterProbe(5, [] {
+    RegisterProbe(Step::Range2V, [] {
         SetNavigation(Navigation::Open);  // a page that leaves navigation open
         DelayAlways(2000);
     });

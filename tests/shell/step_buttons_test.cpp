@@ -177,7 +177,7 @@ TEST_F(Steps, AStepWithoutAPageShowsTheEmptyOne)
 {
     EstablishSimulated();
     ShowPage(1);
-    RegisterProbe(5, {});
+    RegisterProbe(Step::Range2V, {});
     Click(StepButton(4));
     EXPECT_EQ(Page(), 0);
     EXPECT_EQ(CurrentStepId, 5);
@@ -216,7 +216,7 @@ TEST_F(Steps, SelectStepClearsWhatAnEarlierProcedureLeft)
     EstablishSimulated();
     StopArmed = StopRequested = true;
     SimOneDecimal = true;
-    RegisterProbe(5, [] {
+    RegisterProbe(Step::Range2V, [] {
         EXPECT_FALSE(Abort);
         EXPECT_FALSE(StopArmed);
         EXPECT_FALSE(StopRequested);
@@ -231,7 +231,7 @@ TEST_F(Steps, AStepClickStopsALiveLoopAndFollowsAfterOneSecond)
 {
     EstablishOnLines();
     std::string order;
-    RegisterProbe(5, [&] {
+    RegisterProbe(Step::Range2V, [&] {
         SetNavigation(Navigation::Open);
         ArmStop();
         while (!StopRequested)
@@ -241,7 +241,7 @@ TEST_F(Steps, AStepClickStopsALiveLoopAndFollowsAfterOneSecond)
     });
     std::int64_t clicked = 0;
     std::int64_t entered = 0;
-    RegisterProbe(6, [&] {
+    RegisterProbe(Step::Range20V, [&] {
         entered = clock.Elapsed();
         order += "next";
     });

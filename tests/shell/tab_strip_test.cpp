@@ -221,7 +221,6 @@ TEST_F(TabStrip, AFaultOnTheWayGivesNavigationBack)
     EstablishSimulated();
     RegisterTab(kTabLc, {.prepare = [] { throw std::runtime_error("a fault"); }});
     ClickTab(kTabLc);
-    RegisterTab(kTabLc, {});
     EXPECT_TRUE(IsEnabled("cmdSetup"));
     EXPECT_TRUE(TabChangeAllowed);
     EXPECT_FALSE(ProcedureRunning());
@@ -232,12 +231,11 @@ TEST_F(TabStrip, TheAnalogTabHidesThePanelAndPreparesItsPage)
 {
     EstablishSimulated();
     int prepared = 0;
-    RegisterTab(kTabAnaCal, {.prepare = [&] {
-                    ++prepared;
-                    EXPECT_EQ(CurrentStepButton, -1);
-                }});
+    pageTables.tabs[kTabAnaCal].prepare = [&] {
+        ++prepared;
+        EXPECT_EQ(CurrentStepButton, -1);
+    };
     ClickTab(kTabAnaCal);
-    RegisterTab(kTabAnaCal, {});
     EXPECT_EQ(prepared, 1);
     EXPECT_FALSE(Sees("fraCalOut"));
     EXPECT_EQ(SCType, kDc) << "the board stays";
@@ -261,14 +259,13 @@ TEST_F(TabStrip, ATabIsLeftBeforeTheIdentityOfWhateverMeterIsReadAndBeforeSetup)
     EXPECT_EQ(saidWhenLeft.size(), 2U) << "the tab that is open is left and opened again";
     Click("cmdSetup");
     EXPECT_EQ(saidWhenLeft.size(), 3U);
-    RegisterTab(kTabDc, {});
 }
 
 TEST_F(TabStrip, ATabLeftForAStepGoesBackToTheOpenOne)
 {
     EstablishSimulated();
     bool stopped = false;
-    RegisterProbe(2, [&] {
+    RegisterProbe(Step::Gnd, [&] {
         while (!Abort)
             PumpEvents(100);
         DelayAlways(500);  // it takes its time to end
