@@ -8,6 +8,7 @@
 #include "session/journal.h"
 #include "session/state.h"
 
+#include <algorithm>
 #include <set>
 #include <utility>
 
@@ -17,8 +18,9 @@ namespace {
 // Words that this visit's rounds have written.
 std::set<int> writtenWords;
 std::string writtenIn;
+bool writtenFirst = false;  // the round in work was the first to write its word
 
-bool IsAsFound(int word)
+bool WritesFirst(int word)
 {
     if (writtenIn != CurrentVisit()) {
         writtenIn = CurrentVisit();
@@ -39,26 +41,29 @@ void RecordOfStep(std::string_view kind, int position, const JournalFields &more
     Record(kind, fields);
 }
 
+void NoteStepWordWritten()
+{
+    writtenFirst = WritesFirst(GetStepNvmWord());
+}
+
 void RecordStepOpened(int position)
 {
+    writtenFirst = false;
     RecordOfStep("step opened", position,
                  {{"found", GetStepWordHex()}, {"target", GetTargetCounts()}, {"value", GetCalValue()}});
 }
 
 void RecordRound(int position, const RoundRecord &round)
 {
-    RecordOfStep("round", position,
-                 {{"round", round.number},
-                  {"target", GetTargetCounts()},
-                  {"asked", round.asked},
-                  {"reported", round.reported},
-                  {"before", round.before},
-                  {"wordBefore", round.wordBefore},
-                  {"wordAfter", round.word},
-                  {"limited", round.limited},
-                  {"reading", round.reading},
-                  {"error", round.error},
-                  {"asFound", IsAsFound(GetStepNvmWord())}});
+    const bool first = std::exchange(writtenFirst, false);
+    JournalFields fields = {
+        {"round", round.number},      {"target", GetTargetCounts()}, {"asked", round.asked},
+        {"reported", round.reported}, {"before", round.before},      {"wordBefore", round.wordBefore},
+        {"wordAfter", round.word},    {"limited", round.limited},    {"reading", round.reading}};
+    if (std::find(round.reading.begin(), round.reading.end(), "") == round.reading.end())
+        fields.emplace_back("error", round.error);
+    fields.emplace_back("asFound", WritesFirst(GetStepNvmWord()) || first);
+    RecordOfStep("round", position, fields);
 }
 
 std::string HowEnded(Ended ended)
@@ -70,6 +75,7 @@ std::string HowEnded(Ended ended)
 
 void RecordStepEnded(int position, const StepEnd &end)
 {
+    writtenFirst = false;
     JournalFields more = {{"how", end.how}, {"stays", end.word}};
     if (!end.reading.empty())
         more.insert(more.end(), {{"reading", end.reading}, {"error", end.error}});

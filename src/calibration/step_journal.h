@@ -19,7 +19,11 @@ void RecordOfStep(std::string_view kind, int position, const JournalFields &more
 /// The step's page has put the meter on its range; the word found in it is GetStepWordHex, "" when it did not answer.
 void RecordStepOpened(int position);
 
-/// One round, as it came. The first of a visit that has not written this word before is the as-found reading.
+/// The round in work has written the step's word: whatever becomes of it, no later one finds the meter as it came.
+void NoteStepWordWritten();
+
+/// One round, as it came; one that was broken off behind its correction too. The first of a visit to write this word
+/// holds the as-found reading.
 struct RoundRecord {
     int number = 1;
     std::vector<std::string> asked;     ///< values for the calibrator, of each polarity
@@ -28,7 +32,7 @@ struct RoundRecord {
     std::string wordBefore;
     std::string word;
     bool limited = false;
-    std::vector<std::string> reading;  ///< with the new word
+    std::vector<std::string> reading;  ///< with the new word; "" where none was taken, then it has no error
     std::int32_t error = 0;            ///< counts
 };
 void RecordRound(int position, const RoundRecord &round);
@@ -40,7 +44,7 @@ std::string HowEnded(Ended ended);
 /// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left where
 /// the step has them.
 struct StepEnd {
-    std::string how;  ///< "accepted", or as HowEnded says
+    std::string how;  ///< "accepted", "quit" at the end of the program, or as HowEnded says
     std::string word;
     std::vector<std::string> reading;
     std::int32_t error = 0;

@@ -53,6 +53,16 @@ void TakeVisit(const JournalEvent &event)
             TextOf(event, "revision") + ", identified " + event.utc;
 }
 
+// A round has written the word of a step: what was accepted before no longer stands in the meter, unless the same
+// value does.
+void TakeWritten(const std::string &word, const std::string &stays = "")
+{
+    for (auto &[place, state] : steps)
+        if (state.word == word && state.stays != stays && state.how == "accepted")
+            state.how = "written again";
+}
+
+// Two steps may share a word: what stays in it counts for both.
 void TakeEnd(const JournalEvent &event)
 {
     StepState state;
@@ -63,15 +73,9 @@ void TakeEnd(const JournalEvent &event)
     state.reading = Joined(TextsOf(event, "reading"));
     if (FieldOf(event, "error"))
         state.error = Signed(static_cast<int>(NumberOf(event, "error")));
+    if (!state.stays.empty())
+        TakeWritten(state.word, state.stays);
     steps[{TextOf(event, "board"), static_cast<int>(NumberOf(event, "position"))}] = state;
-}
-
-// A round has written the word of a step: what was accepted before no longer stands in the meter.
-void TakeWritten(const std::string &word)
-{
-    for (auto &[place, state] : steps)
-        if (state.word == word && state.how == "accepted")
-            state.how = "written again";
 }
 
 void Take(const JournalEvent &event)
