@@ -11,7 +11,6 @@
 #include "model/range_names.h"
 #include "model/range_tables.h"
 #include "model/step_ids.h"
-#include "platform/clock.h"
 #include "platform/text.h"
 #include "session/live_output.h"
 #include "session/page_frame.h"
@@ -32,7 +31,7 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
+#include <exception>
 #include <string>
 #include <vector>
 
@@ -40,7 +39,6 @@ namespace ombrix {
 namespace {
 
 constexpr int kRangePage = 4;
-constexpr int kPatienceMs = 1000;  // a Stop so soon after the click that ended the rounds belongs to that click
 
 // ---- what the page knows ----
 
@@ -50,6 +48,7 @@ struct Round {
     std::string word;                   // the corrected one, "" as long as there is none
     std::array<std::string, 2> reading;
     std::int32_t error = 0;
+    bool recorded = false;
 };
 
 enum class Wish { None, Repeat, Accept, Reset };
@@ -62,10 +61,10 @@ struct RangePage {
     std::string cable;                    // what to say of it, "" nothing
     std::string word;                     // now in the meter
     std::vector<Round> rounds;
-    int chosen = -1;   // the round that Accept keeps
-    int polarity = 0;  // the input now applied
+    int chosen = -1;                      // the round that Accept keeps
+    int polarity = 0;                     // the input now applied
+    Following lost = Following::Stopped;  // why the reading that was followed is no longer the meter's
     Wish wish = Wish::None;
-    std::optional<Deadline> patience;  // while the page is left
 };
 RangePage page;
 
@@ -90,6 +89,7 @@ const Prompt kPromptStop = {"Click \"Stop\" to stop calibrating this range"};
 const Prompt kPromptRepeat = {"Click \"Repeat\" to repeat this range"};
 const Prompt kPromptLimited = {"Required correction exceeds allowable range", true};
 const Prompt kPromptLeaving = {"Removing the input"};
+const Prompt kPromptStopped = {"Stopped before the step was open:\r\nclick the step again"};
 const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
 
 // Ready and Repeat share a place.
@@ -175,6 +175,11 @@ void FreezeReadings()
 Prompt PromptOfRound()
 {
     Prompt prompt = GetCorrectionLimited() ? kPromptLimited : kPromptRepeat;
+    if (page.lost != Following::Stopped) {
+        const std::string why = page.lost == Following::OverRange ? "The display is over range, its last reading stands"
+                                                                  : "The meter fell silent, its last reading stands";
+        prompt = {GetCorrectionLimited() ? kPromptLimited.text + "\r\n" + why : why, true};
+    }
     if (ReadingIsFar()) {
         prompt.text += "\r\nReading is far from the target: check input, jumpers and wires";
         prompt.trouble = true;
@@ -207,6 +212,7 @@ void BeginRound()
 {
     Round round;
     round.wordBefore = page.word;
+    page.lost = Following::Stopped;
     page.rounds.push_back(round);
     const std::string number = std::to_string(page.rounds.size());
     AddGridRow(view.msgCalibGrid, {number, DesiredText(), "", page.word}, page.turnover ? 2 : 1);
@@ -224,9 +230,21 @@ bool ApplyPolarity()
     return !Abort;
 }
 
+// A round waits for its reading however long; the operator sees what for.
+void ShowDisplay(DisplayState now)
+{
+    if (now == DisplayState::Silent)
+        ShowPrompt(view.states, {"The meter does not answer:\r\ncheck its line, or click \"Stop\"", true});
+    else if (now == DisplayState::OverRange)
+        ShowPrompt(view.states, {"The display is over range:\r\ncheck the input, or click \"Stop\"", true});
+    else
+        ShowPrompt(view.states,
+                   page.rounds.back().word.empty() || !GetCorrectionLimited() ? kPromptStop : kPromptLimited);
+}
+
 bool TakeInto(std::array<std::string, 2> &readings)
 {
-    readings[static_cast<std::size_t>(page.polarity)] = TakeReading(page.polarity);
+    readings[static_cast<std::size_t>(page.polarity)] = TakeReading(page.polarity, ShowDisplay);
     return !Abort;
 }
 
@@ -252,6 +270,7 @@ bool TakeFirstReadings()
 void CorrectWord(bool first)
 {
     page.word = page.rounds.back().word = ComputeCorrectedWord(first);
+    NoteStepWordWritten();
     ShowCell(kNewCalib, page.word);
     if (GetCorrectionLimited())
         ShowPrompt(view.states, kPromptLimited);
@@ -274,11 +293,9 @@ bool TakeNewReadings()
 // The frozen number is no longer the meter's.
 void ShowNoReading(Following ended)
 {
-    const bool over = ended == Following::OverRange;
-    ShowTrouble(view.lblNewReading, over ? "over range" : "silent");
-    ShowPrompt(view.states, {over ? "The display is over range, its last reading stands"
-                                  : "The meter fell silent, its last reading stands",
-                             true});
+    page.lost = ended;
+    ShowTrouble(view.lblNewReading, ended == Following::OverRange ? "over range" : "silent");
+    ShowPrompt(view.states, PromptOfRound());
 }
 
 // Of both polarities, or of the only one.
@@ -287,9 +304,13 @@ std::vector<std::string> OfUse(const std::array<std::string, 2> &pair)
     return page.turnover ? std::vector{pair[0], pair[1]} : std::vector{pair[0]};
 }
 
+// Once it has written its word, however far it came then.
 void RecordRoundInWork()
 {
-    const Round &round = page.rounds.back();
+    Round &round = page.rounds.back();
+    if (round.word.empty() || round.recorded)
+        return;
+    round.recorded = true;
     RecordRound(page.position,
                 {static_cast<int>(page.rounds.size()), OfUse(page.value), OfUse(page.reported), OfUse(round.before),
                  round.wordBefore, round.word, GetCorrectionLimited(), OfUse(round.reading), round.error});
@@ -378,26 +399,33 @@ void AcceptRange()
 void LeaveRange(Ended ended)
 {
     ShowPageState(view.states, kLeaving);
-    page.patience.emplace(kPatienceMs);
     RemoveInput();
+    RecordRoundInWork();
     if (ended == Ended::Done && page.wish == Wish::Accept)
         AcceptRange();
     else
         RecordEnd(HowEnded(ended), page.rounds.back());
     WaitForReady();
+    if (ended == Ended::Fault)
+        ShowPrompt(view.states, PromptOfFault(FaultWords()));
+}
+
+void NoteQuit()
+{
+    RecordRoundInWork();
+    RecordEnd("quit", page.rounds.back());
 }
 
 // ---- the operator: wishes only, the procedure does the work ----
 
 void cmdReady_Click()
 {
-    RunPageProcedure(RunRounds, LeaveRange);
+    RunPageProcedure(RunRounds, LeaveRange, NoteQuit);
 }
 
 void Wants(Wish wish, State state)
 {
     page.wish = wish;
-    page.patience.emplace(kPatienceMs);
     ShowPageState(view.states, state);
     RequestStop();
 }
@@ -416,7 +444,7 @@ void cmdStopReset_Click()
 {
     if (view.states.now == kWatching || view.states.now == kAccepting)
         Wants(Wish::Reset, kLeaving);
-    else if (view.states.now != kLeaving || page.patience->Passed())
+    else
         StopWork();
 }
 
@@ -444,7 +472,7 @@ void LoadRange()
     SetGridColumns(view.msgCalibGrid, page.turnover ? kTurnoverColumns : kPlainColumns);
 }
 
-void EnterRangePage()
+void OpenRange()
 {
     LoadRange();
     ShowPageState(view.states, kOpening);
@@ -456,13 +484,23 @@ void EnterRangePage()
     ApplyStepToMeter();
     page.word = GetStepWordHex();
     // Without the word there is nothing to correct; the way back is the step's button.
-    if (page.word.empty()) {
-        ShowPageState(view.states, kNoWord);
-        return;
-    }
+    if (Abort)
+        return ShowPageState(view.states, kNoWord, kPromptStopped);
+    if (page.word.empty())
+        return ShowPageState(view.states, kNoWord);
     CableConnected(GetRangeCodeIndex());
     RecordStepOpened(page.position);
     ShowPageState(view.states, kWaiting);
+}
+
+void EnterRangePage()
+{
+    try {
+        OpenRange();
+    } catch (const std::exception &fault) {
+        ShowPageState(view.states, kNoWord, PromptOfFault(fault.what()));
+        throw;
+    }
 }
 
 // ---- the way it is built ----

@@ -47,6 +47,11 @@ void ShowControls(const PageStates &states, const PageState &now)
 
 }  // namespace
 
+Prompt PromptOfFault(const std::string &words)
+{
+    return {"A fault ended this: " + words, true};
+}
+
 void ShowPageState(PageStates &states, int state)
 {
     ShowPageState(states, state, RowOf(states, state).prompt);

@@ -22,6 +22,9 @@ struct Prompt {
     Tone tone = Tone::Asks;
 };
 
+/// What a page says when a run-time fault has ended its work.
+Prompt PromptOfFault(const std::string &words);
+
 struct PageState {
     int state;
     std::vector<QWidget *> on;  ///< all other controls of the table are off

@@ -6,6 +6,7 @@
 #include "session/outlets.h"
 #include "shell/station.h"
 #include "support/bench_station.h"
+#include "testbench/boards.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -114,6 +115,41 @@ TEST(JournalOfASession, TellsAStopAndTheWordThatStays)
     EXPECT_TRUE(EventsOf("learned").empty());
 }
 
+TEST(JournalOfASession, TellsAStepThatQuitEnded)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    station.person.Clicks(StepButton(k2Volts)).Clicks("cmdReady").WaitsFor("cmdRepeat").Clicks("cmdQuit");
+    station.person.Runs();
+    const auto ends = EventsOf("step ended");
+    ASSERT_EQ(ends.size(), 1U);
+    EXPECT_EQ(TextOf(ends[0], "how"), "quit");
+    EXPECT_EQ(std::stoi(TextOf(ends[0], "stays"), nullptr, 16), station.bench.Nvm()[32]);
+}
+
+TEST(JournalOfASession, KeepsTheRoundThatAStopBrokeOffBehindItsWriteAndCallsNoLaterOneAsFound)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    const int found = station.bench.Nvm()[32];
+    station.person.Clicks(StepButton(k2Volts)).WaitsFor("cmdReady").Clicks("cmdReady");
+    station.person.WaitsUntil("the word is written", [&] { return station.bench.Nvm()[32] != found; });
+    station.person.Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(station.person.Runs());
+    const int written = station.bench.Nvm()[32];
+    station.person.Clicks("cmdReady").WaitsFor("cmdRepeat").Clicks("cmdStopReset").WaitsFor("cmdReady");
+    ASSERT_TRUE(station.person.Runs());
+
+    const auto rounds = EventsOf("round");
+    ASSERT_EQ(rounds.size(), 2U);
+    EXPECT_TRUE(Flag(rounds[0], "asFound"));
+    EXPECT_EQ(std::stoi(TextOf(rounds[0], "wordAfter"), nullptr, 16), written);
+    EXPECT_EQ(FieldOf(rounds[0], "error"), nullptr) << "nothing was read with the new word";
+    EXPECT_FALSE(Flag(rounds[1], "asFound"));
+    EXPECT_NE(FieldOf(rounds[1], "error"), nullptr);
+    EXPECT_EQ(std::stoi(TextOf(rounds[1], "wordBefore"), nullptr, 16), written);
+}
+
 TEST(JournalOfASession, ChangesNothingOnTheWireNorItsTimes)
 {
     const Passed recorded = Calibrated(true);
@@ -160,4 +196,26 @@ TEST(StepMarks, StandOnAcceptedStepsUntilTheirWordIsWrittenAgainOrAnotherMeterCo
     station.person.ClicksTab(0).WaitsUntil("the tab is read", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
     ASSERT_TRUE(station.person.Runs());
     EXPECT_EQ(MarkOf(k2Volts), "") << "no meter can tell its number: this may be another one";
+}
+
+TEST(StepMarks, OfTwoStepsThatShareAWordGoWhenTheOtherLeavesAnotherValueInIt)
+{
+    constexpr int k200mV = 1;  // on the AC board it shares its word with the step two below
+    BenchStation station(Wiring{.bench = {.board = bench::board::kAc}});
+    ASSERT_TRUE(station.Establishes());
+    ASSERT_TRUE(station.Calibrates(k200mV, 2));
+    ASSERT_THAT(MarkOf(k200mV), testing::StartsWith("✓ "));
+    const JournalEvent accepted = EventsOf("step ended").back();
+    const auto ends = [&accepted](const std::string &stays) {
+        Record("step ended", {{"step", "20 V"},
+                              {"board", TextOf(accepted, "board")},
+                              {"position", k200mV + 2},
+                              {"word", TextOf(accepted, "word")},
+                              {"how", "stopped"},
+                              {"stays", stays}});
+    };
+    ends(TextOf(accepted, "stays"));
+    EXPECT_THAT(MarkOf(k200mV), testing::StartsWith("✓ "));
+    ends("1234");
+    EXPECT_EQ(MarkOf(k200mV), "");
 }

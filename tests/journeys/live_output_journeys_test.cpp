@@ -1,6 +1,7 @@
 // What the operator sees of a dangerous output when its calibrator, its line or the meter fails him, in whole sessions.
 
 #include "journeys/page_loops.h"
+#include "links/calibrator.h"
 #include "platform/clock.h"
 #include "session/journal_reader.h"
 #include "session/state.h"
@@ -355,9 +356,12 @@ TEST_F(ByHand, EscAtTheRemovalOfQuitSaysThatNothingWasRemovedAndEndsTheProgram)
     Applies();
     Person().Waits(500).Clicks("cmdQuit");
     Person().WaitsUntil("he is asked to remove it", [] { return Asked("Remove Input"); });
-    Person().Presses(Qt::Key_Escape).WaitsUntil("the program ends", [] { return Quitting; });
+    Person().Presses(Qt::Key_Escape);
     Person().Runs();
     EXPECT_TRUE(Quitting);
+    EXPECT_EQ(ScriptedOperator::Text("lblOutput"), "660.0 V") << "the last that he saw";
+    EXPECT_EQ(ScriptedOperator::Text("lblFlag"), "DANGER");
+    EXPECT_FALSE(CalStandbyFlag);
     EXPECT_FALSE(frmOmbrix->isVisible());
 }
 

@@ -276,7 +276,9 @@ TEST_F(WiredRange, EscapeAgainWhileTheInputIsRemovedLeavesTheCalibratorInStandby
         .WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_FALSE(Operates());
-    EXPECT_FALSE(CalStandbyFlag) << "it was not confirmed, so the next removal speaks again";
+    EXPECT_TRUE(CalStandbyFlag) << "it is confirmed all the same";
+    EXPECT_FALSE(Sees("lblAlert"));
+    EXPECT_EQ(Text("lblFlag"), "SAFE");
     EXPECT_TRUE(IsEnabled("cmdSetup"));
     Opens().Clicks("cmdReady").WaitsFor("cmdRepeat");
     EXPECT_TRUE(person->Runs()) << "and nothing of it is left over";

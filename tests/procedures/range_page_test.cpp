@@ -136,10 +136,29 @@ TEST_F(SimulatedRange, FaultInTheMiddleGivesThePageBack)
     Opens(4).Clicks("cmdReady").WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(told, "a fault");
+    EXPECT_EQ(Text("lblInst(0)"), "A fault ended this: a fault");
+    EXPECT_EQ(Fill("shpInst(0)"), "#ff0000");
     EXPECT_EQ(Rows(), 0);
     EXPECT_TRUE(IsEnabled("cmdSetup"));
     EXPECT_TRUE(CalStandbyFlag);
     EXPECT_FALSE(ProcedureRunning());
+    person->Clicks("cmdReady").WaitsFor("cmdRepeat").Does([] { EXPECT_NE(Fill("shpInst(0)"), "#ff0000"); });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(SimulatedRange, FaultOnTheWayInIsToldOnThePageWhichStaysClosed)
+{
+    Establishes();
+    const auto draws = frameHooks.showConnectionDiagram;
+    frameHooks.showConnectionDiagram = [](int) { throw std::runtime_error("a fault"); };
+    person->Clicks(StepButton(4)).WaitsUntil("the entry ends", [] { return IsEnabled("cmdSetup"); });
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(Text("lblInst(0)"), "A fault ended this: a fault");
+    EXPECT_EQ(Fill("shpInst(0)"), "#ff0000");
+    EXPECT_FALSE(IsEnabled("cmdReady"));
+    frameHooks.showConnectionDiagram = draws;
+    Opens(4).Does([] { EXPECT_NE(Fill("shpInst(0)"), "#ff0000"); });
+    EXPECT_TRUE(person->Runs());
 }
 
 TEST_F(SimulatedRange, ReadyClickedTwiceStartsOneCalibration)

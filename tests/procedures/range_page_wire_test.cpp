@@ -340,6 +340,41 @@ TEST_F(WiredRange, WithoutTheWordOfTheMeterReadyStaysOff)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(WiredRange, AStepThatEscKeptFromOpeningSaysThatItWasStoppedAndBlamesNoMeter)
+{
+    person->Clicks(StepButton(4)).Waits(300).Presses(Qt::Key_Escape).WaitsUntil("the entry ends", [] {
+        return IsEnabled("cmdSetup");
+    });
+    ASSERT_TRUE(person->Runs());
+    EXPECT_FALSE(IsEnabled("cmdReady"));
+    EXPECT_EQ(Text("lblInst(0)"), "Stopped before the step was open:\nclick the step again");
+    EXPECT_NE(Fill("shpInst(0)"), "#ff0000");
+    Opens();
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRange, AClickOnARowLeavesTheSilenceInRed)
+{
+    ShowsAFirstRound();
+    Calibrates()
+        .Does([this] { bench->SwitchFault("silent-meter", true); })
+        .WaitsUntil("the live reading ends", IsMarked("silent"))
+        .Waits(2000)
+        .ClicksCell("msgCalibGrid", 0, 1)
+        .Does([] {
+            EXPECT_EQ(Text("lblInst(0)"), "The meter fell silent, its last reading stands");
+            EXPECT_EQ(Fill("shpInst(0)"), "#ff0000");
+        })
+        .Does([this] {
+            bench->SwitchFault("silent-meter", false);
+            bench->ShowNext({});
+        })
+        .Clicks("cmdRepeat")
+        .WaitsUntil("round 2 is watched", Watches(2))
+        .Does([] { EXPECT_NE(Fill("shpInst(0)"), "#ff0000"); });
+    EXPECT_TRUE(person->Runs());
+}
+
 TEST_F(WiredRange, SilenceInTheLiveReadingLeavesTheButtons)
 {
     ShowsAFirstRound();
@@ -378,6 +413,42 @@ TEST_F(WiredRange, SilenceInARoundIsWaitedOutUntilStop)
     EXPECT_EQ(WordOf(32), 0x8948);
     EXPECT_FALSE(Operates());
     EXPECT_FALSE(SlopesDirty);
+}
+
+TEST_F(WiredRange, SilenceAndOverRangeInARoundAreToldInRedForAsLongAsTheyLast)
+{
+    const auto reads = [] { return !ScriptedOperator::Text("lblInst(0)").starts_with("The "); };
+    Opens()
+        .Does([this] { bench->SwitchFault("silent-meter", true); })
+        .Clicks("cmdReady")
+        .WaitsUntil("the display is asked", [this] { return !TimesOf("*1B1").empty(); })
+        .Waits(2500)
+        .Does([] { EXPECT_EQ(Text("lblInst(0)"), "Click \"Stop\" to stop calibrating this range"); })
+        .Waits(2500)
+        .Does([] {
+            EXPECT_EQ(Text("lblInst(0)"), "The meter does not answer:\ncheck its line, or click \"Stop\"");
+            EXPECT_EQ(Fill("shpInst(0)"), "#ff0000");
+            EXPECT_TRUE(IsEnabled("cmdStopReset"));
+        })
+        .Waits(15'000)
+        .Does([this] {
+            EXPECT_THAT(Text("lblWait"), testing::MatchesRegex("Meter: waiting for reply  (19|20|21) s"));
+            bench->SwitchFault("silent-meter", false);
+            bench->ShowNext(std::vector<std::string>(500, " ------."));
+        })
+        .WaitsUntil("it is over range", [] { return Text("lblInst(0)").starts_with("The display"); })
+        .Does([this] {
+            EXPECT_EQ(Text("lblInst(0)"), "The display is over range:\ncheck the input, or click \"Stop\"");
+            EXPECT_EQ(Fill("shpInst(0)"), "#ff0000");
+            bench->ShowNext({});
+        })
+        .WaitsUntil("it reads", reads)
+        .Does([] {
+            EXPECT_EQ(Text("lblInst(0)"), "Click \"Stop\" to stop calibrating this range");
+            EXPECT_NE(Fill("shpInst(0)"), "#ff0000");
+        })
+        .WaitsFor("cmdRepeat");
+    EXPECT_TRUE(person->Runs());
 }
 
 TEST_F(WiredRange, SilenceOnAPlainStepIsNoReadingEither)
