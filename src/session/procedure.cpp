@@ -20,7 +20,7 @@ bool StopRequested = false;
 namespace {
 
 constexpr int kStopMs = 1000;      // what a stopped loop gets to end
-constexpr int kPatienceMs = 1000;  // a stop so soon after an exit has begun belongs to what has ended
+constexpr int kPatienceMs = 1000;  // a stop so soon after an exit has begun belongs to the one that led there
 
 bool running = false;
 bool waitsForOperator = false;
@@ -30,7 +30,8 @@ std::function<void()> waiting;     // what runs next, when the running procedure
 bool waitsAsWish = false;          // it is the page's own, and goes with what ends in a fault
 std::string faultWords;            // of the work that is left
 std::optional<Deadline> stopEnd;   // of the 1000 ms, counted from the click
-std::optional<Deadline> patience;  // while a page is left
+std::optional<Deadline> patience;  // while a page is left that the operator has ended
+bool asked = false;                // by the operator, to end what is in work
 
 // A stop that came too late for what went before doesn't reach what follows.
 void ForgetStop()
@@ -44,6 +45,7 @@ void ForgetStop()
 // input before it is confirmed.
 void Interrupt()
 {
+    asked = true;
     if (!patience || patience->Passed())
         Abort = true;
 }
@@ -145,6 +147,7 @@ void ClearStop()
 
 void RequestStop()
 {
+    asked = true;
     if (StopArmed && !StopRequested)
         NoteStop();
 }
@@ -172,6 +175,7 @@ namespace {
 Ended EndOf(const std::function<void()> &work, std::exception_ptr &fault)
 {
     faultWords.clear();
+    asked = false;
     try {
         work();
     } catch (const std::exception &thrown) {
@@ -189,7 +193,8 @@ void WorkAndLeave(const std::function<void()> &work, const std::function<void(En
     const Ended ended = EndOf(work, fault);
     WaitOutStop();
     ForgetStop();
-    patience.emplace(kPatienceMs);
+    if (asked)
+        patience.emplace(kPatienceMs);
     leave(ended);
     ForgetStop();
     if (fault)

@@ -35,10 +35,10 @@ enum class Ended { Done, Stopped, Fault };
 
 /// Runs `work` as the one procedure, then `leave` with how it ended: by itself, by a stop (Abort), by a fault, which goes
 /// on to the handler's edge after `leave`. Abort and the stop channel are cleared before `work`, before `leave` and after
-/// it, so an exit always reaches the instruments; in its first 1000 ms no stop counts, by button, Esc or navigation: an
-/// impatient second one would only break off what the first one asked for. Then comes what waits for the end: navigation or the page's wish for
-/// the next step. Only the end of the program passes by `leave`: then the instruments have had their last words, and
-/// `noteQuit` may tell the journal.
+/// it, so an exit always reaches the instruments. In the first 1000 ms of an exit that the operator has asked for no stop
+/// counts, by button, Esc or navigation: an impatient second one would only break off what the first one led to. Then
+/// comes what waits for the end: navigation or the page's wish for the next step. Only the end of the program passes by
+/// `leave`: then the instruments have had their last words, and `noteQuit` may tell the journal.
 /// Does nothing and returns false while a procedure runs or while the program quits.
 bool RunPageProcedure(const std::function<void()> &work, const std::function<void(Ended)> &leave,
                       const std::function<void()> &noteQuit = {});

@@ -184,7 +184,7 @@ void EnterStep(int index)
 
 void EnterAllowedStep(int index)
 {
-    if (IsPosition(index) && IsAllowed(index))
+    if (index < 0 || (IsPosition(index) && IsAllowed(index)))
         EnterStep(index);
 }
 

@@ -22,9 +22,10 @@ void FocusSteps();
 void ClickStep(int index);
 /// Opens a step with the focus parked and the other choices off meanwhile; inside a procedure.
 void EnterStep(int index);
-/// The same for who doesn't click: nothing where its button could not be on.
+/// The same for who doesn't click: nothing where its button could not be on; below 0 no step is the one in work.
 void EnterAllowedStep(int index);
-/// The next allowed calibration step, wrapping to position 0; nothing when none is allowed. Nothing behind the last calibration position.
+/// The next allowed calibration step, wrapping to position 0; nothing when none is allowed. Nothing behind the last
+/// calibration position.
 void EnterNextStep();
 
 /// Marks a step, stops what is applied on the TC tab, and opens the step's page. -1 leaves all steps and shows the

@@ -336,32 +336,46 @@ TEST_F(Procedures, APageIsLeftWhenTheStoppedLoopHasHadItsSecond)
     EXPECT_EQ(left, 1500);
 }
 
-TEST_F(Procedures, AStopInTheExitEndsItsWaitsOnlyAndNotBeforeASecondHasPassed)
+TEST_F(Procedures, AnotherStopInAnExitCountsOnlyAfterItsFirstSecond)
 {
-    const std::function<void()> stops[] = {StopWork, [] { PressEscape(); }, [] { RunAfterStop([] {}); }};
-    for (const auto &stop : stops) {
-        clock.Restart();
-        CallAfter(300, stop);
-        CallAfter(1200, stop);
-        RunPageProcedure([] {},
-                         [](Ended ended) {
-                             EXPECT_EQ(ended, Ended::Done);
-                             while (!Abort)
-                                 DelayMs(100);
-                         });
-        EXPECT_EQ(clock.Elapsed(), 1200);
-        EXPECT_FALSE(Abort);
+    const std::function<void()> asks[] = {StopWork, RequestStop, [] { PressEscape(); }, [] { RunAfterStop([] {}); }};
+    for (const auto &ask : asks) {
+        const std::function<void()> stops[] = {StopWork, [] { PressEscape(); }, [] { RunAfterStop([] {}); }};
+        for (const auto &stop : stops) {
+            clock.Restart();
+            CallAfter(300, stop);
+            CallAfter(1200, stop);
+            RunPageProcedure(ask, [](Ended) {
+                while (!Abort)
+                    DelayMs(100);
+            });
+            EXPECT_EQ(clock.Elapsed(), 1200);
+            EXPECT_FALSE(Abort);
+        }
     }
+}
+
+TEST_F(Procedures, AStopInTheExitOfWhatEndedByItselfCountsAtOnceAndEndsItsWaitsOnly)
+{
+    CallAfter(300, StopWork);
+    RunPageProcedure([] {},
+                     [](Ended ended) {
+                         EXPECT_EQ(ended, Ended::Done);
+                         while (!Abort)
+                             DelayMs(100);
+                     });
+    EXPECT_EQ(clock.Elapsed(), 300);
+    EXPECT_FALSE(Abort);
 }
 
 TEST_F(Procedures, TheSecondOfAnExitIsOverWithIt)
 {
-    RunPageProcedure([] {}, [](Ended) {});
+    RunPageProcedure(StopWork, [](Ended) {});
     RunProcedure([] {
         StopWork();
         EXPECT_TRUE(Abort);
     });
-    EXPECT_THROW(RunPageProcedure([] {}, [](Ended) { throw RuntimeFault(5, "broken"); }), RuntimeFault);
+    EXPECT_THROW(RunPageProcedure(StopWork, [](Ended) { throw RuntimeFault(5, "broken"); }), RuntimeFault);
     RunPageProcedure(
         [] {
             StopWork();
