@@ -14,6 +14,7 @@
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
+#include "widgets/page_kit.h"
 
 #include <array>
 #include <cmath>
@@ -550,9 +551,7 @@ void cmdNVMWord_Click()
 
 void BuildAnalogPage(QFrame *frame)
 {
-    page = AnalogPage();
-    InitAnalogOutput();
-    LoadAnalogNominal();
+    LivesWith(frame, page);
     BuildAnalogView(frame, {.typed = txtRead_Commit,
                             .value = txtMeterVal_Commit,
                             .dac = optDAC_Click,
@@ -581,16 +580,16 @@ void RegisterAnalogPage()
     tab.lastWords = ZeroAnalogOutput;
     RegisterTab(kTabAnaCal, tab);
 
-    StepRecord point{EnterPoint};
+    StepRecord point{EnterPoint, kAnalogPage};
     point.allowed = [](int position) { return MayOpen(AnalogPointAtPosition(position)); };
     RegisterSteps({Step::VoltOffset, Step::VoltageGain, Step::CurrentOffset, Step::CurrentGain, Step::Minus10Volts,
                    Step::Plus10Volts},
                   point);
-    RegisterSteps({Step::InitNvmem}, {EnterInitNvmem});
-    StepRecord again{EnterReCalibrate};
+    RegisterSteps({Step::InitNvmem}, {EnterInitNvmem, kAnalogPage});
+    StepRecord again{EnterReCalibrate, kAnalogPage};
     again.allowed = [](int) { return !page.verify; };
     RegisterSteps({Step::ReCalibrate}, again);
-    RegisterSteps({Step::ZeroInitFile}, {EnterZeroInitFile});
+    RegisterSteps({Step::ZeroInitFile}, {EnterZeroInitFile, kAnalogPage});
 }
 
 }  // namespace ombrix

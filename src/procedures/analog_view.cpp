@@ -240,7 +240,7 @@ QHBoxLayout *BuildButtons(QFrame *frame, const AnalogHandlers &handlers)
 
 void BuildAnalogView(QFrame *frame, const AnalogHandlers &handlers)
 {
-    view = View();
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     view.lblAnalogPoint = Title(frame, "lblAnalogPoint");
     column->addWidget(view.lblAnalogPoint);

@@ -370,8 +370,8 @@ QHBoxLayout *BuildButtons(QFrame *frame)
 
 void BuildFirstCyclePage(QFrame *frame)
 {
-    page = FirstCyclePage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     QLabel *title = Title(frame, Indexed("lblAA", 2));
     title->setText("FIRST CYCLE CORRECTION");
@@ -395,8 +395,7 @@ void BuildFirstCyclePage(QFrame *frame)
 void RegisterFirstCyclePage()
 {
     RegisterPage(kFirstCyclePage, BuildFirstCyclePage);
-    StepRecord record;
-    record.enter = ShowFirstCyclePage;
+    StepRecord record{ShowFirstCyclePage, kFirstCyclePage};
     record.allowed = [](int) { return MeterPort != 0; };  // its stream can't pass the calibrator
     RegisterSteps({Step::FirstCycle}, record);
 }

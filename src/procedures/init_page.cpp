@@ -254,8 +254,8 @@ QHBoxLayout *BuildButtons(QFrame *frame)
 
 void BuildInitPage(QFrame *frame)
 {
-    page = InitPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     column->addLayout(BuildTitle(frame));
     view.values = new QFrame(frame);
@@ -275,7 +275,7 @@ void BuildInitPage(QFrame *frame)
 void RegisterInitPage()
 {
     RegisterPage(kInitPage, BuildInitPage);
-    RegisterSteps({Step::InitNvm}, {ShowInitPage});
+    RegisterSteps({Step::InitNvm}, {ShowInitPage, kInitPage});
 }
 
 }  // namespace ombrix

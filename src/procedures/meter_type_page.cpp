@@ -231,8 +231,8 @@ QHBoxLayout *BuildChoice(QFrame *frame)
 
 void BuildMeterTypePage(QFrame *frame)
 {
-    page = MeterTypePage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     view.title = Title(frame, "lblMeterType");
     column->addWidget(view.title);
@@ -254,7 +254,7 @@ void BuildMeterTypePage(QFrame *frame)
 void RegisterMeterTypePage()
 {
     RegisterPage(kMeterTypePage, BuildMeterTypePage);
-    RegisterSteps({Step::MeterType}, {EnterMeterTypePage});
+    RegisterSteps({Step::MeterType}, {EnterMeterTypePage, kMeterTypePage});
 }
 
 }  // namespace ombrix

@@ -546,7 +546,8 @@ void EnterQuasiDiodePage()
 
 void BuildQuasiDiodePage(QFrame *frame)
 {
-    page = QuasiDiodePage();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     view = BuildQuasiDiodeView(frame, {optTCType_Click, cmdQDReady_Click, cmdQDGain_Click, cmdQDOffset_Click,
                                        cmdQDStop_Click, cmdQDDone_Click, txtQDTarget_Commit});
     view.states.rows = TableOfStates();
@@ -557,7 +558,7 @@ void BuildQuasiDiodePage(QFrame *frame)
 
 void RegisterQuasiDiodePage()
 {
-    StepRecord quasiDiode{EnterQuasiDiodePage};
+    StepRecord quasiDiode{EnterQuasiDiodePage, kQuasiDiodePage};
     quasiDiode.takesInput = true;
     RegisterPage(kQuasiDiodePage, BuildQuasiDiodePage);
     RegisterSteps({Step::GainOffset, Step::OffsetOnly}, quasiDiode);

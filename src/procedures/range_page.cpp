@@ -539,8 +539,8 @@ QHBoxLayout *BuildButtons(QFrame *frame)
 
 void BuildRangePage(QFrame *frame)
 {
-    page = RangePage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     column->addLayout(BuildTitle(frame));
     view.msgCalibGrid = Grid(frame, "msgCalibGrid", msgCalibGrid_Click);
@@ -569,7 +569,7 @@ void RegisterRangePage()
                    Step::Range75mV,    Step::HiGainGnd,    Step::Range23mV,   Step::Range600V,    Step::Range56mV,
                    Step::Range17mV,    Step::Pt100,        Step::Range20Ohms, Step::Range200Ohms, Step::Range2kOhms,
                    Step::Range20kOhms, Step::Range200kOhms},
-                  {EnterRangePage});
+                  {EnterRangePage, kRangePage});
 }
 
 }  // namespace ombrix

@@ -560,8 +560,8 @@ QHBoxLayout *BuildEnd(QFrame *frame)
 
 void BuildRatioPage(QFrame *frame)
 {
-    page = RatioPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     QLabel *title = Title(frame, "lblRatioTitle");
     title->setText("RATIO");
@@ -586,7 +586,7 @@ void BuildRatioPage(QFrame *frame)
 void RegisterRatioPage()
 {
     RegisterPage(kRatioPage, BuildRatioPage);
-    RegisterSteps({Step::Ratio}, {ShowRatioPage});
+    RegisterSteps({Step::Ratio}, {ShowRatioPage, kRatioPage});
 }
 
 }  // namespace ombrix

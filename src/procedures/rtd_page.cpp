@@ -413,8 +413,8 @@ QHBoxLayout *BuildReadouts(QFrame *frame)
 
 void BuildRtdPage(QFrame *frame)
 {
-    page = RtdPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     QLabel *title = Title(frame, "lblISrc(0)");
     title->setText("RTD CURRENT SOURCE");
@@ -438,7 +438,7 @@ void BuildRtdPage(QFrame *frame)
 void RegisterRtdPage()
 {
     RegisterPage(kRtdPage, BuildRtdPage);
-    RegisterSteps({Step::RtdCurrent}, {EnterRtdPage});
+    RegisterSteps({Step::RtdCurrent}, {EnterRtdPage, kRtdPage});
 }
 
 }  // namespace ombrix

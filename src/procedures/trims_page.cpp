@@ -313,8 +313,8 @@ QHBoxLayout *BuildReadings(QFrame *frame)
 
 void BuildTrimsPage(QFrame *frame)
 {
-    page = TrimsPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     view.lblTrimTitle = Title(frame, "lblTrimTitle");
     column->addWidget(view.lblTrimTitle);
@@ -335,9 +335,9 @@ void BuildTrimsPage(QFrame *frame)
 void RegisterTrimsPage()
 {
     RegisterPage(kTrimsPage, BuildTrimsPage);
-    RegisterSteps({Step::TrimR13R14}, {[] { ShowTrimPage(kTrimR13R14); }});
-    RegisterSteps({Step::MinusGainTrim}, {[] { ShowTrimPage(kTrimNegativeGain); }});
-    RegisterSteps({Step::TrimR38}, {[] { ShowTrimPage(kTrimR38); }});
+    RegisterSteps({Step::TrimR13R14}, {[] { ShowTrimPage(kTrimR13R14); }, kTrimsPage});
+    RegisterSteps({Step::MinusGainTrim}, {[] { ShowTrimPage(kTrimNegativeGain); }, kTrimsPage});
+    RegisterSteps({Step::TrimR38}, {[] { ShowTrimPage(kTrimR38); }, kTrimsPage});
 }
 
 }  // namespace ombrix

@@ -479,8 +479,8 @@ QHBoxLayout *BuildGroup(QFrame *frame)
 
 void BuildVfPage(QFrame *frame)
 {
-    page = VfPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     view.title = Title(frame, "lblVFTitle");
     column->addWidget(view.title);
@@ -503,7 +503,7 @@ void BuildVfPage(QFrame *frame)
 void RegisterVfPage()
 {
     RegisterPage(kVfPage, BuildVfPage);
-    RegisterSteps({Step::Vf4To20mA, Step::Vf0To1mA, Step::Vf0To10V}, {EnterVfPage});
+    RegisterSteps({Step::Vf4To20mA, Step::Vf0To1mA, Step::Vf0To10V}, {EnterVfPage, kVfPage});
 }
 
 }  // namespace ombrix

@@ -106,7 +106,7 @@ void ShowVFNominalizePage()
 
 void BuildNominalizePage(QFrame *frame)
 {
-    view = View();
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     QLabel *title = Title(frame, "lblVFNomTitle");
     title->setText("NOMINALIZE");
@@ -229,10 +229,10 @@ void ShowRestConfigPage()
 void RegisterVfServicePages()
 {
     RegisterPage(kNominalizePage, BuildNominalizePage);
-    RegisterSteps({Step::Nominalize}, {ShowVFNominalizePage});
+    RegisterSteps({Step::Nominalize}, {ShowVFNominalizePage, kNominalizePage});
     RegisterSteps({Step::GetConfig}, {ShowSaveConfigPage});
-    RegisterSteps({Step::RestConfig},
-                  {ShowRestConfigPage, [](int) { return RestConfigImage.size() == kConfigDigits; }});
+    RegisterSteps({Step::RestConfig}, {.enter = ShowRestConfigPage,
+                                       .allowed = [](int) { return RestConfigImage.size() == kConfigDigits; }});
 }
 
 }  // namespace ombrix

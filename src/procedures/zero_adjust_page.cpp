@@ -308,8 +308,8 @@ QHBoxLayout *BuildReadings(QFrame *frame)
 
 void BuildZeroAdjustPage(QFrame *frame)
 {
-    page = ZeroAdjustPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     view.title = Title(frame, "lblZeroAdjTitle");
     column->addWidget(view.title);
@@ -334,7 +334,7 @@ void BuildZeroAdjustPage(QFrame *frame)
 void RegisterZeroAdjustPage()
 {
     RegisterPage(kZeroAdjustPage, BuildZeroAdjustPage);
-    RegisterSteps({Step::ZeroAdjust}, {ShowZeroAdjustPage});
+    RegisterSteps({Step::ZeroAdjust}, {ShowZeroAdjustPage, kZeroAdjustPage});
 }
 
 }  // namespace ombrix

@@ -296,6 +296,7 @@ void LeaveSave(const std::string &held)
 
 void ShowLentBoxes(const WordBoxes &boxes)
 {
+    FillPage(kLayouts[kCounter].frame);
     page = NvmPage();
     page.side = kCounter;
     page.lent = boxes;
@@ -368,8 +369,10 @@ void cmdNVMWord_Click()
 
 void EnterNvmPage()
 {
+    const Side side = CalibTab == kTabVf ? kCounter : kCalibration;
+    FillPage(kLayouts[side].frame);
     page = NvmPage();
-    page.side = CalibTab == kTabVf ? kCounter : kCalibration;
+    page.side = side;
     ShowPage(LayoutInUse().frame);
     BuildNvmPage();
     ShowFields(false);
@@ -390,10 +393,10 @@ QHBoxLayout *BuildButtons(QFrame *frame, int side)
 
 void BuildSide(QFrame *frame, Side side, const QString &note)
 {
-    page = NvmPage();
+    LivesWith(frame, page);
     page.side = side;
     View &of = views[side];
-    of = View();
+    LivesWith(frame, of);
     auto *column = new QVBoxLayout(frame);
     column->addLayout(BuildWordBoxColumns(frame, kLayouts[side].firstField, kLayouts[side].lastField,
                                           kLayouts[side].rows, {txtNVM_Change, txtNVM_LostFocus}, of.boxes));

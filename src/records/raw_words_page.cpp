@@ -250,6 +250,7 @@ void cmdBack_Click()
 
 void Enter(bool lent, const RawWordsFrom &from)
 {
+    FillPage(kRawPage);
     page = RawPage();
     page.lent = lent;
     page.from = from;
@@ -303,8 +304,8 @@ QGridLayout *BuildFields(QFrame *frame)
 
 void BuildRawPage(QFrame *frame)
 {
-    page = RawPage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     QLabel *title = Title(frame, "lblNVMWordTitle");
     title->setText("Words by number");

@@ -438,8 +438,8 @@ QHBoxLayout *BuildButtons(QFrame *frame)
 
 void BuildSendFilePage(QFrame *frame)
 {
-    page = SendFilePage();
-    view = View();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
     auto *column = new QVBoxLayout(frame);
     column->addLayout(BuildTitle(frame));
     view.values = new QFrame(frame);
@@ -461,7 +461,7 @@ void BuildSendFilePage(QFrame *frame)
 void RegisterSendFilePage()
 {
     RegisterPage(kSendFilePage, BuildSendFilePage);
-    RegisterSteps({Step::SendFile}, {EnterSendFilePage});
+    RegisterSteps({Step::SendFile}, {EnterSendFilePage, kSendFilePage});
 }
 
 }  // namespace ombrix

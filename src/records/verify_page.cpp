@@ -477,7 +477,9 @@ void EnterVerifyPage()
 
 void BuildVerifyPage(QFrame *frame)
 {
-    page = VerifyPage();
+    LivesWith(frame, page);
+    LivesWith(frame, view);
+    LivesWith(frame, states);
     view = BuildVerifyView(frame,
                            {cmdVfyRng_Click, [](const std::string &text) { page.dpmId = text; }, chkTempFile_Click,
                             cmdFileSpec_Click, cmdVfyReady_Click, cmdVfyOK_Click, cmdVfyDone_Click, cmdVfyPrint_Click});
@@ -492,7 +494,7 @@ void BuildVerifyPage(QFrame *frame)
 void RegisterVerifyPage()
 {
     RegisterPage(kVerifyPage, BuildVerifyPage);
-    RegisterSteps({Step::Verify}, {EnterVerifyPage});
+    RegisterSteps({Step::Verify}, {EnterVerifyPage, kVerifyPage});
 }
 
 }  // namespace ombrix

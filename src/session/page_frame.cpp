@@ -72,6 +72,11 @@ void HideFileValues()
     frameHooks.hideFileValues();
 }
 
+void FillPage(int index)
+{
+    frameHooks.fillPage(index);
+}
+
 void ShowPage(int index)
 {
     SetNavigation(Navigation::Free);
@@ -125,6 +130,7 @@ void RegisterSteps(std::initializer_list<int> stepIds, const StepRecord &record)
         StepRecord &known = pageTables.steps[id];
         Tell(known.enter, record.enter, "The way into step " + std::to_string(id));
         Tell(known.allowed, record.allowed, "What allows step " + std::to_string(id));
+        known.page = record.page < 0 ? known.page : record.page;
         known.takesInput = known.takesInput || record.takesInput;
     }
 }

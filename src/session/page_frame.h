@@ -18,6 +18,9 @@ constexpr int kPages = 19;  ///< fraCalib(0..18); 0 is empty, 1 is Setup, 4 is t
 
 // ---- what a page gets ----
 
+/// Lets a page fill its frame, fraCalib(index), if it hasn't yet: pages that nobody opens cost nothing. Whoever opens a
+/// step does so for its page, and ShowPage; needed only where a page's widgets are touched otherwise before.
+void FillPage(int index);
 /// Shows fraCalib(index) and hides the others, the diagrams and the values panel. Navigation is free until the page
 /// says otherwise, and nothing is unsaved.
 void ShowPage(int index);
@@ -88,6 +91,7 @@ void HideFileValues();
 // ---- what stands behind it: filled by the window ----
 
 struct FrameHooks {
+    std::function<void(int index)> fillPage = [](int) {};
     std::function<void(int index)> showPage = [](int) {};
     std::function<void(int position)> openStep = [](int) {};
     std::function<void()> openNextStep = [] {};
@@ -112,7 +116,8 @@ extern FrameHooks frameHooks;
 
 /// One step: how its page is opened, and what holds as long as it can't be.
 struct StepRecord {
-    std::function<void()> enter;  ///< empty: this version has no page for it
+    std::function<void()> enter = {};  ///< empty: this version has no page for it
+    int page = -1;                     ///< the page that is filled before; -1: `enter` sees to it itself
     /// Asked whenever the step's button may go on, and before the step opens by another way. Empty: always.
     std::function<bool(int position)> allowed = {};
     bool takesInput = false;  ///< its page takes over the input that stands: on the TC tab it isn't removed before
@@ -125,7 +130,7 @@ StepRecord RecordOfStep(int stepId);
 /// Whether a step at a position may open now.
 bool StepIsAllowed(int stepId, int position);
 
-/// `build` fills fraCalib(index), once, when the window is made. std::logic_error for a page that has one.
+/// `build` fills fraCalib(index), once in the window's life: see FillPage. std::logic_error for a page that has one.
 void RegisterPage(int index, const std::function<void(QFrame *page)> &build);
 std::function<void(QFrame *page)> BuilderOfPage(int index);
 

@@ -285,6 +285,11 @@ void SetNavigation(Navigation wanted)
     UpdateNavigation();
 }
 
+Navigation NavigationWanted()
+{
+    return navigation;
+}
+
 void UpdateNavigation()
 {
     const bool free = navigation == Navigation::Open || (navigation == Navigation::Free && !running);

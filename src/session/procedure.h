@@ -86,6 +86,7 @@ enum class Navigation {
 };
 /// What the page in front wants; another page begins with Free.
 void SetNavigation(Navigation wanted);
+Navigation NavigationWanted();
 /// Switches navigation to what holds now: after Established has changed.
 void UpdateNavigation();
 

@@ -191,6 +191,16 @@ void Everywhere(QWidget *parent, const char *keys, Handler handler)
     QObject::connect(shortcut, &QShortcut::activated, parent, [handler = std::move(handler)] { RunHandler(handler); });
 }
 
+// Tab comes to Setup and Quit behind the page, whenever that was filled.
+void KeepCommandsLast()
+{
+    QWidget *last = frmOmbrix->previousInFocusChain();
+    while (last->focusPolicy() == Qt::NoFocus && last != frmOmbrix)
+        last = last->previousInFocusChain();
+    QWidget::setTabOrder(last, cmdSetup);
+    QWidget::setTabOrder(cmdSetup, cmdQuit);
+}
+
 // Setup and Quit. Quit never takes the focus by itself: a button that goes off passes its focus on, and the next
 // Enter must not end the program.
 QWidget *BuildCommands(QWidget *parent)
@@ -260,12 +270,16 @@ void BuildMainWindow()
         frmOmbrix->resize(FirstSize(screen->availableSize()));
 }
 
-void BuildPages()
+void FillPageFrame(int index)
 {
-    for (int index = 0; index < kPages; index++) {
-        if (const auto build = BuilderOfPage(index))
-            build(pages[index]);
-    }
+    QFrame *page = PageFrame(index);
+    const auto build = BuilderOfPage(index);
+    if (!page || !build || page->layout())
+        return;
+    const Navigation before = NavigationWanted();
+    build(page);
+    SetNavigation(before);  // the page's first state holds when it is shown
+    KeepCommandsLast();
 }
 
 void DestroyMainWindow()

@@ -26,8 +26,8 @@ extern QStackedWidget *pageStack;  ///< fraCalib(0..18), each in a place that sc
 
 /// Makes the window and all it holds, but fills no page and shows nothing.
 void BuildMainWindow();
-/// Lets each registered page fill its frame.
-void BuildPages();
+/// Lets a registered page fill its frame, if it hasn't yet.
+void FillPageFrame(int index);
 void DestroyMainWindow();
 
 /// An empty frame beside the page for one of those who draw there. It takes no room while it shows nothing.

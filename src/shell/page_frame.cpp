@@ -17,6 +17,7 @@ void BringToFront(int index)
 {
     if (!PageFrame(index))
         return;
+    FillPageFrame(index);
     pageStack->setCurrentIndex(index);
     HideConnectionDiagram();
     HideFileValues();
@@ -28,6 +29,7 @@ void BringToFront(int index)
 
 void FillFrameHooks()
 {
+    frameHooks.fillPage = FillPageFrame;
     frameHooks.showPage = BringToFront;
     frameHooks.openStep = EnterAllowedStep;
     frameHooks.openNextStep = EnterNextStep;

@@ -1,5 +1,6 @@
 #include "shell/station.h"
 
+#include "calibration/analog_output.h"
 #include "links/meter_link.h"
 #include "model/ini_store.h"
 #include "model/settings.h"
@@ -132,6 +133,7 @@ void OpenStation()
     CloseHandlers(false);
     SilenceBoxes(false);
     InitLinks();
+    InitAnalogOutput();
     BuildMainWindow();
     ShowBoardChooser(false);
     InitTables();
@@ -142,7 +144,7 @@ void OpenStation()
     FillFrameHooks();
     BuildDiagrams(AddSideFrame("fraDiagrams"));
     BuildValuePanel(frmOmbrix);
-    BuildPages();
+    FillPage(kSetupPage);
     ShowSimFlag(false);
     frmOmbrix->show();
     ResetSession();

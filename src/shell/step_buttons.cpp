@@ -212,6 +212,7 @@ void SelectStep(int index)
         LeavePage();
         CalibratorStandby();
     }
+    FillPage(record.page);
     if (record.enter)
         record.enter();
     else

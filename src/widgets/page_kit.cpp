@@ -13,6 +13,11 @@
 
 namespace ombrix {
 
+void AtEndOf(QFrame *frame, std::function<void()> call)
+{
+    QObject::connect(frame, &QObject::destroyed, std::move(call));
+}
+
 void EnableAndFocus(QWidget *button)
 {
     button->setEnabled(true);

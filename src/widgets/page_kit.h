@@ -16,6 +16,16 @@ class QWidget;
 
 namespace ombrix {
 
+/// Calls it when the frame is destroyed.
+void AtEndOf(QFrame *frame, std::function<void()> call);
+
+/// What a page knows or shows begins anew with its frame, and ends with it.
+template <class Data> void LivesWith(QFrame *frame, Data &data)
+{
+    data = Data();
+    AtEndOf(frame, [&data] { data = Data(); });
+}
+
 template <class... Widgets> void Enable(Widgets *...widgets)
 {
     (widgets->setEnabled(true), ...);

@@ -364,9 +364,12 @@ TEST_F(SimulatedRange, OfARebuiltWindowKnowsNothingOfTheOldOne)
     ASSERT_TRUE(person->Runs());  // ends in the middle
     station.reset();
     OpensStation();
-    EXPECT_EQ(Rows(), 0);
-    EXPECT_EQ(Text("cmdStopReset"), "Stop");
-    Calibrates(5).Does([] {
+    Establishes();
+    Opens(5).Does([] {
+        EXPECT_EQ(Rows(), 0);
+        EXPECT_EQ(Text("cmdStopReset"), "Stop");
+    });
+    person->Clicks("cmdReady").WaitsFor("cmdRepeat").Does([] {
         EXPECT_EQ(Rows(), 1);
         EXPECT_EQ(Cell(0, 0), "1");
         EXPECT_EQ(Colour(0, 1), kCyan);

@@ -91,7 +91,7 @@ TEST_F(PageFrames, TheDiagramsGrowWithTheWindowAndThePageKeepsMore)
     EXPECT_EQ(widthIn(1000), small);
 }
 
-TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
+TEST_F(PageFrames, APageIsFilledOnceInTheLifeOfAWindowWhenItIsWanted)
 {
     int built = 0;
     CloseStation();
@@ -101,7 +101,24 @@ TEST_F(PageFrames, PagesAreBuiltOncePerWindow)
         build(page);
     };
     OpenWholeStation(Painted::No);
+    EXPECT_EQ(built, 0);
+    SetNavigation(Navigation::Open);
+    FillPage(17);
     EXPECT_EQ(built, 1);
+    EXPECT_EQ(NavigationWanted(), Navigation::Open) << "the page in front goes on";
+    ShowPage(17);
+    EXPECT_EQ(built, 1);
+}
+
+TEST_F(PageFrames, TabComesToSetupAndQuitBehindAPageThatWasFilledLate)
+{
+    EstablishSimulated();
+    Click(StepButton(1));
+    Click(StepButton(4));
+    const QWidget *next = ScriptedOperator::Find("cmdStopReset")->nextInFocusChain();
+    while (!(next->focusPolicy() & Qt::TabFocus))
+        next = next->nextInFocusChain();
+    EXPECT_EQ(next->objectName(), "cmdSetup");
 }
 
 TEST_F(PageFrames, WithoutAWindowTheHelpersDoNothing)
