@@ -7,6 +7,7 @@
 #include "calibration/step_word.h"
 #include "links/calibrator.h"
 #include "links/meter_operations.h"
+#include "links/meter_protocol.h"
 #include "links/output_switch.h"
 #include "model/range_names.h"
 #include "model/range_tables.h"
@@ -90,6 +91,7 @@ const Prompt kPromptRepeat = {"Click \"Repeat\" to repeat this range"};
 const Prompt kPromptLimited = {"Required correction exceeds allowable range", true};
 const Prompt kPromptLeaving = {"Removing the input"};
 const Prompt kPromptStopped = {"Stopped before the step was open:\r\nclick the step again"};
+const Prompt kPromptNotWritten = {"Not accepted: the meter's line is gone, the chosen word could not be written", true};
 const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
 
 // Ready and Repeat share a place.
@@ -363,13 +365,16 @@ void RunRounds()
     } while (page.wish == Wish::Repeat && !Abort);
 }
 
-// The operator may have chosen the word of an earlier round.
-void RestoreWord(const std::string &word)
+// The operator may have chosen the word of an earlier round. False when the meter's line is gone: the last one stays.
+bool RestoreWord(const std::string &word)
 {
     if (word == page.word || word.size() != 4 || !IsHexText(word))
-        return;
+        return true;
     WriteStepWord(word);
+    if (MeterLineIsGone())
+        return false;
     page.word = word;
+    return true;
 }
 
 void RecordEnd(const std::string &how, const Round &round)
@@ -383,16 +388,19 @@ void RecordEnd(const std::string &how, const Round &round)
     RecordStepEnded(page.position, end);
 }
 
-void AcceptRange()
+// False when the chosen word could not be written: nothing is accepted then, and nothing learned.
+bool AcceptRange()
 {
     const Round &round = page.rounds[static_cast<std::size_t>(page.chosen)];
-    RestoreWord(round.word);
+    if (!RestoreWord(round.word))
+        return false;
     UpdateNominalSlope(ReadingSize(round.reading[0], page.turnover ? round.reading[1] : ""));
     UpdateNominalWord();
     RecordEnd("accepted", round);
     // Behind the calibration positions no step follows: touch-up steps stay open for another round.
     if (page.position <= StepButtonCount())
         NextStep();
+    return true;
 }
 
 // After a Stop the word written so far stays in the meter, and nothing is learned.
@@ -401,13 +409,15 @@ void LeaveRange(Ended ended)
     ShowPageState(view.states, kLeaving);
     RemoveInput();
     RecordRoundInWork();
-    if (ended == Ended::Done && page.wish == Wish::Accept)
-        AcceptRange();
-    else
+    const bool accepts = ended == Ended::Done && page.wish == Wish::Accept;
+    const bool accepted = accepts && AcceptRange();
+    if (!accepted)
         RecordEnd(HowEnded(ended), page.rounds.back());
     WaitForReady();
     if (ended == Ended::Fault)
         ShowPrompt(view.states, PromptOfFault(FaultWords()));
+    else if (accepts && !accepted)
+        ShowPrompt(view.states, kPromptNotWritten);
 }
 
 void NoteQuit()

@@ -20,28 +20,16 @@ constexpr int kChoices = 3;
 QGroupBox *fraTabSelect = nullptr;
 std::array<QRadioButton *, kChoices> optTabSelect{};
 
-int OptionOfBoard(int board)
+std::array<Board, kChoices> BoardsOfTab()
 {
-    switch (board) {
-    case kAc:
-    case kTemp:
-        return 0;
-    case kTc:
-    case kAc2:
-        return 1;
-    case kAc3:
-    case kRtd:
-        return 2;
-    default:
-        return -1;
-    }
+    return CalibTab == kTabAc ? std::array{kAc, kAc2, kAc3} : std::array{kTemp, kTc, kRtd};
 }
 
 void optTabSelect_Click(int index)
 {
     if (!TabSelectShown)
         return;
-    const int board = BoardIndex(optTabSelect[index]->text().toStdString());
+    const Board board = BoardsOfTab()[static_cast<std::size_t>(index)];
     if (board == SCType)
         return;
     SCType = board;
@@ -74,14 +62,11 @@ void ShowBoardChooser(bool on)
     fraTabSelect->setVisible(on);
     if (!on)
         return;
-    const std::array<const char *, kChoices> acBoards = {"AC", "AC2", "AC3"};
-    const std::array<const char *, kChoices> tempBoards = {"Temp", "TC", "RTD"};
-    for (int index = 0; index < kChoices; index++) {
-        optTabSelect[index]->setText((CalibTab == kTabAc ? acBoards : tempBoards)[index]);
-        SetOption(optTabSelect[index], false);
+    for (std::size_t index = 0; index < kChoices; index++) {
+        const Board board = BoardsOfTab()[index];
+        optTabSelect[index]->setText(Caption(BoardName(board)));
+        SetOption(optTabSelect[index], board == SCType);
     }
-    if (const int option = OptionOfBoard(SCType); option >= 0)
-        SetOption(optTabSelect[option], true);
     TabSelectShown = true;
 }
 

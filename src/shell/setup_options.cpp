@@ -20,6 +20,7 @@
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <utility>
 
 namespace ombrix {
@@ -58,86 +59,101 @@ void RecordChoices()
            {{"automatic", Automatic}, {"calibrator", CalPort}, {"meter", MeterPort}, {"switch", UseSwitch}});
 }
 
-// A choice of the operator: makes the other options fit, then takes them all over.
-void Choose(void (*fitOthers)())
+// ---- a choice, and what the others become by it ----
+
+constexpr int kOnCalibrator = 0;  // the meter's port
+
+struct Choice {
+    bool automatic = true;
+    int calibrator = 2;  // its port, 0 without one
+    int meter = 1;
+};
+
+int OtherPort(int port)
+{
+    return port == 1 ? 2 : 1;
+}
+
+// The session's, as the page shows it.
+Choice InForce()
+{
+    if (!Automatic)
+        return {false, 0, MeterPort == 1 ? 1 : 2};
+    return {true, CalPort == 1 ? 1 : 2, MeterPort == kOnCalibrator || MeterPort == 1 ? MeterPort : 2};
+}
+
+void ShowChoice(const Choice &choice)
+{
+    const ScopedFlag muted(OptionEventsMuted);
+    SetOption(optAutomatic, choice.automatic);
+    SetOption(optManual, !choice.automatic);
+    SetOption(optCAL_COM1, choice.calibrator == 1);
+    SetOption(optCAL_COM2, choice.calibrator == 2);
+    SetOption(optDPM_CAL, choice.meter == kOnCalibrator);
+    SetOption(optDPM_COM1, choice.meter == 1);
+    SetOption(optDPM_COM2, choice.meter == 2);
+    SetTabStops();
+}
+
+// A changed mode or port costs the established session.
+void TakeChoice(const Choice &choice)
+{
+    if (choice.calibrator == CalPort && choice.meter == MeterPort && choice.automatic == Automatic)
+        return;
+    ResetSession();
+    CalPort = choice.calibrator;
+    MeterPort = choice.meter;
+    Automatic = choice.automatic;
+    RecordChoices();
+    HideStatus();
+    ShowPortNotes();
+    FocusEstablish();
+}
+
+void Choose(const std::function<void(Choice &)> &change)
 {
     if (OptionEventsMuted)
         return;
-    RunProcedure([fitOthers] {
-        {
-            const ScopedFlag muted(OptionEventsMuted);
-            fitOthers();
-        }
-        SetTabStops();
-        ApplySetupOptions();
+    RunProcedure([&change] {
+        Choice choice = InForce();
+        change(choice);
+        ShowChoice(choice);
+        TakeChoice(choice);
     });
 }
 
-void optAutomatic_Click()
+void ChooseAutomatic(Choice &choice)
 {
-    Choose([] {
-        if (optDPM_COM1->isChecked())
-            SetOption(optCAL_COM2, true);
-        else if (optDPM_COM2->isChecked())
-            SetOption(optCAL_COM1, true);
-    });
+    choice.automatic = true;
+    if (choice.calibrator == 0 || choice.meter == choice.calibrator)
+        choice.calibrator = OtherPort(choice.meter);
 }
 
-void optManual_Click()
+void ChooseManual(Choice &choice)
 {
-    Choose([] {
-        SetOption(optCAL_COM1, false);
-        SetOption(optCAL_COM2, false);
-        if (optDPM_CAL->isChecked())
-            SetOption(optDPM_COM1, true);
-    });
+    choice = {false, 0, choice.meter == kOnCalibrator ? 1 : choice.meter};
 }
 
-// The calibrator goes to one port: the meter, if it stood there, to the other.
-void MoveMeter(QRadioButton *from, QRadioButton *to)
+void ChooseCalibrator(Choice &choice, int port)
 {
-    if (optManual->isChecked()) {
-        SetOption(optAutomatic, true);
-        SetOption(to, true);
-    } else if (from->isChecked()) {
-        SetOption(to, true);
-    }
+    if (!choice.automatic || choice.meter == port)
+        choice.meter = OtherPort(port);
+    choice.automatic = true;
+    choice.calibrator = port;
 }
 
-void optCAL_COM1_Click()
+void ChooseMeter(Choice &choice, int port)
 {
-    Choose([] { MoveMeter(optDPM_COM1, optDPM_COM2); });
+    choice.meter = port;
+    if (choice.calibrator == port)
+        choice.calibrator = OtherPort(port);
 }
 
-void optCAL_COM2_Click()
+void ChooseMeterOnCalibrator(Choice &choice)
 {
-    Choose([] { MoveMeter(optDPM_COM2, optDPM_COM1); });
-}
-
-void optDPM_CAL_Click()
-{
-    Choose([] {
-        if (optManual->isChecked()) {
-            SetOption(optAutomatic, true);
-            SetOption(optCAL_COM1, true);
-        }
-    });
-}
-
-void optDPM_COM1_Click()
-{
-    Choose([] {
-        if (optCAL_COM1->isChecked())
-            SetOption(optCAL_COM2, true);
-    });
-}
-
-void optDPM_COM2_Click()
-{
-    Choose([] {
-        if (optCAL_COM2->isChecked())
-            SetOption(optCAL_COM1, true);
-    });
+    choice.calibrator = choice.automatic ? choice.calibrator : 1;
+    choice.automatic = true;
+    choice.meter = kOnCalibrator;
 }
 
 void ChooseSwitch(bool use)
@@ -201,15 +217,20 @@ QFrame *BuildSetupOptions(QFrame *page, QWidget *command)
     auto *rows = new QVBoxLayout(shpAA);
     DropPortNotes();
     AddGroup(rows, 0, "Mode");
-    optAutomatic = AddOption(0, "optAutomatic", "Automatic", optAutomatic_Click);
-    optManual = AddOption(0, "optManual", "Manual", optManual_Click);
+    optAutomatic = AddOption(0, "optAutomatic", "Automatic", [] { Choose(ChooseAutomatic); });
+    optManual = AddOption(0, "optManual", "Manual", [] { Choose(ChooseManual); });
     AddGroup(rows, 2, "Calibrator Communications");
-    optCAL_COM1 = AddPortOption(2, "optCAL_COM1", "Calibrator on COM1", 1, optCAL_COM1_Click);
-    optCAL_COM2 = AddPortOption(2, "optCAL_COM2", "Calibrator on COM2", 2, optCAL_COM2_Click);
+    optCAL_COM1 = AddPortOption(2, "optCAL_COM1", "Calibrator on COM1", 1,
+                                [] { Choose([](Choice &choice) { ChooseCalibrator(choice, 1); }); });
+    optCAL_COM2 = AddPortOption(2, "optCAL_COM2", "Calibrator on COM2", 2,
+                                [] { Choose([](Choice &choice) { ChooseCalibrator(choice, 2); }); });
     AddGroup(rows, 3, "Meter Communications");
-    optDPM_COM1 = AddPortOption(3, "optDPM_COM1", "Meter on COM1", 1, optDPM_COM1_Click);
-    optDPM_COM2 = AddPortOption(3, "optDPM_COM2", "Meter on COM2", 2, optDPM_COM2_Click);
-    optDPM_CAL = AddPortOption(3, "optDPM_CAL", "Meter on Calibrator", 0, optDPM_CAL_Click);
+    optDPM_COM1 = AddPortOption(3, "optDPM_COM1", "Meter on COM1", 1,
+                                [] { Choose([](Choice &choice) { ChooseMeter(choice, 1); }); });
+    optDPM_COM2 = AddPortOption(3, "optDPM_COM2", "Meter on COM2", 2,
+                                [] { Choose([](Choice &choice) { ChooseMeter(choice, 2); }); });
+    optDPM_CAL =
+        AddPortOption(3, "optDPM_CAL", "Meter on Calibrator", kOnCalibrator, [] { Choose(ChooseMeterOnCalibrator); });
     auto *last = new QHBoxLayout;  // the command stands beside the last group: a small screen holds the page then
     rows->addLayout(last);
     AddGroup(last, 1, "Use Meter2 As Output Switch");
@@ -223,46 +244,11 @@ QFrame *BuildSetupOptions(QFrame *page, QWidget *command)
 
 void ShowOptionsInForce()
 {
-    const ScopedFlag muted(OptionEventsMuted);
-    for (QRadioButton *option : {optManual, optCAL_COM1, optCAL_COM2, optDPM_CAL, optDPM_COM1, optDPM_COM2})
-        SetOption(option, false);
-    SetOption(UseSwitch ? optSwYes : optSwNo, true);
-    if (Automatic) {
-        SetOption(optAutomatic, true);
-        SetOption(CalPort == 1 ? optCAL_COM1 : optCAL_COM2, true);
-    } else {
-        SetOption(optManual, true);
+    {
+        const ScopedFlag muted(OptionEventsMuted);
+        SetOption(UseSwitch ? optSwYes : optSwNo, true);
     }
-    if (Automatic && MeterPort == 0)
-        SetOption(optDPM_CAL, true);
-    else
-        SetOption(MeterPort == 1 ? optDPM_COM1 : optDPM_COM2, true);
-    SetTabStops();
-}
-
-void ApplySetupOptions()
-{
-    int cal = 0;
-    if (optCAL_COM1->isChecked())
-        cal = 1;
-    else if (optCAL_COM2->isChecked())
-        cal = 2;
-    int meter = 2;
-    if (optDPM_CAL->isChecked())
-        meter = 0;
-    else if (optDPM_COM1->isChecked())
-        meter = 1;
-    const bool automatic = optAutomatic->isChecked();
-    if (cal == CalPort && meter == MeterPort && automatic == Automatic)
-        return;
-    ResetSession();
-    CalPort = cal;
-    MeterPort = meter;
-    Automatic = automatic;
-    RecordChoices();
-    HideStatus();
-    ShowPortNotes();
-    FocusEstablish();
+    ShowChoice(InForce());
 }
 
 void EnableSetupOptions(bool on)

@@ -11,8 +11,6 @@ QFrame *BuildSetupOptions(QFrame *page, QWidget *command);
 
 /// Sets the options as the session has them.
 void ShowOptionsInForce();
-/// Reads the options into the session. A changed mode or port costs the established session.
-void ApplySetupOptions();
 void EnableSetupOptions(bool on);
 void SetOptionGroupsVisible(bool on);
 

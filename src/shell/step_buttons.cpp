@@ -36,10 +36,10 @@ bool IsPosition(int index)
     return index >= 0 && index < kPositions;
 }
 
-// A captioned button may still have a reason to stay off: its page knows.
+// A position with a step may still have a reason to stay off: its page knows.
 bool IsAllowed(int position)
 {
-    return !cmdCalib[position]->text().isEmpty() && StepIsAllowed(StepIds[position], position);
+    return !StepName(StepIds[position]).empty() && StepIsAllowed(StepIds[position], position);
 }
 
 void ShowAllowed(int position)
@@ -139,6 +139,7 @@ void BlankSteps()
 {
     CurrentStepButton = -1;
     for (int position = 0; position < kPositions; position++) {
+        StepIds[position] = -1;
         cmdCalib[position]->setText("");
         cmdCalib[position]->setFlat(true);
         cmdCalib[position]->setEnabled(false);

@@ -2,8 +2,10 @@
 
 #include "session/journal.h"
 
+#include "platform/text.h"
 #include "session/journal_reader.h"
 #include "session/outlets.h"
+#include "session/state.h"
 #include "shell/station.h"
 #include "support/bench_station.h"
 #include "testbench/boards.h"
@@ -20,6 +22,9 @@ using namespace ombrix;
 using namespace ombrix::test;
 
 namespace {
+
+using testing::IsEmpty;
+using testing::StartsWith;
 
 constexpr int k2Volts = 4;  // position on the DC board
 
@@ -196,6 +201,38 @@ TEST(StepMarks, StandOnAcceptedStepsUntilTheirWordIsWrittenAgainOrAnotherMeterCo
     station.person.ClicksTab(0).WaitsUntil("the tab is read", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
     ASSERT_TRUE(station.person.Runs());
     EXPECT_EQ(MarkOf(k2Volts), "") << "no meter can tell its number: this may be another one";
+}
+
+TEST(JournalOfASession, AnEarlierWordThatCannotBeWrittenIsNotAccepted)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    ScriptedOperator &person = station.person;
+    person.Clicks(StepButton(k2Volts)).WaitsFor("cmdReady").Clicks("cmdReady").WaitsFor("cmdRepeat");
+    person.Does([&station] {
+        station.bench.ShowNext({" 81000.", " 81000.", " 81000.", "-81000.", "-81000.", "-81000."});
+    });
+    person.Clicks("cmdRepeat").WaitsUntil("round 2 has ended", [] {
+        return ScriptedOperator::Rows("msgCalibGrid") == 2 && ScriptedOperator::IsEnabled("cmdRepeat");
+    });
+    person.ClicksCell("msgCalibGrid", 0, 1).Clicks("cmdRepeat").WaitsUntil("round 3 has ended", [] {
+        return ScriptedOperator::Rows("msgCalibGrid") == 3 && ScriptedOperator::IsEnabled("cmdRepeat");
+    });
+    person.ClicksCell("msgCalibGrid", 0, 1)
+        .Does([&station] { station.bench.SwitchFault("meter-port-gone", true); })
+        .Clicks("cmdAccept")
+        .WaitsFor("cmdReady");
+    ASSERT_TRUE(person.Runs());
+    EXPECT_EQ(CurrentStepButton, k2Volts) << "no next step";
+    EXPECT_THAT(ScriptedOperator::Text("lblInst(0)"), StartsWith("Not accepted"));
+    EXPECT_EQ(ScriptedOperator::Fill("shpInst(0)"), "#ff0000");
+    EXPECT_THAT(EventsOf("learned"), IsEmpty());
+    const auto ended = EventsOf("step ended");
+    ASSERT_EQ(ended.size(), 1U);
+    EXPECT_EQ(TextOf(ended[0], "how"), "line lost");
+    EXPECT_EQ(TextOf(ended[0], "stays"), HexText(station.bench.Nvm()[32], 4)) << "what the meter holds";
+    EXPECT_NE(TextOf(ended[0], "stays"), TextOf(EventsOf("round")[0], "wordAfter")) << "the test needs two words";
+    EXPECT_EQ(MarkOf(k2Volts).find("✓"), std::string::npos);
 }
 
 TEST(StepMarks, OfTwoStepsThatShareAWordGoWhenTheOtherLeavesAnotherValueInIt)

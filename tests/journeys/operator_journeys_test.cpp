@@ -43,11 +43,6 @@ int Number(const std::string &hex)
     return static_cast<int>(HexValue(hex));
 }
 
-bool NavigationIsFree()
-{
-    return ScriptedOperator::IsEnabled("cmdSetup");
-}
-
 // Another wiring ends the session, the old one begins a new one.
 bool EstablishesAgain(BenchStation &station)
 {

@@ -28,11 +28,6 @@ std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std:
 
 }  // namespace
 
-bool NavigationIsFree()
-{
-    return ScriptedOperator::IsEnabled("cmdSetup");
-}
-
 void Leaves(BenchStation &station, const std::string &button, int seconds)
 {
     auto start = std::make_shared<std::int64_t>();

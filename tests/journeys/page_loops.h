@@ -27,9 +27,6 @@ struct PageScript {
     std::function<void(BenchStation &station)> proves;
 };
 
-/// Setup can be clicked, so nothing is in work.
-bool NavigationIsFree();
-
 /// Tells the operator to click, and to find navigation free within so many seconds.
 void Leaves(BenchStation &station, const std::string &button, int seconds);
 

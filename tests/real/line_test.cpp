@@ -22,11 +22,6 @@ namespace {
 constexpr int k200Volts = 6;  // position on the DC board
 constexpr unsigned kSeed = 3;
 
-bool NavigationIsFree()
-{
-    return ScriptedOperator::IsEnabled("cmdSetup");
-}
-
 }  // namespace
 
 TEST(RealLine, ThatGoesUnder200VoltsIsToldWithinASecondAndStopAndQuitEndSoon)

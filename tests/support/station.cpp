@@ -20,6 +20,11 @@ void OpenWholeStation(Painted painted)
     frmOmbrix->setUpdatesEnabled(painted == Painted::Yes);
 }
 
+bool NavigationIsFree()
+{
+    return ScriptedOperator::IsEnabled("cmdSetup");
+}
+
 WorkFolder::WorkFolder() : m_before(QDir::currentPath())
 {
     QDir::setCurrent(m_folder.path());

@@ -45,4 +45,7 @@ public:
 /// What main does: fills the outlets, registers the pages, opens the window.
 void OpenWholeStation(Painted painted = Painted::Yes);
 
+/// Setup can be clicked, so nothing is in work.
+bool NavigationIsFree();
+
 }  // namespace ombrix::test
