@@ -533,6 +533,7 @@ QHBoxLayout *BuildReadouts(QFrame *frame)
     auto *row = new QHBoxLayout;
     row->addWidget(Label(frame, "lblNewReadingCaption", "New Reading"));
     row->addWidget(view.lblNewReading, 2);
+    row->addSpacing(24);
     row->addWidget(Label(frame, "lblReadingErrorCaption", "Error"));
     row->addWidget(view.lblError, 1);
     return row;
