@@ -25,6 +25,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,8 +40,9 @@ constexpr int kPauseMs = 1000;  // behind a failed attempt
 struct InitPage {
     std::vector<WordRun> runs;  // what is written, and must come back
     std::vector<std::string> replies;
-    std::vector<int> differing;  // words
+    std::optional<std::vector<int>> differing;  // words; nothing of an attempt that was broken off
     int attempt = 0;
+    bool recorded = false;   // what this run writes
     std::int64_t begun = 0;  // microseconds
 };
 InitPage page;
@@ -84,15 +86,22 @@ std::int64_t SecondsGone()
     return (NowMicros() - page.begun) / 1'000'000;
 }
 
+bool IsProven()
+{
+    return page.differing && page.differing->empty();
+}
+
 std::string HowItEnded()
 {
-    if (page.differing.empty())
+    if (!page.differing)
+        return "broken off before it was proven" + (FaultWords().empty() ? "" : ": " + FaultWords());
+    if (IsProven())
         return "the meter holds the image";
     const auto came = [](const std::string &reply) { return !reply.empty(); };
     if (std::none_of(page.replies.begin(), page.replies.end(), came))
         return "the meter did not answer";
     const bool all = std::all_of(page.replies.begin(), page.replies.end(), came);
-    return "words " + WordList(page.differing) + (all ? " differ" : " differ or did not come back");
+    return "words " + WordList(*page.differing) + (all ? " differ" : " differ or did not come back");
 }
 
 void ShowAttempt()
@@ -127,18 +136,24 @@ const char *SuffixOf(std::size_t run)
     return run + 1 < page.runs.size() ? "Z" : "";
 }
 
+// Once for a run, also of one that was broken off: from its first write on the old words are gone.
+void RecordWritten()
+{
+    if (page.attempt > 0 && !page.recorded)
+        RecordWordsWritten("Init NVM", page.runs);
+    page.recorded = true;
+}
+
 void WriteImage()
 {
     for (std::size_t run = 0; run < page.runs.size(); ++run)
         WriteNvmWords(page.runs[run].word, page.runs[run].text, SuffixOf(run));
-    if (page.attempt == 1)
-        RecordWordsWritten("Init NVM", page.runs);
+    RecordWritten();
 }
 
 void ReadBack()
 {
     constexpr int kWordDigits = 4;
-    page.replies.clear();
     for (std::size_t run = 0; run < page.runs.size(); ++run) {
         const int count = static_cast<int>(page.runs[run].text.size()) / kWordDigits;
         page.replies.push_back(ReadNvmWords(page.runs[run].word, count, SuffixOf(run)));
@@ -149,12 +164,16 @@ void ReadBack()
 bool InitAttempt(const AttemptsRemark &remark)
 {
     ++page.attempt;
+    page.replies.clear();
+    page.differing.reset();
     remark.Tell();
     WriteImage();
     ReadBack();
     page.differing = DifferingWords(SCType, page.runs, page.replies);
-    if (page.differing.empty())
+    if (IsProven())
         return true;
+    if (Abort)
+        page.differing.reset();  // nobody has listened to the meter
     ShowAttempt();
     DelayMs(kPauseMs);
     return false;
@@ -165,6 +184,7 @@ bool InitAttempt(const AttemptsRemark &remark)
 void InitializeNvm()
 {
     page.attempt = 0;
+    page.recorded = false;
     page.begun = NowMicros();
     ShowStatusBar(view.proof, "", InfoBackground());
     ShowPageState(view.states, kRunning);
@@ -178,31 +198,41 @@ void RecordInit(const std::string &how)
     std::vector<std::string> written;
     for (const WordRun &run : page.runs)
         written.push_back(run.text);
-    std::vector<std::string> differing;
-    for (const int word : page.differing)
-        differing.push_back(std::to_string(word));
-    Record("initialized", {{"board", BoardName(SCType)},
-                           {"how", how},
-                           {"attempts", page.attempt},
-                           {"written", written},
-                           {"readBack", page.replies},
-                           {"differing", differing}});
+    JournalFields fields = {{"board", BoardName(SCType)},
+                            {"how", how},
+                            {"attempts", page.attempt},
+                            {"written", written},
+                            {"readBack", page.replies}};
+    if (page.differing) {
+        std::vector<std::string> words;
+        for (const int word : *page.differing)
+            words.push_back(std::to_string(word));
+        fields.emplace_back("differing", words);
+    }
+    Record("initialized", fields);
 }
 
-// Who cancels gets a failure, also when the meter has taken the image.
+// What was proven counts, also when Cancel came meanwhile. Behind it the rest of an attempt reads nothing, so that fails,
+// also when the meter has taken the image.
 void LeaveInit(Ended ended)
 {
-    const bool good = ended == Ended::Done;
-    RecordInit(good ? "proven" : ended == Ended::Fault ? "fault" : "cancelled");
+    RecordWritten();
+    RecordInit(IsProven() ? "proven" : ended == Ended::Fault ? "fault" : "cancelled");
     ShowAttempt();
-    ShowPageState(view.states, good ? kGood : kFailed);
+    ShowPageState(view.states, IsProven() ? kGood : kFailed);
+}
+
+void NoteQuit()
+{
+    RecordWritten();
+    RecordInit("quit");
 }
 
 // ---- the operator ----
 
 void cmdInitStartRetry_Click()
 {
-    RunPageProcedure(InitializeNvm, LeaveInit);
+    RunPageProcedure(InitializeNvm, LeaveInit, NoteQuit);
 }
 
 void cmdInitCancel_Click()

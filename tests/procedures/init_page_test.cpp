@@ -1,5 +1,7 @@
+#include "platform/fault.h"
 #include "platform/text.h"
 #include "session/journal_reader.h"
+#include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "shell/main_window.h"
@@ -12,6 +14,8 @@
 #include <QScrollBar>
 
 #include <algorithm>
+#include <stdexcept>
+#include <utility>
 
 namespace ombrix::test {
 namespace {
@@ -164,7 +168,7 @@ TEST_F(SimulatedInit, DoneGoesToTheNextStepAlsoWithoutAnImage)
     EXPECT_EQ(SimulatedWords(56, 1), "AAAA");
 }
 
-TEST_F(SimulatedInit, ThatWasCancelledHasFailedAlsoWhenTheMeterHasTakenTheImage)
+TEST_F(SimulatedInit, ThatWasProvenCountsAlsoWhenCancelCameMeanwhile)
 {
     Establishes();
     Opens()
@@ -179,12 +183,12 @@ TEST_F(SimulatedInit, ThatWasCancelledHasFailedAlsoWhenTheMeterHasTakenTheImage)
         .Clicks("cmdInitCancel")
         .WaitsFor("cmdDone(0)");
     ASSERT_TRUE(person->Runs());
-    EXPECT_EQ(Text("lblInitStatus"), "NVM Initialization Failed");
-    EXPECT_EQ(Fill("shpInitStatus"), kRed);
-    EXPECT_EQ(Text("cmdInitStartRetry"), "Retry");
-    EXPECT_TRUE(HasFocus("cmdDone(0)"));
-    EXPECT_EQ(SimulatedWords(56, 57), FactoryImageOf(kDc)) << "the attempt that had begun was finished";
+    EXPECT_EQ(SimulatedWords(56, 57), FactoryImageOf(kDc));
+    EXPECT_EQ(Text("lblInitStatus"), "NVM Initialized Successfully");
+    EXPECT_EQ(Fill("shpInitStatus"), kGreen);
+    EXPECT_EQ(Text("cmdInitStartRetry"), "Start");
     EXPECT_THAT(Text("lblInitProof"), HasSubstr("the meter holds the image"));
+    EXPECT_EQ(TextOf(EventsOf("initialized").at(0), "how"), "proven");
     EXPECT_FALSE(Abort);
 }
 
@@ -321,6 +325,68 @@ TEST_F(WiredInit, TriesASilentMeterUntilCancelAndRetryDoesTheSame)
     EXPECT_EQ(Said(), kAttempt);
     EXPECT_EQ(Text("lblInitStatus"), "NVM Initialized Successfully");
     EXPECT_EQ(Text("cmdInitStartRetry"), "Start");
+}
+
+TEST_F(WiredInit, ThatWasCancelledBeforeItWasReadBackHasFailedAlsoWhenTheMeterHasTakenTheImage)
+{
+    ASSERT_NO_FATAL_FAILURE(Opens());
+    person->Clicks("cmdInitStartRetry").Waits(100).Clicks("cmdInitCancel").WaitsFor("cmdDone(0)");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(Said(), kAttempt) << "the attempt that had begun was finished";
+    EXPECT_EQ(Words(56, 57), kImage);
+    EXPECT_EQ(Text("lblInitStatus"), "NVM Initialization Failed");
+    EXPECT_EQ(Fill("shpInitStatus"), kRed);
+    EXPECT_EQ(Text("cmdInitStartRetry"), "Retry");
+    EXPECT_TRUE(HasFocus("cmdDone(0)"));
+    EXPECT_THAT(Text("lblInitProof"), testing::EndsWith("s: broken off before it was proven"));
+    const auto ended = EventsOf("initialized");
+    ASSERT_EQ(ended.size(), 1U);
+    EXPECT_EQ(TextOf(ended[0], "how"), "cancelled");
+    EXPECT_EQ(FieldOf(ended[0], "differing"), nullptr) << "nobody has compared it";
+}
+
+TEST_F(WiredInit, ThatWasProvenJustBeforeCancelIsGreenAlsoOnTheWire)
+{
+    ASSERT_NO_FATAL_FAILURE(Opens());
+    person->Clicks("cmdInitStartRetry")
+        .WaitsUntil("the last question is answered", [this] { return TimesOf("*1XT38").size() == 1; })
+        .Waits(1000)
+        .Clicks("cmdInitCancel")
+        .WaitsFor("cmdDone(0)");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(Text("lblInitStatus"), "NVM Initialized Successfully");
+}
+
+TEST_F(WiredInit, ThatAFaultBrokeOffClaimsNothingOfTheMeter)
+{
+    ASSERT_NO_FATAL_FAILURE(Opens());
+    const auto told = FaultOutlet;
+    std::string words;
+    FaultOutlet = [&words](const std::string &text) { words = text; };
+    bool thrown = false;
+    outlets.showWait = [&thrown](const std::string &text) {
+        if (text == "Meter restarts" && !std::exchange(thrown, true))
+            throw std::runtime_error("out of order");
+    };
+    person->Clicks("cmdInitStartRetry").WaitsFor("cmdDone(0)");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    FaultOutlet = told;
+    EXPECT_EQ(words, "out of order");
+    EXPECT_EQ(Text("lblInitStatus"), "NVM Initialization Failed");
+    EXPECT_THAT(Text("lblInitProof"), testing::EndsWith("broken off before it was proven: out of order"));
+    EXPECT_EQ(ListOf(EventsOf("words written").at(0), "words").size(), 58U) << "what may stand in the meter";
+    EXPECT_EQ(TextOf(EventsOf("initialized").at(0), "how"), "fault");
+}
+
+TEST_F(WiredInit, ThatQuitBrokeOffIsInTheJournal)
+{
+    ASSERT_NO_FATAL_FAILURE(Opens());
+    person->Clicks("cmdInitStartRetry").Waits(100).Clicks("cmdQuit");
+    person->Runs();
+    EXPECT_EQ(EventsOf("words written").size(), 1U);
+    const auto ended = EventsOf("initialized");
+    ASSERT_EQ(ended.size(), 1U);
+    EXPECT_EQ(TextOf(ended[0], "how"), "quit");
 }
 
 TEST_F(WiredInit, EscIsCancel)
