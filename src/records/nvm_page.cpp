@@ -32,7 +32,8 @@ namespace ombrix {
 namespace {
 
 constexpr int kBetweenRunsMs = 1000;  // a counter's pause between two writes
-constexpr std::size_t kNamed = 3;     // refused fields that the prompt names; their boxes show all
+constexpr char kUnknown = '?';
+constexpr std::size_t kNamed = 3;  // refused fields that the prompt names; their boxes show all
 
 // ---- the two layouts ----
 
@@ -56,10 +57,9 @@ constexpr std::array<Layout, 2> kLayouts = {
 
 struct NvmPage {
     Side side = kCalibration;
-    std::string saved;   // the image as the meter holds it; "" when that isn't known
+    std::string saved;   // the image as the meter holds it, "????" for a word that nobody knows; "" when none is known
     std::string edited;  // the same with the operator's changes
     std::string meant;   // what the last save wrote, where the meter could be asked about it
-    bool asked = true;   // false: something was written, and the meter did not answer
     WordBoxes lent;      // what another page shows in the boxes
 };
 NvmPage page;
@@ -133,6 +133,18 @@ WordBox &BoxOf(int index)
     return Shown().boxes[static_cast<std::size_t>(index - LayoutInUse().firstField)];
 }
 
+// Something was written, and the meter did not answer.
+bool IsUncertain(const std::string &digits)
+{
+    return digits.find(kUnknown) != std::string::npos;
+}
+
+std::string WhatTheMeterHolds(int index)
+{
+    const std::string digits = FieldIn(page.saved, index);
+    return IsUncertain(digits) ? "What the meter holds isn't known" : "The meter holds " + digits;
+}
+
 bool WasRefused(int index)
 {
     return !page.meant.empty() && FieldIn(page.meant, index) != FieldIn(page.saved, index);
@@ -142,11 +154,10 @@ void MarkField(int index)
 {
     QLineEdit *field = BoxOf(index).txtNVM;
     if (FieldIn(page.edited, index) != FieldIn(page.saved, index))
-        MarkWordBox(field, WordMark::Changed, "The meter holds " + FieldIn(page.saved, index));
+        MarkWordBox(field, WordMark::Changed, WhatTheMeterHolds(index));
     else if (WasRefused(index))
         MarkWordBox(field, WordMark::Refused,
-                    "The meter holds " + FieldIn(page.saved, index) + ", it did not take " +
-                        FieldIn(page.meant, index));
+                    WhatTheMeterHolds(index) + ", it did not take " + FieldIn(page.meant, index));
     else
         MarkWordBox(field, WordMark::None);
 }
@@ -216,7 +227,6 @@ std::string ReadImage()
 void ReloadNvmFields()
 {
     page.edited = page.saved;
-    page.asked = true;
     ShowFields(!page.saved.empty());
     ShowState(page.saved.empty() ? kSilent : kClean);
 }
@@ -226,7 +236,7 @@ void ReadMeter()
     ShowState(kReading);
     page.saved = ReadImage();
     page.meant.clear();
-    Record("words read", {{"page", StepName(Step::ViewNvm)},
+    Record("words read", {{"by", StepName(Step::ViewNvm)},
                           {"board", BoardName(SCType)},
                           {"top", LayoutInUse().topWord},
                           {"image", page.saved}});
@@ -261,7 +271,7 @@ std::string MeantImage(const std::string &held)
 
 void RecordSave(const std::string &held, const std::string &meant)
 {
-    Record("words written", {{"page", StepName(Step::ViewNvm)},
+    Record("words written", {{"by", StepName(Step::ViewNvm)},
                              {"board", BoardName(SCType)},
                              {"top", LayoutInUse().topWord},
                              {"words", WordsThatDiffer(page.saved, page.edited, LayoutInUse().topWord)},
@@ -271,13 +281,24 @@ void RecordSave(const std::string &held, const std::string &meant)
                              {"took", !held.empty() && held == meant}});
 }
 
+// Nobody knows of the words that were written. So they differ from whatever stands in their fields: the next save writes
+// them, also where the operator has typed the old value back.
+void ForgetWrittenWords()
+{
+    const int top = LayoutInUse().topWord;
+    for (const NvmRun &run : ChangedRuns(page.saved, page.edited, top))
+        page.saved =
+            WithRun(page.saved, top, run.start, std::string(DigitsOfRun(page.saved, top, run).size(), kUnknown));
+}
+
 // The operator's changes stay when nobody knows what became of them.
 void LeaveSave(const std::string &held)
 {
     const std::string meant = held.empty() ? "" : MeantImage(held);
     RecordSave(held, meant);
     if (held.empty()) {
-        page.asked = false;
+        ForgetWrittenWords();
+        ForEachField(MarkField);
         ShowState(kEdited);
         ShowPrompt(Shown().states, kPromptUnknown);
         return;
@@ -329,7 +350,7 @@ void txtNVM_Change(int index, const std::string &text)
     page.edited = WithNvmField(page.edited, field, LayoutInUse().topWord,
                                PaddedDigits(text, static_cast<std::size_t>(field.width)));
     MarkField(index);
-    const State state = page.edited == page.saved && page.asked ? kClean : kEdited;
+    const State state = page.edited == page.saved ? kClean : kEdited;
     if (Shown().states.now != state)
         ShowState(state);
 }
@@ -350,12 +371,12 @@ void cmdNVMsave_Click()
             ShowState(kSaving);
             held = WriteAndReadBack();
         },
-        [&held](Ended) { LeaveSave(held); });
+        [&held](Ended) { LeaveSave(held); }, [] { RecordSave("", ""); });
 }
 
 void cmdNVMcancel_Click()
 {
-    if (page.asked)
+    if (!IsUncertain(page.saved))
         return ReloadNvmFields();
     RunPageProcedure(ReadMeter, [](Ended) {});
 }

@@ -145,7 +145,7 @@ void RecordWords(const char *kind, const JournalFields &more)
     words.reserve(static_cast<std::size_t>(page.count));
     for (int at = 0; at < page.count; ++at)
         words.push_back(HexText(page.address - at, 2));
-    JournalFields fields = {{"page", "raw words"}, {"board", BoardName(SCType)}, {"words", words}};
+    JournalFields fields = {{"by", "raw words"}, {"board", BoardName(SCType)}, {"words", words}};
     fields.insert(fields.end(), more.begin(), more.end());
     Record(kind, fields);
 }
@@ -174,13 +174,18 @@ std::string WriteAndReadBack()
     return Abort ? "" : ReadNvmWords(page.address, page.count, "");
 }
 
-// The operator's changes stay when nobody knows what became of them.
-void LeaveSave(const std::string &held)
+void RecordSave(const std::string &held)
 {
     RecordWords("words written", {{"before", page.saved},
                                   {"written", page.edited},
                                   {"held", held},
                                   {"took", !held.empty() && held == page.edited}});
+}
+
+// The operator's changes stay when nobody knows what became of them.
+void LeaveSave(const std::string &held)
+{
+    RecordSave(held);
     if (held.empty()) {
         page.saved.clear();
         ShowState(kEdited);
@@ -230,7 +235,8 @@ void cmdRead_Click()
 void cmdSave_Click()
 {
     std::string held;
-    RunPageProcedure([&held] { held = WriteAndReadBack(); }, [&held](Ended) { LeaveSave(held); });
+    RunPageProcedure([&held] { held = WriteAndReadBack(); }, [&held](Ended) { LeaveSave(held); },
+                     [] { RecordSave(""); });
 }
 
 void cmdCancel_Click()

@@ -158,6 +158,29 @@ TEST_F(NvmPage, AMeterThatFallsSilentAtTheWriteLeavesTheChangeAndSaysThatNobodyK
     EXPECT_EQ(Text(kCal2V), HexText(WordOf(32), 4)) << "Cancel has read the meter";
 }
 
+TEST_F(NvmPage, AnOldValueTypedBackBehindALostWriteIsWrittenToo)
+{
+    const std::uint16_t old = WordOf(32);
+    person->Types(kCal2V, "1A2B").Does([this] { bench->SwitchFault("silent-meter", true); });
+    person->Clicks("cmdNVMsave(0)").WaitsFor("cmdNVMsave(0)").Does([this] {
+        bench->SwitchFault("silent-meter", false);
+        EXPECT_EQ(WordOf(32), 0x1A2B) << "the meter has heard it";
+    });
+    person->Types(kCal2V, HexText(old, 4)).Does([] {
+        EXPECT_EQ(FieldFill(kCal2V), kFieldCyan) << "nobody knows whether it still differs";
+        EXPECT_EQ(ToolTipOf(kCal2V), "What the meter holds isn't known");
+        EXPECT_FALSE(IsEnabled("cmdSetup"));
+    });
+    Saves();
+    Runs();
+    EXPECT_EQ(WordOf(32), old);
+    EXPECT_EQ(Text(kCal2V), HexText(old, 4));
+    EXPECT_THAT(Text("lblNVM"), testing::StartsWith("Written, and read back"));
+    const auto events = EventsOf("words written");
+    ASSERT_EQ(events.size(), 2U);
+    EXPECT_EQ(std::get<std::vector<std::string>>(FieldOf(events[1], "words")->is), std::vector<std::string>{"20"});
+}
+
 TEST_F(NvmPage, EscWhileItIsWrittenLeavesTheChangePending)
 {
     person->Types(kCal2V, "1A2B").Clicks("cmdNVMsave(0)").Waits(500).Presses(Qt::Key_Escape);
@@ -168,6 +191,16 @@ TEST_F(NvmPage, EscWhileItIsWrittenLeavesTheChangePending)
     Saves();
     Runs();
     EXPECT_EQ(WordOf(32), 0x1A2B);
+}
+
+TEST_F(NvmPage, QuitWhileItIsWrittenLeavesInTheJournalWhatMayStandInTheMeter)
+{
+    person->Types(kCal2V, "1A2B").Clicks("cmdNVMsave(0)").Waits(500).Clicks("cmdQuit");
+    Runs();
+    const auto events = EventsOf("words written");
+    ASSERT_EQ(events.size(), 1U);
+    EXPECT_EQ(std::get<std::vector<std::string>>(FieldOf(events[0], "words")->is), std::vector<std::string>{"20"});
+    EXPECT_EQ(TextOf(events[0], "held"), "");
 }
 
 TEST_F(NvmPage, CancelShowsTheMetersWordsAgainWithoutAskingIt)
@@ -228,7 +261,7 @@ TEST_F(NvmPage, TellsTheJournalWhatWasThereWhatWasWrittenAndWhatIsHeld)
     const std::vector<JournalEvent> written = EventsOf("words written");
     ASSERT_EQ(written.size(), 1U);
     const JournalEvent &event = written.front();
-    EXPECT_EQ(TextOf(event, "page"), "View NVM");
+    EXPECT_EQ(TextOf(event, "by"), "View NVM");
     EXPECT_EQ(std::get<std::vector<std::string>>(FieldOf(event, "words")->is), (std::vector<std::string>{"21", "20"}));
     EXPECT_EQ(TextOf(event, "before").substr(30 * 4, 8), before);
     EXPECT_EQ(TextOf(event, "written").substr(30 * 4, 8), "3C4D1A2B");
