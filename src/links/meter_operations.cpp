@@ -242,11 +242,13 @@ void WaitPlainRestart()
     DelayMs(kRestartMs);
 }
 
-void WriteFilterCode(std::string_view filterCode)
+bool WriteFilterCode(std::string_view filterCode)
 {
     const std::string byte = ReadRamBytes(48, 1);
-    if (!byte.empty() && !Abort)
-        WriteNvmWords(17, byte + EncodeFilterCode(filterCode), "");
+    if (byte.empty() || Abort)
+        return false;
+    WriteNvmWords(17, byte + EncodeFilterCode(filterCode), "");
+    return true;
 }
 
 std::string EncodeFilterCode(std::string_view filterCode)
@@ -292,13 +294,13 @@ bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, in
     return true;
 }
 
-void LoadFactoryMeterSetup()
+bool LoadFactoryMeterSetup()
 {
     WriteNvmWords(18, "21D1", "");
-    if (!Abort)
-        WriteFilterCode("00116");
+    const bool heard = !Abort && WriteFilterCode("00116");
     if (!Abort)
         WriteDisplaySetupWords(4);
+    return heard && !Abort;
 }
 
 void MeterCommandA1()

@@ -48,7 +48,8 @@ void WaitMeterRestart();
 /// The same for a meter that is no CTR: 1750 ms.
 void WaitPlainRestart();
 
-void WriteFilterCode(std::string_view filterCode);
+/// False, with nothing written, when the meter did not answer or on Abort.
+bool WriteFilterCode(std::string_view filterCode);
 /// Five flags and digits to the two hex digits of word 17's low byte: "00116" is "36". "38" for another length.
 std::string EncodeFilterCode(std::string_view filterCode);
 /// Words 5, 4, 3 with the value in word 3's end.
@@ -59,8 +60,8 @@ void WriteDisplaySetupForward(int value);
 /// value of the display setup words. False, with nothing written, when a code or the meter's answer has the wrong
 /// length.
 bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
-/// Ends after the exchange in work on Abort.
-void LoadFactoryMeterSetup();
+/// Ends after the exchange in work on Abort. False then, and when the meter did not answer.
+bool LoadFactoryMeterSetup();
 
 void MeterCommandA1();  ///< first command after opening the link; 200 ms
 void MeterCommandC0();  ///< 500 ms

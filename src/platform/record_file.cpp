@@ -97,6 +97,12 @@ std::string WriteRecord(const std::string &path, std::size_t place, std::string_
     return file.Write(end, filled) && file.Sync() ? "" : Words();
 }
 
+std::string TryRecordFile(const std::string &path)
+{
+    const OpenFile file(path, O_RDWR);
+    return file.IsOpen() && file.Size() >= 0 ? "" : Words();
+}
+
 std::optional<std::string> ReadRecordFile(const std::string &path, std::size_t limit)
 {
     const OpenFile file(path, O_RDONLY);

@@ -17,6 +17,9 @@ std::string MakeRecordFile(const std::string &path, std::string_view bytes);
 /// blanks. "" when they are on the disk, otherwise the system's words; what stands at the place then isn't known.
 std::string WriteRecord(const std::string &path, std::size_t place, std::string_view bytes);
 
+/// Whether records could be written into a file that is there: "", otherwise the system's words. Changes nothing.
+std::string TryRecordFile(const std::string &path);
+
 /// The first `limit` bytes of the file, or all when there are fewer; nothing when it isn't there or can't be read.
 std::optional<std::string> ReadRecordFile(const std::string &path, std::size_t limit);
 

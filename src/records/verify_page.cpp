@@ -2,6 +2,7 @@
 
 #include "calibration/readings.h"
 #include "calibration/step_context.h"
+#include "calibration/step_journal.h"
 #include "links/calibrator.h"
 #include "links/meter_identity.h"
 #include "links/meter_operations.h"
@@ -56,10 +57,11 @@ struct VerifyPage {
     std::string value;  // for the calibrator, of this polarity
     std::array<std::string, kVerifySlots> readings;
     bool clicked = false;  // OK
+    bool unsaved = false;  // of a reading that could not be kept the file may hold a part
 };
 VerifyPage page;
 
-enum State { kOpening, kNoFile, kFileAway, kRange, kApplying, kMeasuring, kTaking, kWorking };
+enum State { kOpening, kUnset, kNoFile, kFileAway, kRange, kApplying, kMeasuring, kTaking, kWorking };
 
 VerifyView view;
 PageStates states;
@@ -69,6 +71,8 @@ const Prompt kPromptFile = {"Enter (optional) name or ID of unit tested and (opt
 const Prompt kPromptReady = {"Set jumpers and apply input as shown and click \"Ready\" to start range, or select a "
                              "different range"};
 const Prompt kPromptOk = {"Click \"OK\" when DPM reading has settled"};
+const Prompt kPromptUnset = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
+const Prompt kPromptStopped = {"Stopped before the meter was set up:\r\nclick the step again", true};
 
 // What stands on the page whatever it does, the unit's name, is in no row.
 std::vector<PageState> TableOfStates()
@@ -90,8 +94,9 @@ std::vector<PageState> TableOfStates()
         // clang-format off
         // state      on      keys to         prompt        not seen captions navigation
         {kOpening,   {},      nullptr,        kPromptFile,  {},      {},      Navigation::Free},
+        {kUnset,     {},      nullptr,        kPromptUnset, {},      {},      Navigation::Free},
         {kNoFile,    choose,  view.txtDpmID,  kPromptFile,  {},      {},      between},
-        {kFileAway,  ranges,  file,           kPromptFile,  {},      {},      between},
+        {kFileAway,  ranges,  file,           kPromptReady, {},      {},      between},
         {kRange,     start,   ready,          kPromptReady, {},      {},      between},
         {kApplying,  {},      nullptr,        kPromptReady, {},      {},      during},
         {kMeasuring, {ok},    ok,             kPromptOk,    {temp},  {},      during},
@@ -204,6 +209,8 @@ std::string OpenVerifyFile(bool isNew)
             trouble = Trouble("can't be made", words);
     } else if (!bytes) {
         trouble = Trouble("can't be read", "");
+    } else if (const std::string words = TryRecordFile(page.file); !words.empty()) {
+        trouble = Trouble("can't be written", words);
     }
     page.readings = VerifyReadings(bytes.value_or(""), SCType);
     ShowReadings();
@@ -266,26 +273,55 @@ bool ChooseVerifyFile(std::string &trouble)
 
 // ---- a reading ----
 
-void RecordReading(int record, const std::string &reading, const std::string &trouble)
+// `came` is what the meter showed, `kept` what its record holds of it.
+void RecordReading(int record, const std::string &came, const std::string &kept, const std::string &trouble)
 {
     Record("verification reading", {{"board", BoardName(SCType)},
                                     {"range", RangeName()},
                                     {"asked", page.value},
                                     {"reported", OutputConfirmed() ? GetLiveOutput().Value : ""},
-                                    {"reading", reading},
+                                    {"reading", came},
                                     {"record", record},
+                                    {"kept", kept},
                                     {"file", page.file},
                                     {"unit", page.dpmId},
                                     {"trouble", trouble}});
 }
 
-// On the disk before anything else happens.
-std::string KeepReading(const std::string &reading)
+// On the disk before anything else happens. "", otherwise why it isn't.
+std::string KeepReading(const std::string &came)
 {
     const int record = VerifyRecordOf(SCType, page.slot);
-    std::string words = WriteRecord(page.file, VerifyPlaceOf(record), reading);
-    RecordReading(record, reading, words);
+    const std::string kept = VerifyRecordText(came);
+    std::string words = WriteRecord(page.file, VerifyPlaceOf(record), kept);
+    page.unsaved = !words.empty();
+    RecordReading(record, came, kept, words);
     return words;
+}
+
+// A reading that was given up is taken out of the file again, and the page shows what that holds. "", otherwise why the
+// file may hold a part of it.
+std::string TakeBackUnsaved()
+{
+    if (!page.unsaved)
+        return "";
+    const auto slot = static_cast<std::size_t>(page.slot);
+    const std::string words =
+        WriteRecord(page.file, VerifyPlaceOf(VerifyRecordOf(SCType, page.slot)), page.readings[slot]);
+    page.unsaved = false;
+    if (const auto bytes = ReadRecordFile(page.file, kVerifyFileSize))
+        page.readings = VerifyReadings(*bytes, SCType);
+    return words.empty() ? "" : Trouble("may hold a part of the reading that was given up", words);
+}
+
+void RecordBrokenOff(const std::string &how)
+{
+    Record("verification broken off", {{"board", BoardName(SCType)},
+                                       {"range", RangeName()},
+                                       {"asked", page.value},
+                                       {"how", how},
+                                       {"file", page.file},
+                                       {"unit", page.dpmId}});
 }
 
 bool ApplyPolarity()
@@ -305,6 +341,17 @@ Prompt PromptOfInput()
     return {"The calibrator has not confirmed " + page.value + ": look at it first.\r\n" + kPromptOk.text, true};
 }
 
+// A reading is waited for however long; the operator sees what for, and his way out.
+void ShowDisplay(DisplayState now)
+{
+    if (now == DisplayState::Silent)
+        ShowPrompt(states, {"The meter does not answer: check its line.\r\nEsc removes the input", true});
+    else if (now == DisplayState::OverRange)
+        ShowPrompt(states, {"The display is over range: check the input.\r\nEsc removes it", true});
+    else
+        ShowPrompt(states, kPromptOk);
+}
+
 // Until it is in the file: a reading that could not be kept is taken again.
 bool TakeReadingOfSlot()
 {
@@ -315,17 +362,17 @@ bool TakeReadingOfSlot()
         WaitForOperator([] { return page.clicked; }, Escape::Stops);
         if (Abort)
             return false;
-        const std::string reading = VerifyRecordText(TakeReading(page.polarity));
+        const std::string came = TakeReading(page.polarity, ShowDisplay);
         if (Abort)
             return false;
-        const std::string words = KeepReading(reading);
+        const std::string words = KeepReading(came);
         if (words.empty()) {
-            page.readings[static_cast<std::size_t>(page.slot)] = reading;
+            page.readings[static_cast<std::size_t>(page.slot)] = VerifyRecordText(came);
             ShowReadings();
             ShowSlot(Use::Idle);
             return true;
         }
-        ShowUnsavedReading(view, page.slot, reading);
+        ShowUnsavedReading(view, page.slot, VerifyRecordText(came));
         prompt = {Trouble("did not take the reading", words) + "\r\n\"OK\" tries again, Esc removes the input", true};
     }
 }
@@ -350,13 +397,21 @@ void LeaveRange(Ended ended)
     RemoveInput();
     if (ended == Ended::Done) {
         SelectRange(page.selected < VerifyLastButton(SCType) ? page.selected + 1 : 0);
-    } else {
-        ShowSlot(Use::Idle);
-        ShowReadings();
-        RewindRange();
-        Hold(false);
+        return ShowRange("");
     }
-    ShowRange("");
+    RecordBrokenOff(HowEnded(ended));
+    const std::string trouble = TakeBackUnsaved();
+    ShowSlot(Use::Idle);
+    ShowReadings();
+    RewindRange();
+    Hold(false);
+    ShowRange(ended == Ended::Fault ? PromptOfFault(FaultWords()).text : trouble);
+}
+
+void NoteQuit()
+{
+    RecordBrokenOff("quit");
+    TakeBackUnsaved();
 }
 
 // ---- the operator ----
@@ -373,7 +428,7 @@ void cmdVfyRng_Click(int button)
 
 void cmdVfyReady_Click()
 {
-    RunPageProcedure(MeasureRange, LeaveRange);
+    RunPageProcedure(MeasureRange, LeaveRange, NoteQuit);
 }
 
 void cmdVfyOK_Click()
@@ -385,10 +440,18 @@ void cmdVfyOK_Click()
 void chkTempFile_Click()
 {
     page.temporary = view.chkTempFile->isChecked();
-    if (!page.temporary)
+    if (!page.temporary) {
+        Hold(false);  // without a file there is nothing to finish
         return DropTemporaryFile();
+    }
     std::string trouble;
     RunPageProcedure([&trouble] { OpenTemporaryFile(trouble); }, [&trouble](Ended) { ShowRange(trouble); });
+}
+
+// The name is put away, the file isn't.
+Prompt PromptOfFileAway()
+{
+    return {"Readings still go into " + NameOfPath(page.file) + "\r\n" + kPromptReady.text};
 }
 
 void cmdFileSpec_Click()
@@ -410,24 +473,34 @@ void cmdFileSpec_Click()
             if (chosen)
                 return ShowRange(trouble);
             Hold(false);
-            ShowPageState(states, before);
+            ShowPageState(states, before, before == kFileAway ? PromptOfFileAway() : kPromptFile);
         });
+}
+
+void RecordDone(bool loaded)
+{
+    Record("verification done",
+           {{"board", BoardName(SCType)}, {"file", page.file}, {"unit", page.dpmId}, {"factorySetup", loaded}});
 }
 
 void cmdVfyDone_Click()
 {
     const int before = states.now;
+    bool loaded = false;
     RunPageProcedure(
-        [] {
+        [&loaded] {
             ShowPageState(states, kWorking, {"Loading the meter's factory setup"});
             RemoveInput();
-            LoadFactoryMeterSetup();
+            loaded = LoadFactoryMeterSetup();
         },
-        [before](Ended ended) {
+        [before, &loaded](Ended ended) {
+            RecordDone(loaded);
             Hold(false);
             ShowPageState(states, before);
             if (ended != Ended::Done)
                 ShowPrompt(states, {"Stopped: the meter's factory setup isn't loaded", true});
+            else if (!loaded)
+                ShowPrompt(states, {"The meter did not answer: its factory setup isn't loaded", true});
         });
 }
 
@@ -470,9 +543,10 @@ void EnterVerifyPage()
     Hold(false);
     ShowPageState(states, kOpening);
     WriteDisplaySetupWords(kDisplaySetup);
-    if (!Abort)
-        WriteFilterCode(FilterCodeAtPosition(CurrentStepButton));
-    ShowPageState(states, kNoFile);
+    if (!Abort && WriteFilterCode(FilterCodeAtPosition(CurrentStepButton)))
+        ShowPageState(states, kNoFile);
+    else
+        ShowPageState(states, kUnset, Abort ? kPromptStopped : kPromptUnset);
 }
 
 void BuildVerifyPage(QFrame *frame)

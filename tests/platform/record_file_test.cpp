@@ -72,6 +72,15 @@ TEST_F(RecordFileTest, ThatIsNotThereIsNeitherMadeNorRead)
     EXPECT_EQ(ReadRecordFile("r.txt", 9), std::nullopt);
 }
 
+TEST_F(RecordFileTest, SaysBeforehandWhetherItCanBeWritten)
+{
+    MakeRecordFile("r.txt", "123456");
+    EXPECT_EQ(TryRecordFile("r.txt"), "");
+    EXPECT_EQ(Bytes(), "123456");
+    EXPECT_EQ(TryRecordFile("d.txt"), "No such file or directory");
+    EXPECT_EQ(CallsThatFail([] { return TryRecordFile("r.txt"); }), 2) << "open, size";
+}
+
 TEST_F(RecordFileTest, IsReadUpToALimit)
 {
     MakeRecordFile("r.txt", "123456");
@@ -85,6 +94,7 @@ TEST_F(RecordFileTest, IsAPlainFile)
     for (const std::string path : {"d", "/dev/null", ""}) {
         EXPECT_NE(MakeRecordFile(path, "x"), "") << path;
         EXPECT_NE(WriteRecord(path, 0, "x"), "") << path;
+        EXPECT_NE(TryRecordFile(path), "") << path;
         EXPECT_EQ(ReadRecordFile(path, 9), std::nullopt) << path;
     }
 }

@@ -84,6 +84,15 @@ protected:
     /// The display from now on.
     void Shows(const std::string &text) { bench->ShowNext({text}); }
 
+    static std::vector<JournalEvent> EventsOf(const std::string &kind)
+    {
+        std::vector<JournalEvent> found;
+        for (const JournalEvent &event : ReadJournal("."))
+            if (event.kind == kind)
+                found.push_back(event);
+        return found;
+    }
+
     static void WritesFile(const std::string &name, const std::string &bytes) { ASSERT_EQ(WriteFile(name, bytes), ""); }
 };
 

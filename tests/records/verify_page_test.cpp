@@ -7,6 +7,8 @@
 #include <QFileInfo>
 
 #include <cerrno>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -36,6 +38,19 @@ protected:
         for (const int record : records)
             file.replace(VerifyPlaceOf(record), 6, "      ");
         return file;
+    }
+
+    static void OneCallFails(int failing)
+    {
+        UseFileFaults([failing, calls = 0](FileCall) mutable { return FileFault{calls++ == failing ? EIO : 0, 0}; });
+    }
+
+    // Root may do all.
+    static void BecomeUser()
+    {
+        if (getuid() == 0) {
+            ASSERT_EQ(seteuid(65534), 0);
+        }
     }
 };
 
@@ -231,6 +246,7 @@ TEST_F(VerifyPage, ACancelledDialogPutsTheNameAwayAndKeepsTheFile)
     EXPECT_TRUE(IsEnabled(RangeButton(0)));
     EXPECT_FALSE(IsEnabled("cmdVfyReady"));
     EXPECT_TRUE(IsEnabled("cmdSetup"));
+    EXPECT_EQ(Text("lblInst(8)"), std::string("Readings still go into unit.vfy\n") + kPromptReady);
     person->Clicks(RangeButton(0)).WaitsFor("cmdVfyReady").Does([this] { Shows(" 77."); });
     GetsReady().Clicks("cmdVfyOK").WaitsUntil("it is kept", [] { return RecordOf(1, "unit.vfy") == "    77"; });
     Runs();
@@ -257,6 +273,16 @@ TEST_F(VerifyPage, WithoutTheTemporaryFileThereIsNoFile)
     EXPECT_FALSE(IsEnabled("cmdVfyReady"));
     EXPECT_FALSE(IsEnabled(RangeButton(0)));
     EXPECT_TRUE(HasFocus("cmdFileSpec"));
+}
+
+TEST_F(VerifyPage, WithoutAnyFileNothingHoldsTheOperator)
+{
+    Chooses("unit.vfy");
+    UsesTheTemporaryFile().Does([] { EXPECT_FALSE(IsEnabled("cmdSetup")); });
+    person->Clicks("chkTempFile");
+    Runs();
+    EXPECT_FALSE(IsEnabled("cmdVfyDone"));
+    EXPECT_TRUE(IsEnabled("cmdSetup"));
 }
 
 TEST_F(VerifyPage, AFileOfAnotherProgramIsWrittenIntoOnlyWhenTheOperatorSaysSo)
@@ -305,6 +331,58 @@ TEST_F(VerifyPage, AFileThatCannotBeReadIsNotEmptied)
     UseFileFaults(nullptr);
     EXPECT_EQ(Fill("shpInst(8)"), kRed);
     EXPECT_EQ(ReadFile("unit.vfy"), FileWithout({}));
+}
+
+TEST_F(VerifyPage, AFileThatIsThereIsNeverChangedByACallThatFails)
+{
+    for (int failing = 0; failing < 8; ++failing) {
+        SCOPED_TRACE("file call " + std::to_string(failing));
+        WritesFile("unit.vfy", FileWithout({4}));
+        person->Clicks("cmdFileSpec").Does([failing] { OneCallFails(failing); });
+        person->ChoosesFile(Path("unit.vfy")).WaitsFor("cmdVfyReady").Does([failing] {
+            UseFileFaults(nullptr);
+            EXPECT_EQ(Fill("shpInst(8)") == kRed, failing >= 3) << "the first three look whose file it is";
+        });
+        Runs();
+        EXPECT_EQ(ReadFile("unit.vfy"), FileWithout({4}));
+    }
+}
+
+TEST_F(VerifyPage, AFileIsMadeWholeOrItIsTold)
+{
+    for (int failing = 1; failing < 6; ++failing) {
+        SCOPED_TRACE("file call " + std::to_string(failing));
+        QFile::remove("new.vfy");
+        person->Clicks("cmdFileSpec").Does([failing] { OneCallFails(failing); });
+        person->ChoosesFile(Path("new.vfy")).WaitsFor("cmdVfyReady").Does([failing] {
+            UseFileFaults(nullptr);
+            EXPECT_EQ(Fill("shpInst(8)") == kRed, failing >= 2);
+        });
+        Runs();
+        EXPECT_EQ(ReadFile("new.vfy") == EmptyVerifyFile(), failing < 2 || failing == 5);
+    }
+}
+
+TEST_F(VerifyPage, AFileThatIsClosedToTheUserIsToldBeforeAnInputIsApplied)
+{
+    WritesFile("mine.vfy", FileWithout({4}));
+    QDir().mkdir("closed");
+    WritesFile("closed/theirs.vfy", "");
+    const struct {
+        const char *file;
+        const char *told;
+    } kFiles[] = {{"mine.vfy", "mine.vfy can't be written: Permission denied\n"},
+                  {"closed/new.vfy", "new.vfy can't be made: Permission denied\n"}};
+    ASSERT_EQ(chmod(".", 0755) + chmod("mine.vfy", 0444) + chmod("closed", 0555), 0);
+    for (const auto &each : kFiles) {
+        person->Clicks("cmdFileSpec").Does([] { BecomeUser(); }).ChoosesFile(Path(each.file)).WaitsFor("cmdVfyReady");
+        Runs();
+        ASSERT_EQ(seteuid(getuid()), 0);
+        EXPECT_EQ(Text("lblInst(8)"), each.told + std::string(kPromptReady));
+        EXPECT_EQ(Fill("shpInst(8)"), kRed);
+    }
+    EXPECT_EQ(ReadFile("mine.vfy"), FileWithout({4}));
+    ASSERT_EQ(chmod("closed", 0755), 0);
 }
 
 // ---- what goes wrong ----
@@ -365,11 +443,88 @@ TEST_F(VerifyPage, EscEndsTheReadingOfASilentMeterAndWritesNothing)
 {
     UsesTheTemporaryFile();
     GetsReady().Does([this] { bench->SwitchFault("silent-meter", true); });
-    person->Clicks("cmdVfyOK").Waits(5000).Does([] { EXPECT_FALSE(IsEnabled("cmdVfyReady")); });
+    person->Clicks("cmdVfyOK").Waits(5000).Does([] {
+        EXPECT_FALSE(IsEnabled("cmdVfyReady"));
+        EXPECT_EQ(Text("lblInst(8)"), "The meter does not answer: check its line.\nEsc removes the input");
+        EXPECT_EQ(Fill("shpInst(8)"), kRed);
+    });
     person->Presses(Qt::Key_Escape).WaitsFor("cmdVfyReady");
     Runs();
     EXPECT_EQ(RecordOf(1), "      ");
     EXPECT_FALSE(Operates());
+}
+
+TEST_F(VerifyPage, ADisplayOverRangeIsToldUntilItReads)
+{
+    UsesTheTemporaryFile();
+    GetsReady().Does([this] { bench->SwitchFault("over-range", true); });
+    person->Clicks("cmdVfyOK").Waits(5000).Does([this] {
+        EXPECT_EQ(Text("lblInst(8)"), "The display is over range: check the input.\nEsc removes it");
+        EXPECT_EQ(Fill("shpInst(8)"), kRed);
+        bench->SwitchFault("over-range", false);
+    });
+    person->WaitsFor("cmdVfyOK").Does([] { EXPECT_EQ(Text("lblInst(8)"), kPromptOk); });
+    Runs();
+    EXPECT_NE(RecordOf(1), "      ");
+}
+
+TEST_F(VerifyPage, ASilentMeterThatCouldNotBeSetUpIsNotVerified)
+{
+    bench->SwitchFault("silent-meter", true);
+    person->Clicks(VerifyStep()).WaitsUntil("it is told", [] { return Fill("shpInst(8)") == kRed; }).Does([] {
+        EXPECT_EQ(Text("lblInst(8)"), "The meter did not answer:\ncheck its line, then click the step again");
+        EXPECT_FALSE(IsEnabled("cmdFileSpec"));
+        EXPECT_FALSE(IsEnabled("chkTempFile"));
+        EXPECT_TRUE(IsEnabled(StepButton(4)));
+    });
+    person->Does([this] { bench->SwitchFault("silent-meter", false); }).Clicks(VerifyStep()).WaitsFor("cmdFileSpec");
+    Runs();
+    EXPECT_NE(Fill("shpInst(8)"), kRed);
+}
+
+TEST_F(VerifyPage, TheFactorySetupThatASilentMeterDidNotTakeIsTold)
+{
+    UsesTheTemporaryFile().Does([this] { bench->SwitchFault("silent-meter", true); });
+    person->Clicks("cmdVfyDone").WaitsUntil("it is told", [] { return Fill("shpInst(8)") == kRed; });
+    Runs();
+    EXPECT_EQ(Text("lblInst(8)"), "The meter did not answer: its factory setup isn't loaded");
+}
+
+TEST_F(VerifyPage, AReadingThatWasGivenUpDoesNotStandInTheFileByHalf)
+{
+    for (const FileCall failing : {FileCall::Write, FileCall::Sync}) {
+        Opens(kDc);
+        Chooses("unit.vfy").Does([this] { Shows("-19999."); });
+        GetsReady().Does([failing] {
+            UseFileFaults([failing](FileCall call) { return FileFault{call == failing ? EIO : 0, 2}; });
+        });
+        person->Clicks("cmdVfyOK").WaitsFor("cmdVfyOK").Does([] {
+            EXPECT_NE(RecordOf(1, "unit.vfy"), "      ") << "a part of it, or more";
+            UseFileFaults(nullptr);
+        });
+        person->Presses(Qt::Key_Escape).WaitsFor("cmdVfyReady");
+        Runs();
+        EXPECT_EQ(RecordOf(1, "unit.vfy"), "      ");
+        EXPECT_EQ(Text(ReadingLabel(0)), "      ");
+        EXPECT_NE(Fill("shpInst(8)"), kRed);
+    }
+}
+
+TEST_F(VerifyPage, APartThatCannotBeTakenOutOfTheFileIsShownAndTold)
+{
+    Chooses("unit.vfy").Does([this] { Shows("-19999."); });
+    GetsReady().Does([] {
+        UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Sync ? EIO : 0, 0}; });
+    });
+    person->Clicks("cmdVfyOK").WaitsFor("cmdVfyOK").Does([] { QFile("unit.vfy").resize(162); });
+    person->Does([] { UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Write ? EIO : 0, 0}; }); });
+    person->Presses(Qt::Key_Escape).WaitsFor("cmdVfyReady");
+    Runs();
+    EXPECT_EQ(Text(ReadingLabel(0)), "-19999") << "what the file holds";
+    EXPECT_EQ(Text("lblInst(8)"),
+              std::string("unit.vfy may hold a part of the reading that was given up: Input/output error\n") +
+                  kPromptReady);
+    EXPECT_EQ(Fill("shpInst(8)"), kRed);
 }
 
 TEST_F(VerifyPage, AnotherStepTakesTheInputOffFirst)
@@ -418,19 +573,34 @@ TEST_F(VerifyPage, EnteredAgainItBeginsAfresh)
 
 TEST_F(VerifyPage, TellsTheJournalEachReadingWithWhatWasAskedAndReported)
 {
-    UsesTheTemporaryFile().Types("txtDpmID", "A7").Does([this] { Shows(" 77."); });
+    UsesTheTemporaryFile().Types("txtDpmID", "A7").Does([this] { Shows("-123456."); });
     GetsReady().Clicks("cmdVfyOK").WaitsFor("cmdVfyOK");
     Runs();
-    std::vector<JournalEvent> readings;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == "verification reading")
-            readings.push_back(event);
+    const auto readings = EventsOf("verification reading");
     ASSERT_EQ(readings.size(), 1U);
     EXPECT_EQ(TextOf(readings[0], "asked"), "200 mV");
     EXPECT_EQ(TextOf(readings[0], "reported"), "200.0 mV");
-    EXPECT_EQ(TextOf(readings[0], "reading"), "    77");
+    EXPECT_EQ(TextOf(readings[0], "reading"), "-123456") << "as it came";
+    EXPECT_EQ(TextOf(readings[0], "kept"), "123456");
     EXPECT_EQ(NumberOf(readings[0], "record"), 1);
     EXPECT_EQ(TextOf(readings[0], "unit"), "A7");
+}
+
+TEST_F(VerifyPage, TellsTheJournalHowARangeEndedThatWasNotReadToItsEnd)
+{
+    Chooses("unit.vfy");
+    GetsReady().Presses(Qt::Key_Escape).WaitsFor("cmdVfyReady");
+    person->Clicks("cmdVfyDone").WaitsFor("cmdVfyDone");
+    GetsReady().Clicks("cmdQuit");
+    Runs();
+    const auto ends = EventsOf("verification broken off");
+    ASSERT_EQ(ends.size(), 2U);
+    EXPECT_EQ(TextOf(ends[0], "how"), "stopped");
+    EXPECT_EQ(TextOf(ends[0], "range"), "200 mV");
+    EXPECT_EQ(TextOf(ends[1], "how"), "quit");
+    const auto done = EventsOf("verification done");
+    ASSERT_EQ(done.size(), 1U);
+    EXPECT_TRUE(std::get<bool>(FieldOf(done[0], "factorySetup")->is));
 }
 
 // ---- print ----
@@ -447,11 +617,10 @@ TEST_F(VerifyPage, PrintsTheFileAndNotTheScreen)
     Chooses("unit.vfy").Types("txtDpmID", "A1234").Does([] { WritesFile("unit.vfy", FileWithout({4})); });
     person->Clicks("cmdVfyPrint").WaitsFor("cmdVfyPrint");
     Runs();
-    const std::vector<PrintedLine> wanted = VerifyTable(FileWithout({4}), kDc, "A1234", "unit.vfy");
-    ASSERT_EQ(printed.size(), wanted.size());
-    for (std::size_t line = 0; line < printed.size(); ++line)
-        EXPECT_EQ(printed[line].text, wanted[line].text);
-    EXPECT_THAT(printed[2].text, testing::HasSubstr("DPM ID = A1234"));
+    ASSERT_EQ(printed.size(), 7U);
+    EXPECT_EQ(printed[2].text, "DPM ID = A1234                                           File Name = unit.vfy");
+    EXPECT_EQ(printed[5].text, " +DC     1001    1003    1005    1007    1009    1011    1013    1015    1017");
+    EXPECT_EQ(printed[6].text, " -DC     1002            1006    1008    1010    1012    1014    1016    1018");
     EXPECT_FALSE(IsEnabled(StepButton(4))) << "the file still holds the operator";
 }
 
