@@ -13,6 +13,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPrinterInfo>
 #include <QRegularExpression>
 
 namespace ombrix::test {
@@ -149,6 +150,80 @@ TEST_F(OperatorDialogs, LongLinesShrinkThePageInsteadOfBeingCut)
     EXPECT_NEAR(Points("short.pdf"), 12, 0.1);
     EXPECT_GT(Points("long.pdf"), 9);
     EXPECT_LT(Points("long.pdf"), 9.7) << "100 letters, 0.6 of that wide each, on 575 points";
+}
+
+TEST_F(OperatorDialogs, AFileThatCannotBeMadeIsToldAndAskedAgain)
+{
+    std::string trouble = "?";
+    std::vector<std::string> told;
+    person.Does([&] { trouble = outlets.print("Verification", {{"text"}}, 12); });
+    for (const std::string &path : {Path("missing/page.pdf"), Path("images")})
+        person.PrintsTo(path)
+            .WaitsUntil("it is told", [] { return ScriptedOperator::Box() != nullptr; })
+            .Does([&] { told.push_back(ScriptedOperator::BoxText()); })
+            .AnswersBox("OK");
+    person.PrintsTo(Path("page.pdf"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_EQ(told, (std::vector<std::string>{"There is no such folder: " + Path("missing"),
+                                              Path("images") + " is a folder."}));
+    EXPECT_EQ(trouble, "");
+    EXPECT_TRUE(Written("page.pdf").startsWith("%PDF"));
+}
+
+TEST_F(OperatorDialogs, AFileThatIsThereIsPrintedOverOnlyWhenTheOperatorSaysSo)
+{
+    WriteFile("page.pdf", "another's");
+    person.Does([] { outlets.print("Verification", {{"text"}}, 12); }).PrintsTo(Path("page.pdf"));
+    person.AnswersBox("Cancel").Does([] {
+        EXPECT_EQ(Written("page.pdf"), "another's");
+        EXPECT_TRUE(ScriptedOperator::Sees("dlgPrint"));
+    });
+    person.PrintsTo(Path("page.pdf")).AnswersBox("OK");
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_TRUE(Written("page.pdf").startsWith("%PDF"));
+}
+
+TEST_F(OperatorDialogs, QuitTakesThePrintDialogAwayAlsoUnderABox)
+{
+    bool printed = false;
+    person.Does([&] {
+        outlets.print("Verification", {{"text"}}, 12);
+        printed = true;
+    });
+    person.PrintsTo(Path("images"))
+        .WaitsUntil("it is told", [] { return ScriptedOperator::Box() != nullptr; })
+        .Clicks("cmdQuit");
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_TRUE(Quitting);
+    EXPECT_FALSE(printed) << "whoever asked is unwound";
+}
+
+TEST_F(OperatorDialogs, AFileIsOfferedWhereThereIsNoPrinter)
+{
+    person.Does([] { outlets.print("Verification", {{"text"}}, 12); })
+        .WaitsUntil("it is up", [] { return ScriptedOperator::IsEnabled("cmdPrint"); })
+        .Does([] {
+            if (QPrinterInfo::defaultPrinterName().isEmpty()) {
+                EXPECT_EQ(ScriptedOperator::Text("txtPrintFile"),
+                          QDir::home().filePath("Verification.pdf").toStdString());
+                EXPECT_TRUE(ScriptedOperator::IsEnabled("txtPrintFile"));
+            }
+        })
+        .Clicks("cmdPrintBrowse")
+        .ChoosesFile(Path("images/table.pdf"))
+        .Does([] { EXPECT_EQ(ScriptedOperator::Text("txtPrintFile"), Path("images/table.pdf")); })
+        .Clicks("cmdPrintCancel");
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_FALSE(QFile::exists("images/table.pdf"));
+}
+
+TEST_F(OperatorDialogs, APageThatCannotBeBegunIsTold)
+{
+    std::string trouble = "?";
+    person.Does([&] { trouble = outlets.print("Verification", {{"text"}}, 12); });
+    person.Does([] { ASSERT_TRUE(QFile::link("/dev/full/nothing.pdf", "gone.pdf")); }).PrintsTo(Path("gone.pdf"));
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_EQ(trouble, "Could not be printed: " + Path("gone.pdf"));
 }
 
 TEST_F(OperatorDialogs, ACancelledPrintWritesNothingAndIsNoTrouble)

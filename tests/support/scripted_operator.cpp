@@ -9,7 +9,6 @@
 #include "widgets/key_guard.h"
 
 #include <QAbstractButton>
-#include <QAbstractPrintDialog>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -192,13 +191,14 @@ ScriptedOperator &ScriptedOperator::ChoosesFile(const std::string &path)
 ScriptedOperator &ScriptedOperator::PrintsTo(const std::string &path)
 {
     return Then(
-        "print to " + path, [] { return Open<QAbstractPrintDialog>() != nullptr; },
+        "print to " + path, [] { return IsEnabled("cmdPrint"); },
         [path] {
-            auto *dialog = Open<QAbstractPrintDialog>();
-            auto *printers = dialog->findChild<QComboBox *>("printers");
-            printers->setCurrentIndex(printers->findText("PDF", Qt::MatchContains));
-            dialog->findChild<QLineEdit *>("filename")->setText(Name(path));
-            ClickButton(dialog, path.empty() ? QDialogButtonBox::Cancel : QDialogButtonBox::Ok, QDialogButtonBox::Ok);
+            auto *printers = qobject_cast<QComboBox *>(Find("cboPrinter"));
+            printers->setCurrentIndex(printers->findText("PDF file"));
+            qobject_cast<QLineEdit *>(Find("txtPrintFile"))->setText(Name(path));
+            QTest::mouseClick(Find(path.empty() ? "cmdPrintCancel" : "cmdPrint"), Qt::LeftButton);
+            if (!Sees("dlgPrint"))
+                QApplication::setActiveWindow(MainWindow());
         });
 }
 
