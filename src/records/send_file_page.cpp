@@ -41,6 +41,7 @@ namespace {
 
 constexpr int kSendFilePage = 8;
 constexpr int kReadEveryMs = 500;
+const WordRun kExtendedMark = {127, "8000"};
 
 // ---- what the page knows ----
 
@@ -51,6 +52,7 @@ struct SendFilePage {
     std::string SendImage;     // as read
     RangeDescription range;    // of a file that can be sent
     Sent sent = Sent::No;
+    bool recorded = true;    // that it was sent
     bool okClicked = false;  // the operator has compared the reading
     std::string reported;    // what the calibrator said that it delivers at the test
     std::string reading;     // the last one
@@ -186,10 +188,26 @@ bool WriteImage(const std::vector<WordRun> &runs)
     return true;
 }
 
-bool MakeExtended(const WordRun &mark)
+bool MakeExtended()
 {
     WriteRamBytes(53, "80");
-    return !MeterLineIsGone() && Write(mark, "");
+    return !MeterLineIsGone() && Write(kExtendedMark, "");
+}
+
+// Of a file that was begun: what of it stands in the meter, when not whole, nobody knows.
+void RecordSent()
+{
+    std::vector<WordRun> runs = RunsOfDpm(page.SendImage, SCType);
+    const bool extended = IsExtended(page.SendImage);
+    if (extended)
+        runs.push_back(kExtendedMark);
+    RecordWordsWritten("Send File", runs);
+    Record("file sent", {{"file", page.SendFileName},
+                         {"board", BoardName(SCType)},
+                         {"image", DigitsAt(page.SendImage, 1, kDpmDigits)},
+                         {"extended", extended},
+                         {"whole", page.sent == Sent::Whole}});
+    page.recorded = true;
 }
 
 // What has begun is finished, also behind Esc: half a configuration is worse than either.
@@ -202,18 +220,10 @@ void SendFile()
     ShowPageState(view.states, kWriting);
     RememberName();
     page.sent = Sent::Partly;
-    const WordRun mark = {127, "8000"};
-    std::vector<WordRun> runs = RunsOfDpm(page.SendImage, SCType);
-    if (WriteImage(runs) && (!extended || MakeExtended(mark)))
+    page.recorded = false;
+    if (WriteImage(RunsOfDpm(page.SendImage, SCType)) && (!extended || MakeExtended()))
         page.sent = Sent::Whole;
-    if (extended)
-        runs.push_back(mark);
-    RecordWordsWritten("Send File", runs);
-    Record("file sent", {{"file", page.SendFileName},
-                         {"board", BoardName(SCType)},
-                         {"image", DigitsAt(page.SendImage, 1, kDpmDigits)},
-                         {"extended", extended},
-                         {"whole", page.sent == Sent::Whole}});
+    RecordSent();
 }
 
 void OfferTest()
@@ -226,8 +236,15 @@ void OfferTest()
     ShowPageState(view.states, kTestOffered);
 }
 
+void RecordWhatWasBegun()
+{
+    if (!page.recorded)
+        RecordSent();
+}
+
 void LeaveSending(Ended)
 {
+    RecordWhatWasBegun();
     if (page.sent == Sent::No)
         ShowPageState(view.states, kFileGood);
     else if (page.sent == Sent::Partly)
@@ -339,9 +356,9 @@ void LeaveTest(Ended ended)
 void cmdSendFile_Click()
 {
     if (view.states.now == kTestOffered)
-        RunPageProcedure(TestFile, LeaveTest);
+        RunPageProcedure(TestFile, LeaveTest, [] { RecordTest("quit"); });
     else
-        RunPageProcedure(SendFile, LeaveSending);
+        RunPageProcedure(SendFile, LeaveSending, RecordWhatWasBegun);
 }
 
 void cmdSFSkipOK_Click()

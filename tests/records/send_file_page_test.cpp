@@ -538,12 +538,25 @@ TEST_F(WiredFile, ThatWasNotWrittenToItsEndIsNotCalledComplete)
     EXPECT_EQ(WordOf(16), 0x0060);
 }
 
+TEST_F(WiredFile, ThatQuitBrokeOffIsInTheJournal)
+{
+    ASSERT_NO_FATAL_FAILURE(Opens());
+    person->Clicks("cmdSendFile").Waits(50).Clicks("cmdQuit");
+    person->Runs();
+    const auto sent = EventsOf("file sent");
+    ASSERT_EQ(sent.size(), 1U);
+    EXPECT_FALSE(std::get<bool>(FieldOf(sent[0], "whole")->is));
+    EXPECT_EQ(EventsOf("words written").size(), 1U);
+}
+
 TEST_F(WiredFile, BegunIsFinishedAlsoBehindEsc)
 {
     ASSERT_NO_FATAL_FAILURE(Opens());
     person->Clicks("cmdSendFile").Presses(Qt::Key_Escape).WaitsFor("cmdSFSkipOK");
     ASSERT_TRUE(person->Runs()) << person->Trouble();
     EXPECT_EQ(ToMeter().size(), 4U);
+    EXPECT_EQ(HexText(WordOf(106), 4) + HexText(WordOf(24), 4),
+              Sample("zsc1.dpm").substr(176, 4) + Sample("zsc1.dpm").substr(20, 4));
     EXPECT_EQ(Text("cmdSendFile"), "Test");
 }
 
