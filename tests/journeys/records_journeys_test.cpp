@@ -1,6 +1,7 @@
 // A meter's records: every range verified into a file, words changed by name and by number. And what can go wrong then.
 
 #include "journeys/page_loops.h"
+#include "journeys/shown_readings.h"
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "model/verify_file.h"
@@ -43,25 +44,6 @@ std::string Path(const std::string &file)
     return QDir::current().filePath(QString::fromStdString(file)).toStdString();
 }
 
-// What the display showed last, without its point, as a record of the file holds it.
-std::string LastShown(const bench::Bench &bench)
-{
-    std::string shown;
-    bool asked = false;
-    for (const auto &line : bench.Transcript()) {
-        if (line.line != bench::Line::Meter)
-            continue;
-        if (!line.fromStation && asked)
-            shown = line.text.substr(0, line.text.find('\\'));
-        asked = line.fromStation && line.text == "*1B1\\r";
-    }
-    std::string digits;
-    for (const char c : shown)
-        if (c != '.' && c != ' ')
-            digits += c;
-    return std::string(6 - std::min<std::size_t>(digits.size(), 6), ' ') + digits;
-}
-
 Wiring WiringOf(int board, bool manual, bool uut)
 {
     Wiring wiring;
@@ -72,57 +54,7 @@ Wiring WiringOf(int board, bool manual, bool uut)
     return wiring;
 }
 
-struct VerifyCase {
-    const char *name;
-    int board;
-    bool manual;
-};
-
-class VerifyJourney : public testing::TestWithParam<VerifyCase>
-{
-};
-
 }  // namespace
-
-TEST_P(VerifyJourney, KeepsOfEveryRangeWhatTheMeterShowed)
-{
-    const int board = GetParam().board;
-    BenchStation station(WiringOf(board, GetParam().manual, false));
-    ASSERT_TRUE(station.Establishes());
-    std::string wanted = EmptyVerifyFile();
-    station.person.Clicks(ButtonOf(Step::Verify)).Clicks("cmdFileSpec").ChoosesFile(Path("unit.vfy"));
-    const int polarities = VerifyTwoPolarity(board) ? 2 : 1;
-    for (int button = 0; button <= VerifyLastButton(board); ++button) {
-        station.person.Clicks("cmdVfyReady").WaitsFor("cmdVfyOK");
-        for (int polarity = 0; polarity < polarities; ++polarity) {
-            const int slot = 2 * button + polarity;
-            const std::string shape = "shpVfyRdg(" + std::to_string(slot) + ")";
-            station.person.WaitsUntil("the input stands", [shape] {
-                return ScriptedOperator::IsEnabled("cmdVfyOK") && ScriptedOperator::Fill(shape) == "#00ffff";
-            });
-            station.person.Clicks("cmdVfyOK").WaitsUntil("it was read", [shape] {
-                return ScriptedOperator::Fill(shape) != "#00ffff";
-            });
-            station.person.Does([&wanted, &station, board, slot] {
-                wanted.replace(VerifyPlaceOf(VerifyRecordOf(board, slot)), 6, LastShown(station.bench));
-                EXPECT_EQ(ReadFile("unit.vfy"), wanted) << "slot " << slot;
-            });
-        }
-        station.person.WaitsFor("cmdVfyReady");
-    }
-    station.person.Clicks("cmdVfyDone").WaitsFor("cmdSetup");
-    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
-    EXPECT_EQ(ReadFile("unit.vfy"), wanted);
-    EXPECT_EQ(FirstEmptyRange(wanted, board), 0) << "nothing is missing";
-    EXPECT_FALSE(station.bench.CalibratorNow().operating);
-    EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
-}
-
-INSTANTIATE_TEST_SUITE_P(OfABoard, VerifyJourney,
-                         testing::Values(VerifyCase{"Dc", kDc, false}, VerifyCase{"Ac", kAc, false},
-                                         VerifyCase{"Ac3", kAc3, false}, VerifyCase{"Lc", kLc, false},
-                                         VerifyCase{"DcByHand", kDc, true}),
-                         [](const testing::TestParamInfo<VerifyCase> &info) { return info.param.name; });
 
 TEST(VerifyJourneys, DcAndAcReadingsOfAUnitShareAFile)
 {
