@@ -162,24 +162,43 @@ PageScript VerifyScript()
     return script;
 }
 
-// A word changed, saved, and what comes of it; a change that is left over is cancelled.
+// Another word into a field, saved, and what comes of it; a change that is left over is cancelled.
+void Changes(BenchStation &station, const std::string &field, const std::string &save, const std::string &cancel)
+{
+    const bool high = ScriptedOperator::Text(field) == "1234";
+    station.person.Types(field, high ? "1235" : "1234").Clicks(save).WaitsUntil("the save has ended", [cancel] {
+        return NavigationIsFree() || ScriptedOperator::IsEnabled(cancel);
+    });
+    station.person.Does([&station, cancel] {
+        if (!NavigationIsFree())
+            Leaves(station, cancel, kStepEntry);
+    });
+}
+
+// The same word by its number, and back.
+void GoesOnByNumber(BenchStation &station)
+{
+    station.person.Does([&station] {
+        if (!ScriptedOperator::IsEnabled("cmdNVMWord(0)"))
+            return;
+        station.person.Clicks("cmdNVMWord(0)").Types("txtNVMWord(0)", "27").Clicks("cmdNVMWord(2)");
+        station.person.WaitsFor("cmdNVMWord(2)").Does([&station] {
+            if (ScriptedOperator::IsEnabled("txtNVMWord(1)"))
+                Changes(station, "txtNVMWord(1)", "cmdNVMWord(3)", "cmdNVMWord(4)");
+            station.person.Does([&station] { Leaves(station, "cmdNVMWord(5)", kStepEntry); });
+        });
+    });
+}
+
 PageScript EditorScript()
 {
     PageScript script;
     script.works = [](BenchStation &station, const std::string &) {
         Leaves(station, ButtonOf(Step::ViewNvm), kStepEntry);
         station.person.Does([&station] {
-            if (!ScriptedOperator::IsEnabled("txtNVM(14)"))
-                return;
-            const bool high = ScriptedOperator::Text("txtNVM(14)") == "1234";
-            station.person.Types("txtNVM(14)", high ? "1235" : "1234").Clicks("cmdNVMsave(0)");
-            station.person.WaitsUntil("the save has ended", [] {
-                return NavigationIsFree() || ScriptedOperator::IsEnabled("cmdNVMcancel(0)");
-            });
-            station.person.Does([&station] {
-                if (!NavigationIsFree())
-                    Leaves(station, "cmdNVMcancel(0)", kStepEntry);
-            });
+            if (ScriptedOperator::IsEnabled("txtNVM(14)"))
+                Changes(station, "txtNVM(14)", "cmdNVMsave(0)", "cmdNVMcancel(0)");
+            GoesOnByNumber(station);
         });
     };
     script.begins = [](BenchStation &station) {
