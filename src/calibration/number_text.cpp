@@ -13,6 +13,8 @@ std::string NormaliseNumberText(std::string_view text, const std::string &before
     const std::size_t point = std::min(text.find('.'), text.size());
     std::string whole(text.substr(0, point));
     std::string rest(text.substr(std::min(point + 1, text.size())));
+    if ((whole + rest).find_first_not_of("0123456789") != std::string::npos)
+        return before;
     whole.erase(0, std::min(whole.find_first_not_of('0'), whole.size()));
     if (whole.size() > digits)
         return before;

@@ -7,7 +7,8 @@
 namespace ombrix {
 
 /// `text` with exactly so many decimals: missing ones are filled with 0, surplus ones cut, leading zeros dropped; ""
-/// and "-" are zero. `before` when there are more than `digits` digits in front of the point.
+/// and "-" are zero. `before` for what is no such number (a sign inside it, a letter) and when there are more than
+/// `digits` digits in front of the point.
 std::string NormaliseNumberText(std::string_view text, const std::string &before, std::size_t decimals,
                                 std::size_t digits);
 

@@ -35,7 +35,8 @@ TEST(RtdCurrent, TakesADesiredReadingWithoutItsPoint)
         float counts;
     } constexpr kRows[] = {{"1356.4", "1356.4", 13564}, {"1356.0", "1356.0", 13560}, {"32.0", "32.0", 320},
                            {"-12.5", "-12.5", -125},    {"1400", "1356.4", 13564},   {"0.0", "0.0", 0},
-                           {"", "1356.4", 13564},       {"20.57", "20.5", 205},      {"12345.6", "1356.4", 13564}};
+                           {"", "1356.4", 13564},       {"20.57", "20.5", 205},      {"12345.6", "1356.4", 13564},
+                           {"1-3.5", "1356.4", 13564},  {"warm.", "1356.4", 13564}};
     for (const auto &row : kRows) {
         EXPECT_EQ(RtdDesiredFrom(row.setting), row.text) << row.setting;
         EXPECT_EQ(RtdCounts(row.text), row.counts);
