@@ -12,6 +12,7 @@
 #include "session/procedure.h"
 #include "session/state.h"
 
+#include <cmath>
 #include <cstdlib>
 #include <optional>
 
@@ -191,12 +192,15 @@ std::string ReadingErrorText()
     return std::to_string(ReadingError());
 }
 
+bool IsFarFromTarget(double reading, std::int32_t target)
+{
+    return std::abs(reading - target) > (target == 0 ? kFarFromZero : std::abs(target) / 10.0);
+}
+
 bool ReadingIsFar()
 {
-    const std::int32_t target = step.TargetCounts;
-    const double limit = target == 0 ? kFarFromZero : std::abs(target) / 10.0;
-    const bool minusIsFar = step.TurnoverStep && std::abs(static_cast<double>(step.Readings[1]) + target) > limit;
-    return std::abs(static_cast<double>(step.Readings[0]) - target) > limit || minusIsFar;
+    return IsFarFromTarget(step.Readings[0], step.TargetCounts) ||
+           (step.TurnoverStep && IsFarFromTarget(step.Readings[1], -step.TargetCounts));
 }
 
 std::string AwaitDisplay(const std::function<void(Following why)> &missed)

@@ -35,8 +35,12 @@ std::string MeanReadingText();
 std::int32_t ReadingError();
 /// The same as the grid shows it.
 std::string ReadingErrorText();
-/// A reading of either polarity is off by more than a tenth of the target, or 1000 counts where the target is 0.
+/// A reading is off by more than a tenth of its target, or 1000 counts where the target is 0.
+bool IsFarFromTarget(double reading, std::int32_t target);
+/// A kept reading of either polarity is.
 bool ReadingIsFar();
+/// What the operator is told then.
+constexpr std::string_view kReadingIsFar = "Reading is far from the target: check input, jumpers and wires";
 
 // ---- a reading that can be stopped ----
 

@@ -183,7 +183,7 @@ Prompt PromptOfRound()
         prompt = {GetCorrectionLimited() ? kPromptLimited.text + "\r\n" + why : why, true};
     }
     if (ReadingIsFar()) {
-        prompt.text += "\r\nReading is far from the target: check input, jumpers and wires";
+        prompt.text += "\r\n" + std::string(kReadingIsFar);
         prompt.trouble = true;
     }
     if (page.chosen + 1 < static_cast<int>(page.rounds.size()))
