@@ -1,5 +1,6 @@
 #include "procedures/rtd_page.h"
 
+#include "calibration/memory_journal.h"
 #include "calibration/number_text.h"
 #include "calibration/readings.h"
 #include "calibration/rtd_current.h"
@@ -56,6 +57,7 @@ struct RtdPage {
     std::string word;      // now in the meter, "" when it could not be read
     std::string reading;   // the last one
     std::string reported;  // what the calibrator said that it delivers
+    bool applied = false;  // it stands on the terminals, as far as anybody knows
     bool onRange = false;  // the meter was put on its range, so navigation is held until Done
     int rounds = 0;
     Action action = Action::None;
@@ -78,7 +80,8 @@ View view;
 const Prompt kPromptEntering = {"The meter's word is read and the input is applied"};
 const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
 const Prompt kPromptNoRange = {"The meter did not answer:\r\ncheck its line, then click \"Calibrate\" again", true};
-const Prompt kPromptNoInput = {"The input was not applied: click the step again", true};
+const Prompt kPromptStopped = {"Stopped before the meter had answered:\r\nclick the step again"};
+const Prompt kPromptNoInput = {"The input was not applied:\r\nthe next correction applies it first", true};
 const Prompt kPromptBegin = {"Click \"Calibrate\" to begin calibration"};
 const Prompt kPromptAgain = {"Click \"ReCalib\" to recalibrate"};
 const Prompt kPromptLimited = {"Required correction exceeds allowable range", true};
@@ -178,6 +181,13 @@ void RecordStep(const std::string &before, const std::string &reading, bool limi
     RecordRound(page.position, round);
 }
 
+// The gains of the thermometers stand in the middle, so that the current alone is trimmed.
+void PutThermometersInTheMiddle()
+{
+    WriteNvmWords(kFirstThermometerWord, kMiddleOfThermometers, "");
+    RecordWordsWritten(StepName(Step::RtdCurrent), {{kFirstThermometerWord, kMiddleOfThermometers}});
+}
+
 void RecordEnd(const std::string &how)
 {
     StepEnd end;
@@ -191,10 +201,19 @@ void RecordEnd(const std::string &how)
 
 // ---- the trimming ----
 
+// False when the operator or the calibrator's line has not let it.
+bool ApplyDesired()
+{
+    ShowPageState(view.states, kApplying);
+    page.applied = ApplyFahrenheit(page.desired);
+    page.reported = page.applied && OutputConfirmed() ? GetLiveOutput().Value : "";
+    return page.applied;
+}
+
 bool PutMeterOnRange()
 {
     ShowPageState(view.states, kPutting);
-    WriteNvmWords(kFirstThermometerWord, kMiddleOfThermometers, "");
+    PutThermometersInTheMiddle();
     page.onRange = !Abort && WriteRangeSetup(FilterCodeAtPosition(page.position), kRangeCode, kSamples);
     return page.onRange && !Abort;
 }
@@ -218,25 +237,34 @@ std::optional<bool> CorrectCurrent()
     ShowPageState(view.states, kWriting);
     WriteNvmWords(kRtdCurrentWord, page.word, "");
     SetStep();
+    NoteStepWordWritten();
     RecordStep(before, reading, step.limited);
     return step.limited;
+}
+
+// Of the step behind him and of the reading that stands.
+Prompt PromptOfStep(bool limited)
+{
+    Prompt prompt = limited ? kPromptLimited : kPromptAgain;
+    if (!IsFarFromTarget(RtdCounts(page.reading), GetTargetCounts()))
+        return prompt;
+    return {prompt.text + "\r\n" + std::string(kReadingIsFar), true};
 }
 
 // The simulated meter isn't asked again: its reading stands.
 void FollowCurrent(bool limited)
 {
-    const Prompt prompt = limited ? kPromptLimited : kPromptAgain;
-    ShowPageState(view.states, kFollowing, prompt);
+    ShowPageState(view.states, kFollowing, PromptOfStep(limited));
     LiveReading live;
     live.everyMs = kReadingMs;
     live.read = TryDisplayOrStop;
     live.simulated = [] { return page.reading; };
     live.missed = TellMissed;
-    FollowReading(live, [prompt](const std::string &text) {
+    FollowReading(live, [limited](const std::string &text) {
         std::string digits = text;
         std::erase(digits, '.');
         ShowReading(digits);
-        ShowPrompt(view.states, prompt);
+        ShowPrompt(view.states, PromptOfStep(limited));
     });
     FreezeReading();
 }
@@ -244,6 +272,8 @@ void FollowCurrent(bool limited)
 void CalibrateCurrent()
 {
     page.action = Action::None;
+    if (!page.applied && !ApplyDesired())
+        return;
     if (!page.onRange && !PutMeterOnRange())
         return;
     do {
@@ -263,17 +293,34 @@ void FinishStep()
     NextStep();
 }
 
+// The page as it waits for the next click, with what the last one came to.
+void WaitForCalib(Ended ended)
+{
+    if (page.onRange)
+        ShowPageState(view.states, kPaused);
+    else
+        ShowPageState(view.states, kFresh);
+    if (ended == Ended::Fault)
+        ShowPrompt(view.states, PromptOfFault(FaultWords()));
+    else if (!page.applied)
+        ShowPrompt(view.states, kPromptNoInput);
+}
+
 void LeaveCalibrating(Ended ended)
 {
     FreezeReading();
     if (ended != Ended::Done)
         RecordEnd(HowEnded(ended));
     if (ended == Ended::Done && page.action == Action::Done)
-        FinishStep();
-    else if (page.onRange)
-        ShowPageState(view.states, kPaused);
-    else
-        ShowPageState(view.states, kFresh, ended == Ended::Stopped ? kPromptBegin : kPromptNoRange);
+        return FinishStep();
+    WaitForCalib(ended);
+    if (ended == Ended::Done && !page.onRange)
+        ShowPrompt(view.states, kPromptNoRange);
+}
+
+void NoteQuit()
+{
+    RecordEnd("quit");
 }
 
 // ---- the operator ----
@@ -289,7 +336,7 @@ void cmdISCalib_Click()
     if (Follows())
         RequestStop();
     else
-        RunPageProcedure(CalibrateCurrent, LeaveCalibrating);
+        RunPageProcedure(CalibrateCurrent, LeaveCalibrating, NoteQuit);
 }
 
 void cmdISDone_Click()
@@ -306,36 +353,17 @@ void lblISReading_Click()
     RequestStop();
 }
 
-// False when the operator or the calibrator's line has not let it.
-bool ApplyDesired()
-{
-    const bool applied = ApplyFahrenheit(page.desired);
-    page.reported = applied && OutputConfirmed() ? GetLiveOutput().Value : "";
-    return applied;
-}
-
 void txtISDesired_Commit(const std::string &text)
 {
     page.desired = NormaliseNumberText(text, page.desired, 1, 4);
     SetField(view.desired, page.desired);
     SetStep();
-    if (page.desired == RtdDesiredText)
+    if (page.desired == RtdDesiredText && page.applied)
         return;
     RtdDesiredText = page.desired;
     SaveISource();
     AimRtdSimulator(page.desired);
-    const auto back = static_cast<State>(view.states.now);
-    RunPageProcedure(
-        [] {
-            ShowPageState(view.states, kApplying);
-            ApplyDesired();
-        },
-        [back](Ended ended) {
-            if (ended == Ended::Done)
-                ShowPageState(view.states, back);
-            else
-                ShowPageState(view.states, back, kPromptNoInput);
-        });
+    RunPageProcedure([] { ApplyDesired(); }, WaitForCalib);
 }
 
 // ---- the way in, inside the navigator's procedure ----
@@ -365,13 +393,13 @@ void EnterRtdPage()
     ShowWord();
     SetStep();
     AimRtdSimulator(page.desired);
-    if (page.word.empty() || Abort)
+    if (Abort)
+        return ShowPageState(view.states, kNoWord, kPromptStopped);
+    if (page.word.empty())
         return ShowPageState(view.states, kNoWord);
     RecordStepOpened(page.position);
-    if (ApplyDesired())
-        ResetRtdSourcePage();
-    else
-        ShowPageState(view.states, kNoWord, kPromptNoInput);
+    ApplyDesired();
+    WaitForCalib(Ended::Done);
 }
 
 // ---- the way it is built ----

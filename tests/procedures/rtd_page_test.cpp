@@ -205,10 +205,78 @@ TEST_F(WiredRtd, AStepIsOneSetupOneReadingAndOneWord)
     });
     Ends();
     Runs();
-    EXPECT_EQ(TextOf(events.at(1), "wordBefore"), "8000");
-    EXPECT_EQ(TextOf(events.at(1), "wordAfter"), "8018");
-    EXPECT_EQ(TextOf(events.at(2), "how"), "accepted");
-    EXPECT_EQ(TextOf(events.at(2), "stays"), "8018");
+    EXPECT_EQ(events.at(1).kind, "words written") << "the thermometers' gains";
+    EXPECT_THAT(std::get<std::vector<std::string>>(FieldOf(events.at(1), "words")->is),
+                ElementsAre("2A", "29", "28", "27", "26", "25"));
+    EXPECT_EQ(TextOf(events.at(2), "wordBefore"), "8000");
+    EXPECT_EQ(TextOf(events.at(2), "wordAfter"), "8018");
+    EXPECT_EQ(TextOf(events.at(3), "how"), "accepted");
+    EXPECT_EQ(TextOf(events.at(3), "stays"), "8018");
+}
+
+TEST_F(WiredRtd, ADesiredReadingThatWasNotAppliedIsAppliedBeforeTheNextStep)
+{
+    const std::string output = "OUT 500.0 FAR ; OPER ; *WAI";
+    Opens();
+    person->Types("txtISDesired", "500").Presses(Qt::Key_Return).Waits(300).Presses(Qt::Key_Escape);
+    person->WaitsFor("cmdISCalib").Does([this] {
+        EXPECT_EQ(Text("lblInst(3)"), "The input was not applied:\nthe next correction applies it first");
+        EXPECT_EQ(Fill("shpInst(3)"), "#ff0000");
+        Forget();
+    });
+    person->Types("txtISDesired", "500.0").Presses(Qt::Key_Return).Waits(1200).Presses(Qt::Key_Escape);
+    person->WaitsFor("cmdISCalib").Does([this, output] {
+        EXPECT_THAT(ToCalibrator(), Contains(output)) << "the same again, since it does not stand yet";
+        Forget();
+    });
+    Calibrates();
+    WaitsForMark("live").Does([this, output] {
+        const std::vector<std::string> said = Said();
+        const auto applied = std::find(said.begin(), said.end(), output);
+        const auto put = std::find(said.begin(), said.end(), "*1W62A800080008000800080008000");
+        EXPECT_LT(applied - said.begin(), put - said.begin()) << "no step under another temperature";
+        EXPECT_NE(put, said.end());
+    });
+    Ends();
+    Runs();
+}
+
+TEST_F(WiredRtd, AReadingFarFromTheDesiredOneIsToldAsLongAsItIs)
+{
+    Opens();
+    person->Does([this] { bench->ShowNext({" 1491.9", " 1492.1"}); });
+    Calibrates();
+    person->WaitsUntil("it is followed", [] { return Text("lblISReading") == "14921"; }).Does([this] {
+        EXPECT_EQ(Text("lblInst(3)"), "Click \"ReCalib\" to recalibrate\n"
+                                      "Reading is far from the target: check input, jumpers and wires");
+        EXPECT_EQ(Fill("shpInst(3)"), "#ff0000");
+        bench->ShowNext({" 1492.0"});
+    });
+    person->WaitsUntil("it comes nearer", [] { return Text("lblISReading") == "14920"; }).Does([] {
+        EXPECT_EQ(Text("lblInst(3)"), "Click \"ReCalib\" to recalibrate");
+    });
+    Ends();
+    Runs();
+}
+
+TEST_F(WiredRtd, AStopBeforeTheWordIsReadIsNotTakenForSilence)
+{
+    Opens();
+    Runs();
+    person->Clicks(StepButton(kRtdCurrent)).Waits(100).Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
+    Runs();
+    EXPECT_EQ(Text("lblInst(3)"), "Stopped before the meter had answered:\nclick the step again");
+    EXPECT_FALSE(IsEnabled("cmdISCalib"));
+}
+
+TEST_F(WiredRtd, QuitIsToldToTheJournal)
+{
+    Opens();
+    Calibrates();
+    WaitsForMark("live").Clicks("cmdQuit");
+    person->Runs();
+    EXPECT_EQ(TextOf(events.back(), "how"), "quit");
+    EXPECT_EQ(TextOf(events.back(), "stays"), HexText(WordOf(30), 4));
 }
 
 TEST_F(WiredRtd, TheFollowedReadingHasNoPoint)
@@ -223,7 +291,7 @@ TEST_F(WiredRtd, TheFollowedReadingHasNoPoint)
     Runs();
 }
 
-TEST_F(WiredRtd, ThreeStepsEndWithinACount)
+TEST_F(WiredRtd, AFewStepsEndWithinACount)
 {
     Opens();
     for (int step = 1; step <= 4; ++step) {
