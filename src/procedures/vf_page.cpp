@@ -14,7 +14,6 @@
 #include "model/settings.h"
 #include "model/station_settings.h"
 #include "model/step_ids.h"
-#include "platform/clock.h"
 #include "platform/text.h"
 #include "session/delays.h"
 #include "session/journal.h"
@@ -43,7 +42,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -52,7 +50,6 @@ namespace {
 
 constexpr int kVfPage = 13;
 constexpr int kAfterWriteMs = 1000;
-constexpr int kPatienceMs = 1000;  // a second Stop so soon belongs to the first
 constexpr std::size_t kGroupDigits = 12;
 
 // ---- what the page knows ----
@@ -72,13 +69,14 @@ struct VfPage {
     bool within = false;                   // both errors are within their limits
     int passes = 0;
     Status status = Status::Good;
-    std::optional<Deadline> patience;  // while the page is left
+    std::string wordBefore;                 // of a pass that corrects, as long as it isn't recorded; else ""
+    std::array<std::string, 2> readBefore;  // what it was computed from
 };
 VfPage page;
 
 // ---- what it shows ----
 
-enum State { kOpening, kNoWord, kLimits, kReady, kRunning, kRepeat, kReversed, kLeaving };
+enum State { kOpening, kNoWord, kLimits, kReady, kRunning, kRepeat, kRepeatLimits, kReversed, kLeaving };
 
 struct View {
     QLabel *title, *lblVFGain, *lblVFOffset;
@@ -95,6 +93,7 @@ View view;
 
 const Prompt kPromptNone = {""};
 const Prompt kPromptNoWord = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
+const Prompt kPromptStopped = {"Stopped before the step was open:\r\nclick the step again"};
 const Prompt kPromptLimits = {"Enter the acceptable number of low and high end error counts.", false, Tone::Works};
 const Prompt kPromptReady = {"Set jumpers and apply input as shown, then click \"Ready\".\r\n"
                              "Change the low or high end error limit if desired.",
@@ -106,23 +105,27 @@ const Prompt kPromptOutOfRange = {"Calculated gain or offset exceeds allowable r
 const Prompt kPromptReversed = {"Low reading is greater than or equal to high reading.\r\n"
                                 "Check all connections and try again.",
                                 true};
+const Prompt kPromptSilent = {"The meter does not answer:\r\ncheck its line, or click \"Stop\"", true};
+const Prompt kPromptOver = {"The display is over range:\r\ncheck the input, or click \"Stop\"", true};
 const Prompt kPromptLeaving = {"Removing the input"};
 
 std::vector<PageState> TableOfStates()
 {
     const auto [go, stop] = view.buttons;
     const auto [low, high] = view.limits;
+    const auto free = Navigation::Free;
     return {
         // clang-format off
-        // state     on              keys to  prompt          not seen  captions
-        {kOpening,  {},              nullptr, kPromptNone,    {},       {{go, "Ready"}}},
-        {kNoWord,   {},              nullptr, kPromptNoWord,  {},       {{go, "Ready"}}},
-        {kLimits,   {low, high},     nullptr, kPromptLimits,  {},       {{go, "Ready"}}},
-        {kReady,    {go, low, high}, go,      kPromptReady,   {},       {{go, "Ready"}}},
-        {kRunning,  {stop},          stop,    kPromptNone},
-        {kRepeat,   {go, low, high}, go,      kPromptRepeat,  {},       {{go, "Repeat"}}},
-        {kReversed, {go, low, high}, go,      kPromptReversed, {},      {{go, "Ready"}}},
-        {kLeaving,  {stop},          nullptr, kPromptLeaving, {},       {{go, "Ready"}}},
+        // state         on              keys to  prompt           not seen  captions          navigation  keys stay
+        {kOpening,      {},              nullptr, kPromptNone,     {},       {{go, "Ready"}}},
+        {kNoWord,       {},              nullptr, kPromptNoWord,   {},       {{go, "Ready"}}},
+        {kLimits,       {low, high},     nullptr, kPromptLimits,   {},       {{go, "Ready"}}},
+        {kReady,        {go, low, high}, go,      kPromptReady,    {},       {{go, "Ready"}},  free,       true},
+        {kRunning,      {stop},          stop,    kPromptNone},
+        {kRepeat,       {go, low, high}, go,      kPromptRepeat,   {},       {{go, "Repeat"}}, free,       true},
+        {kRepeatLimits, {low, high},     nullptr, kPromptLimits,   {},       {{go, "Repeat"}}},
+        {kReversed,     {go, low, high}, go,      kPromptReversed, {},       {{go, "Ready"}}},
+        {kLeaving,      {stop},          nullptr, kPromptLeaving,  {},       {{go, "Ready"}}},
         // clang-format on
     };
 }
@@ -164,7 +167,6 @@ void ClearTrials()
 
 void ShowNewPass()
 {
-    ++page.passes;
     const int row = AddGridRow(
         view.msgVF, {std::to_string(page.passes), FormatSparse(page.now.gain, 6), FormatSparse(page.now.offset, 0)}, 1);
     MarkGridRow(view.msgVF, row);
@@ -173,16 +175,31 @@ void ShowNewPass()
         Freeze(error);
 }
 
-// Large, and red beyond the limit.
+bool IsWithin(std::size_t end)
+{
+    return std::abs(ErrorOf(end)) <= page.limits[end];
+}
+
+// Large, green within the limit and red beyond it, until the next trial has readings.
 void ShowErrors()
 {
     for (std::size_t end = 0; end < 2; ++end) {
         const std::string error = std::to_string(ErrorOf(end));
+        const std::string limit = std::to_string(page.limits[end]);
         SetGridCell(view.msgVF, page.passes - 1, kLowError + static_cast<int>(end), error);
-        ShowLive(view.errors[end], error);
-        if (std::abs(ErrorOf(end)) > page.limits[end])
-            ShowTrouble(view.errors[end], "over " + std::to_string(page.limits[end]));
+        ShowVerdict(view.errors[end], error, true, "within " + limit);
+        if (!IsWithin(end))
+            ShowTrouble(view.errors[end], "over " + limit);
     }
+}
+
+// What a click on "Repeat" has to begin with.
+Prompt PromptOfTrial()
+{
+    Prompt prompt = page.status == Status::OutOfRange ? kPromptOutOfRange : kPromptRepeat;
+    if (!IsFarFromTarget(ReadingOf(0), 0) && !IsFarFromTarget(ReadingOf(1), kVfHighCounts))
+        return prompt;
+    return {prompt.text + "\r\n" + std::string(kReadingIsFar), true};
 }
 
 // ---- limits ----
@@ -203,15 +220,40 @@ void TakeLimits()
     page.limits = {RoundHalfEven(Val(VFLow)), RoundHalfEven(Val(VFHigh))};
 }
 
+void AskForLimit(State state)
+{
+    ShowPageState(view.states, state);
+    view.limits[VFLow.empty() ? 0 : 1]->setFocus();
+}
+
 // The page waits for its first click, or for the limits that are missing.
 void WaitForReady()
 {
-    ShowPageState(view.states, LimitIsMissing() ? kLimits : kReady);
     if (LimitIsMissing())
-        view.limits[VFLow.empty() ? 0 : 1]->setFocus();
+        AskForLimit(kLimits);
+    else
+        ShowPageState(view.states, kReady);
+}
+
+// The same for another trial.
+void WaitForRepeat()
+{
+    if (LimitIsMissing())
+        AskForLimit(kRepeatLimits);
+    else
+        ShowPageState(view.states, kRepeat, PromptOfTrial());
 }
 
 // ---- one pass: what takes a reading returns false when the operator has stopped it ----
+
+// The run waits for its reading however long; the operator sees what for.
+void ShowDisplay(DisplayState now)
+{
+    if (now == DisplayState::Reads)
+        ShowPrompt(view.states, kPromptNone);
+    else
+        ShowPrompt(view.states, now == DisplayState::OverRange ? kPromptOver : kPromptSilent);
+}
 
 bool ReadEnd(std::size_t end)
 {
@@ -220,7 +262,7 @@ bool ReadEnd(std::size_t end)
         return false;
     page.reported[end] = OutputConfirmed() ? GetLiveOutput().Value : "";
     SetTargetCounts(end == 0 ? 0 : kVfHighCounts);
-    page.reading[end] = TakeReading(0);
+    page.reading[end] = TakeReading(0, ShowDisplay);
     return !Abort;
 }
 
@@ -229,26 +271,39 @@ void CorrectGroup()
     const VfFit fit = FitVf(page.range, page.now, static_cast<float>(ReadingOf(0)), static_cast<float>(ReadingOf(1)));
     if (fit.outOfRange)
         page.status = Status::OutOfRange;
+    page.wordBefore = page.now.hex;
+    page.readBefore = page.reading;
+    page.reading = {};
     page.now = fit.now;
     ShowGroup();
     WriteStepWord(page.now.hex);
+    NoteStepWordWritten();
     DelayMs(kAfterWriteMs);
 }
 
-void RecordPass(const std::string &before, const std::array<std::string, 2> &read, bool corrected)
+// `found`: what a pass without a correction reads with.
+void RecordPass(const std::string &found)
 {
     RoundRecord round;
     round.number = page.passes;
     round.asked = {page.zeroValue, page.fullValue};
     round.reported = {page.reported[0], page.reported[1]};
-    if (corrected)
-        round.before = {read[0], read[1]};
-    round.wordBefore = before;
+    if (found.empty())
+        round.before = {page.readBefore[0], page.readBefore[1]};
+    round.wordBefore = found.empty() ? page.wordBefore : found;
     round.word = page.now.hex;
     round.limited = page.status == Status::OutOfRange;
     round.reading = {page.reading[0], page.reading[1]};
     round.error = WorseError();
     RecordRound(page.position, round);
+    page.wordBefore.clear();
+}
+
+// A pass that was broken off behind its correction.
+void RecordPassInWork()
+{
+    if (!page.wordBefore.empty())
+        RecordPass("");
 }
 
 bool ReadBothEnds()
@@ -265,8 +320,9 @@ bool ReadBothEnds()
 
 void RunPass(bool corrects)
 {
-    const std::string before = page.now.hex;
-    const std::array<std::string, 2> read = page.reading;
+    const std::string found = corrects ? "" : page.now.hex;
+    ++page.passes;
+    page.reported = {};
     if (corrects)
         CorrectGroup();
     if (Abort)
@@ -276,9 +332,8 @@ void RunPass(bool corrects)
         return;
     if (corrects)
         ShowErrors();
-    page.within = corrects && page.status == Status::Good && std::abs(ErrorOf(0)) <= page.limits[0] &&
-                  std::abs(ErrorOf(1)) <= page.limits[1];
-    RecordPass(before, read, corrects);
+    page.within = corrects && page.status == Status::Good && IsWithin(0) && IsWithin(1);
+    RecordPass(found);
 }
 
 // ---- the calibration of a range ----
@@ -319,10 +374,10 @@ std::string HowItEnded(Ended ended)
     return page.within ? "accepted" : "outside limits";
 }
 
-void RecordEnd(Ended ended)
+void RecordEnd(const std::string &how)
 {
     StepEnd end;
-    end.how = HowItEnded(ended);
+    end.how = how;
     end.word = page.now.hex;
     if (page.measured) {
         end.reading = {page.reading[0], page.reading[1]};
@@ -331,11 +386,24 @@ void RecordEnd(Ended ended)
     RecordStepEnded(page.position, end);
 }
 
-void FreezeTrial()
+// The errors of a whole trial keep their verdict.
+void FreezeTrial(Ended ended)
 {
     Freeze(view.trial);
     for (QFrame *error : view.errors)
-        Freeze(error);
+        if (ended != Ended::Done)
+            Freeze(error);
+}
+
+void ShowHowItEnded(Ended ended)
+{
+    if (ended == Ended::Done && page.status != Status::Reversed)
+        return WaitForRepeat();
+    if (ended == Ended::Done)
+        return ShowPageState(view.states, kReversed);
+    WaitForReady();
+    if (ended == Ended::Fault)
+        ShowPrompt(view.states, PromptOfFault(FaultWords()));
 }
 
 // A calibration that was broken off leaves no input; a good one leaves the meter at its high end.
@@ -343,30 +411,30 @@ void LeaveTrials(Ended ended)
 {
     if (ended != Ended::Done || page.status == Status::Reversed) {
         ShowPageState(view.states, kLeaving);
-        page.patience.emplace(kPatienceMs);
         CalibratorStandby();
     }
-    FreezeTrial();
-    RecordEnd(ended);
-    if (ended != Ended::Done)
-        WaitForReady();
-    else if (page.status == Status::Reversed)
-        ShowPageState(view.states, kReversed);
-    else
-        ShowPageState(view.states, kRepeat, page.status == Status::OutOfRange ? kPromptOutOfRange : kPromptRepeat);
+    FreezeTrial(ended);
+    RecordPassInWork();
+    RecordEnd(HowItEnded(ended));
+    ShowHowItEnded(ended);
+}
+
+void NoteQuit()
+{
+    RecordPassInWork();
+    RecordEnd("quit");
 }
 
 // ---- the operator ----
 
 void cmdVFRdyRpt_Click()
 {
-    RunPageProcedure(view.states.now == kRepeat ? RunOneTrial : RunUntilWithin, LeaveTrials);
+    RunPageProcedure(view.states.now == kRepeat ? RunOneTrial : RunUntilWithin, LeaveTrials, NoteQuit);
 }
 
 void cmdVFStop_Click()
 {
-    if (view.states.now != kLeaving || page.patience->Passed())
-        StopWork();
+    StopWork();
 }
 
 void txtVFLim_Commit(std::size_t index, const std::string &text, CommitBy by)
@@ -378,10 +446,12 @@ void txtVFLim_Commit(std::size_t index, const std::string &text, CommitBy by)
         limit = value;
         SaveVFLimits();
     }
-    if (view.states.now == kLimits || view.states.now == kReady)
+    if (view.states.now == kRepeat || view.states.now == kRepeatLimits)
+        WaitForRepeat();
+    else
         WaitForReady();
-    if (by == CommitBy::Enter && view.limits[1 - index]->text().isEmpty())
-        view.limits[1 - index]->setFocus();
+    if (by == CommitBy::Enter && !LimitIsMissing())
+        EnableAndFocus(view.buttons.go);
 }
 
 // ---- the way in, inside the navigator's procedure ----
@@ -430,10 +500,12 @@ void EnterVfPage()
     ShowConnectionDiagram(page.range);
     ReadGroup();
     ShowGroup();
-    if (page.now.hex.empty())
-        ShowPageState(view.states, kNoWord);
-    else
+    if (!page.now.hex.empty())
         WaitForReady();
+    else if (Abort)
+        ShowPageState(view.states, kNoWord, kPromptStopped);
+    else
+        ShowPageState(view.states, kNoWord);
 }
 
 // ---- the way it is built ----

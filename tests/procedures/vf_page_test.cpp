@@ -162,6 +162,8 @@ TEST_F(WiredVf, RunsUntilBothEndsAreWithinTheirLimitsAndCorrectsNothingInTheFirs
     EXPECT_EQ(Cell(2, 3), "-5");
     EXPECT_EQ(Cell(2, 4), "5");
     EXPECT_EQ(Text("lblVFError(0)"), "-5");
+    EXPECT_EQ(Text("lblVFError(0)Mark"), "within 5") << "the verdict stands when the run has ended";
+    EXPECT_EQ(Fill("lblVFError(0)Mark"), "#00ff00");
     EXPECT_EQ(Text("cmdVFRdyRpt"), "Repeat");
     EXPECT_EQ(Text("lblInst(7)"), "Click \"Repeat\" to make another calibration trial.\n"
                                   "Change the low or high end error limit if desired.");
@@ -200,7 +202,57 @@ TEST_F(WiredVf, RepeatIsOneTrialWithACorrection)
     EXPECT_EQ(Rows(), 3) << "beyond the limit, and still one trial";
     EXPECT_EQ(Writes().size(), 1u);
     EXPECT_EQ(Text("cmdVFRdyRpt"), "Repeat");
+    EXPECT_EQ(Text("lblVFError(0)Mark"), "over 5");
+    EXPECT_EQ(Fill("lblVFError(0)Mark"), "#ff0000");
     EXPECT_EQ(TextOf(events.back(), "how"), "outside limits");
+    person->Does([this] { Shows({" 12.", " 110012."}); });
+    person->Clicks("cmdVFRdyRpt").WaitsUntil("a fourth pass", [] { return Rows() == 4; }).WaitsFor("cmdVFRdyRpt");
+    Runs();
+    EXPECT_THAT(Text("lblInst(7)"),
+                testing::EndsWith("\nReading is far from the target: check input, jumpers and wires"));
+    EXPECT_EQ(Fill("shpInst(7)"), "#ff0000");
+}
+
+TEST_F(WiredVf, AnEmptiedLimitIsAskedForAfterATrialAndAfterReversedReadings)
+{
+    Stand();
+    Opens();
+    const auto empties = [this](const char *caption, const char *prompt) {
+        person->Types("txtVFLim(1)", "").Clicks("txtVFLim(0)").Does([caption] {
+            EXPECT_EQ(Text("lblInst(7)"), "Enter the acceptable number of low and high end error counts.");
+            EXPECT_FALSE(IsEnabled("cmdVFRdyRpt"));
+            EXPECT_EQ(Text("cmdVFRdyRpt"), caption);
+            EXPECT_TRUE(HasFocus("txtVFLim(1)"));
+        });
+        person->Types("txtVFLim(1)", "5").Presses(Qt::Key_Return).WaitsFor("cmdVFRdyRpt").Does([caption, prompt] {
+            EXPECT_EQ(Text("cmdVFRdyRpt"), caption);
+            EXPECT_THAT(Text("lblInst(7)"), StartsWith(prompt));
+            EXPECT_TRUE(HasFocus("cmdVFRdyRpt"));
+        });
+    };
+    person->Does([this] { Shows({" 0.", " 100000.", " 0.", " 100000."}); });
+    person->Clicks("cmdVFRdyRpt").WaitsFor("cmdVFRdyRpt");
+    empties("Repeat", "Click \"Repeat\" to make another calibration trial.");
+    person->Does([this] {
+              Shows({" 50.", " 50."});
+          })
+        .Clicks("cmdVFRdyRpt")
+        .WaitsFor("cmdVFRdyRpt")
+        .Does([] { EXPECT_THAT(Text("lblInst(7)"), StartsWith("Low reading is greater")); });
+    empties("Ready", "Set jumpers and apply input as shown");
+    Runs();
+}
+
+TEST_F(WiredVf, TheKeysStayInALimitThatTheOperatorHasGoneOnTo)
+{
+    Stand();
+    Opens();
+    person->Types("txtVFLim(0)", "7").Presses(Qt::Key_Tab).Does([] {
+        EXPECT_EQ(VFLow, "7");
+        EXPECT_TRUE(HasFocus("txtVFLim(1)"));
+    });
+    person->Types("txtVFLim(1)", "8").Presses(Qt::Key_Return).Does([] { EXPECT_TRUE(HasFocus("cmdVFRdyRpt")); });
+    Runs();
 }
 
 TEST_F(WiredVf, EqualOrReversedReadingsEndTheRunWithoutAWrite)
@@ -269,12 +321,53 @@ TEST_F(WiredVf, StopAndEscEndTheRunWithNavigationBackAndNothingHalfWritten)
     }
 }
 
+TEST_F(WiredVf, APassThatWasBrokenOffBehindItsCorrectionIsInTheJournal)
+{
+    for (const char *way : {"cmdVFStop", "cmdQuit"}) {
+        Stand();
+        Opens();
+        person->Does([this] { Shows({" 12.", " 100030.", "-6."}); }).Clicks("cmdVFRdyRpt");
+        person->WaitsUntil("the word is written", [this] { return WordOf(193) == 0xFF43; }).Clicks(way);
+        if (std::string(way) == "cmdQuit") {
+            person->Runs();
+        } else {
+            person->WaitsFor("cmdSetup");
+            Runs();
+        }
+        ASSERT_GE(events.size(), 2u);
+        const JournalEvent &round = events[events.size() - 2];
+        EXPECT_EQ(round.kind, "round");
+        EXPECT_EQ(NumberOf(round, "round"), 2);
+        EXPECT_EQ(TextOf(round, "wordBefore"), "FFD9B8100000");
+        EXPECT_EQ(TextOf(round, "wordAfter"), "FFD9AE0FFF43");
+        EXPECT_FALSE(FieldOf(round, "error")) << "it has no readings";
+        EXPECT_EQ(TextOf(events.back(), "how"), std::string(way) == "cmdQuit" ? "quit" : "stopped");
+        EXPECT_EQ(TextOf(events.back(), "stays"), "FFD9AE0FFF43");
+        StopListening(std::exchange(listener, -1));
+    }
+}
+
+TEST_F(WiredVf, AStopBeforeTheGroupIsReadIsNotTakenForSilence)
+{
+    Stand();
+    person->Clicks(StepButton(k4To20mA)).Waits(100).Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
+    Runs();
+    EXPECT_EQ(Text("lblInst(7)"), "Stopped before the step was open:\nclick the step again");
+    EXPECT_FALSE(IsEnabled("cmdVFRdyRpt"));
+    EXPECT_THAT(Writes(), Not(Contains(StartsWith("*1W3"))));
+}
+
 TEST_F(WiredVf, ASilentMeterHoldsTheRunUntilItIsStopped)
 {
     Stand();
     Opens();
     person->Clicks("cmdVFRdyRpt").Waits(2000).Does([this] { bench->SwitchFault("silent-meter", true); });
-    person->Waits(30000).Does([] { EXPECT_TRUE(IsEnabled("cmdVFStop")); }).Clicks("cmdVFStop").WaitsFor("cmdSetup");
+    person->Waits(30000).Does([] {
+        EXPECT_TRUE(IsEnabled("cmdVFStop"));
+        EXPECT_EQ(Text("lblInst(7)"), "The meter does not answer:\ncheck its line, or click \"Stop\"");
+        EXPECT_EQ(Fill("shpInst(7)"), "#ff0000");
+    });
+    person->Clicks("cmdVFStop").WaitsFor("cmdSetup");
     Runs();
     EXPECT_FALSE(Operates());
     EXPECT_EQ(Rows(), 1);
