@@ -115,6 +115,7 @@ void BenchLines::Run(std::int64_t now)
         if (wire->open && !wire->dead)
             wire->waiting += came;
     }
+    NoticeGonePorts();  // also one that went with the exchange that has just arrived
 }
 
 void BenchLines::RefuseToOpen(bench::Line line, int number, const std::string &words)
