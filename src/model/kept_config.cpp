@@ -3,6 +3,7 @@
 #include "model/nvm_map.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
+#include "session/journal.h"
 #include "session/state.h"
 
 #include <QDateTime>
@@ -39,18 +40,19 @@ void LoadKeptConfig()
     if (lines.size() < kLines || lines[3] != kEnd || !IsWordText(lines[0], kConfigDigits))
         return;
     RestConfigImage = lines[0];
-    origin = {lines[1], lines[2]};
+    origin = {lines[1], lines[2], ""};
 }
 
 std::string KeepConfig(const std::string &image, const std::string &meter, bool lasting)
 {
     RestConfigImage = image;
-    origin = {};
+    origin = {meter, Now(), CurrentVisit()};
     if (!lasting)
         return "";
-    if (const auto old = ReadFile(kFile))
+    const auto old = ReadFile(kFile);
+    if (old && !old->starts_with(image))
         WriteFile(kOldFile, *old);
-    return WriteFile(kFile, image + "\n" + meter + "\n" + Now() + "\n" + kEnd + "\n");
+    return WriteFile(kFile, image + "\n" + meter + "\n" + origin.utc + "\n" + kEnd + "\n");
 }
 
 void ForgetKeptConfig()
@@ -58,7 +60,6 @@ void ForgetKeptConfig()
     const std::vector<std::string> lines = Split(ReadFile(kFile).value_or(""), '\n');
     if (lines.front() == RestConfigImage)
         QFile::remove(kFile);
-    origin = {};
 }
 
 }  // namespace ombrix

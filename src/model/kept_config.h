@@ -8,17 +8,18 @@ namespace ombrix {
 
 constexpr std::size_t kConfigDigits = 200;  ///< words 49 to 0, highest first
 
-/// Who it belongs to and when it was kept; both "" unless it comes from an earlier run of the program.
+/// Who RestConfigImage belongs to and when it was kept; all "" as long as nothing is.
 struct KeptConfigOrigin {
     std::string meter;
     std::string utc;
+    std::string visit;  ///< "" when an earlier run of the program kept it
 };
 const KeptConfigOrigin &OriginOfKeptConfig();
 
 /// Program start: what an earlier run kept becomes RestConfigImage. A file that isn't whole counts as none.
 void LoadKeptConfig();
-/// Keeps an image, also as RestConfigImage; with `lasting` in the file too, and one that still lies there beside it as
-/// "...old". "" when it is kept, otherwise the system's words: then it is kept in memory alone.
+/// Keeps an image, also as RestConfigImage; with `lasting` in the file too, and another one that still lies there beside
+/// it as "...old". "" when it is kept, otherwise the system's words: then it is kept in memory alone.
 std::string KeepConfig(const std::string &image, const std::string &meter, bool lasting);
 /// RestConfigImage was restored: the file goes if it holds that, RestConfigImage stays for this run.
 void ForgetKeptConfig();

@@ -10,7 +10,6 @@
 #include "model/step_ids.h"
 #include "platform/text.h"
 #include "session/journal.h"
-#include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -51,8 +50,8 @@ const Prompt kPromptReading = {"The meter's gains are read"};
 const Prompt kPromptSilent = {"The meter did not answer, nothing was written:\r\n"
                               "check its line, then click the step again",
                               true};
-
 const Prompt kPromptStopped = {"Stopped: a range without a result was not checked", true};
+const Prompt kPromptGone = {"The meter's line has gone: what a range without a result holds isn't known", true};
 
 std::vector<PageState> TableOfStates()
 {
@@ -74,6 +73,19 @@ std::string GroupOf(const std::string &words, int range)
     return words.substr(static_cast<std::size_t>(kGroups - 1 - range) * kGroupDigits, kGroupDigits);
 }
 
+void RecordCheck(int range, const std::string &hex, bool good)
+{
+    Record("gain checked", {{"step", StepName(kStepsOfRanges[range])},
+                            {"word", HexText(VfWordOf(range), 2)},
+                            {"found", hex},
+                            {"good", good}});
+    if (!good)
+        Record("words written", {{"words", std::vector{HexText(VfWordOf(range), 2)}},
+                                 {"before", hex},
+                                 {"to", FirstCyclePattern(range)},
+                                 {"why", "gain outside 0.5 to 2.0"}});
+}
+
 // A gain that no good meter has gives way to the nominal one, with its offset.
 void CheckGroup(int range, const std::string &hex)
 {
@@ -82,12 +94,21 @@ void CheckGroup(int range, const std::string &hex)
     SetGridCell(view.msgVFNom, range, 1, FormatSparse(group.gain, 2));
     if (!good)
         WriteNvmWords(VfWordOf(range), FirstCyclePattern(range), "");
-    SetGridCell(view.msgVFNom, range, 2, good ? "Gain and Offset Retained" : "Nominal Gain and Offset written");
-    if (!good)
-        Record("words written", {{"words", std::vector{HexText(VfWordOf(range), 2)}},
-                                 {"before", hex},
-                                 {"to", FirstCyclePattern(range)},
-                                 {"why", "gain outside 0.5 to 2.0"}});
+    RecordCheck(range, hex, good);
+    if (good || !MeterLineIsGone())
+        SetGridCell(view.msgVFNom, range, 2, good ? "Gain and Offset Retained" : "Nominal Gain and Offset written");
+}
+
+void ShowChecks(bool read)
+{
+    if (Abort)
+        ShowPageState(view.states, kChecked, kPromptStopped);
+    else if (!read)
+        ShowPageState(view.states, kSilent);
+    else if (MeterLineIsGone())
+        ShowPageState(view.states, kChecked, kPromptGone);
+    else
+        ShowPageState(view.states, kChecked);
 }
 
 void ShowVFNominalizePage()
@@ -96,12 +117,9 @@ void ShowVFNominalizePage()
     ShowPageState(view.states, kReading);
     ShowPage(kNominalizePage);
     const std::string words = ReadNvmWords(VfWordOf(kGroups - 1), kGroups * 3, "");
-    for (int range = 0; range < kGroups && !words.empty() && !Abort; ++range)
+    for (int range = 0; range < kGroups && !words.empty() && !Abort && !MeterLineIsGone(); ++range)
         CheckGroup(range, GroupOf(words, range));
-    if (Abort)
-        ShowPageState(view.states, kChecked, kPromptStopped);
-    else
-        ShowPageState(view.states, words.empty() ? kSilent : kChecked);
+    ShowChecks(!words.empty());
 }
 
 void BuildNominalizePage(QFrame *frame)
@@ -129,8 +147,10 @@ void BuildNominalizePage(QFrame *frame)
 constexpr int kHighWord = 49;  // two runs of 25 words
 constexpr int kLowWord = 24;
 constexpr int kRunWords = 25;
+constexpr int kLowestTotal = 44;  // the words from here to 49 count on by themselves
 
 const std::string kSilence = "The meter did not answer: check its line, then click the step again";
+const std::string kStoppedReading = "Stopped before the meter had answered: click the step again";
 
 // Words 49 to 0, 200 digits; "" when one of the runs did not come whole.
 std::string ReadConfiguration()
@@ -147,31 +167,40 @@ void ShowSaveConfigPage()
     ShowWordBoxes({});
     const std::string image = ReadConfiguration();
     if (image.empty())
-        return ShowWordBoxes({"", "", kSilence, true});
+        return ShowWordBoxes({"", "", Abort ? kStoppedReading : kSilence, true});
     const std::string trouble = KeepConfig(image, MeterName + ", revision " + MeterRevText, !Simulated());
     Record("configuration kept", {{"image", image}, {"onFile", trouble.empty() && !Simulated()}});
-    ShowWordBoxes({image, "", "The original onfiguration above has been saved."});
+    std::string says = "The original onfiguration above has been saved.";
     if (!trouble.empty())
-        outlets.showRemark("Kept until the program ends, not in a file: " + trouble);
+        says += "\r\nOnly until the program ends, no file could be written: " + trouble;
+    ShowWordBoxes({image, "", says, !trouble.empty()});
 }
 
-// Names of the words that differ, highest first.
-std::vector<std::string> WordsThatDiffer(const std::string &meant, const std::string &held)
+// Words that the meter holds otherwise than meant, highest first.
+std::vector<int> WordsThatDiffer(const std::string &meant, const std::string &held)
 {
-    std::vector<std::string> words;
-    for (int word = kHighWord; word >= 0; --word) {
+    std::vector<int> words;
+    for (int word = kHighWord; word >= 0 && !held.empty(); --word) {
         const std::size_t place = static_cast<std::size_t>(kHighWord - word) * 4;
         if (meant.substr(place, 4) != held.substr(place, 4))
-            words.push_back(HexText(word, 2));
+            words.push_back(word);
     }
     return words;
 }
 
-std::string Listed(const std::vector<std::string> &words)
+std::vector<std::string> NamesOf(const std::vector<int> &words)
+{
+    std::vector<std::string> names;
+    for (const int word : words)
+        names.push_back(HexText(word, 2));
+    return names;
+}
+
+std::string Listed(const std::vector<int> &words)
 {
     std::string list;
-    for (const std::string &word : words)
-        list += " " + word;
+    for (const std::string &name : NamesOf(words))
+        list += " " + name;
     return list;
 }
 
@@ -191,15 +220,26 @@ WordBoxes NotRestored(const std::string &inBoxes, const std::string &meant, cons
     return {inBoxes, meant, says, true, RestoreConfiguration};
 }
 
+WordBoxes Restored(const std::string &image, const std::string &held, const std::vector<int> &totals)
+{
+    if (!Simulated())
+        ForgetKeptConfig();
+    if (totals.empty())
+        return {image, "", "Configuration restored."};
+    return {held, "", "Configuration restored.\r\nTotals have gone on since: words" + Listed(totals)};
+}
+
 // What the meter holds afterwards is what counts.
 WordBoxes RestoreConfiguration()
 {
     const std::string image = RestConfigImage;
     const std::string held = WriteConfiguration(image);
     const bool stopped = Abort;
-    const std::vector<std::string> differ = held.empty() ? std::vector<std::string>() : WordsThatDiffer(image, held);
-    const std::string verdict = stopped ? "stopped" : held.empty() ? "no answer" : differ.empty() ? "taken" : "differs";
-    Record("configuration restored", {{"image", image}, {"verdict", verdict}, {"differ", differ}});
+    const std::vector<int> differ = WordsThatDiffer(image, held);
+    const bool taken = !held.empty() && (differ.empty() || differ.back() >= kLowestTotal);
+    const std::string verdict = stopped ? "stopped" : held.empty() ? "no answer" : taken ? "taken" : "differs";
+    Record("configuration restored",
+           {{"image", image}, {"held", held}, {"verdict", verdict}, {"differ", NamesOf(differ)}});
     if (stopped)
         return NotRestored(image, "",
                            "Stopped: the meter may hold half of it. Click \"Save\" to write all of it again.");
@@ -207,20 +247,25 @@ WordBoxes RestoreConfiguration()
         return NotRestored(image, "",
                            "The meter did not answer: nobody knows what it holds.\r\n"
                            "Check its line, then click \"Save\" again.");
-    if (!differ.empty())
+    if (!taken)
         return NotRestored(held, image,
                            "Not taken by the meter: words" + Listed(differ) + ".\r\nClick \"Save\" to try again.");
-    if (!Simulated())
-        ForgetKeptConfig();
-    return {image, "", "Configuration restored."};
+    return Restored(image, held, differ);
+}
+
+// Whose words these are, where they may be those of another meter than the one on the station. No meter tells its number.
+std::string OriginTold()
+{
+    const KeptConfigOrigin &origin = OriginOfKeptConfig();
+    if (origin.meter.empty() || (!origin.visit.empty() && origin.visit == CurrentVisit()))
+        return "";
+    const char *when = origin.visit.empty() ? "by an earlier run" : "before the meter was identified last";
+    return "\r\nKept " + std::string(when) + ", of " + origin.meter + ", at " + origin.utc;
 }
 
 void ShowRestConfigPage()
 {
-    const KeptConfigOrigin &origin = OriginOfKeptConfig();
-    std::string says = "Click \"Save\" to restore the original onfiguration above.";
-    if (!origin.meter.empty())
-        says += "\r\nKept by an earlier run, of " + origin.meter + ", at " + origin.utc;
+    const std::string says = "Click \"Save\" to restore the original onfiguration above." + OriginTold();
     ShowWordBoxes({RestConfigImage, "", says, false, RestoreConfiguration});
 }
 

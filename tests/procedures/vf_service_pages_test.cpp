@@ -8,6 +8,8 @@
 #include "session/procedure.h"
 #include "testbench/boards.h"
 
+#include <QDir>
+
 namespace ombrix::test {
 namespace {
 
@@ -128,6 +130,35 @@ TEST_F(WiredCounter, NominalizeWritesNothingOfWhatItCouldNotReadInFull)
     EXPECT_TRUE(IsEnabled("cmdDone(3)"));
 }
 
+TEST_F(WiredCounter, NominalizeTellsTheJournalEachGainThatItFound)
+{
+    Stand();
+    const std::string before = HexText(WordOf(201), 4) + HexText(WordOf(200), 4) + HexText(WordOf(199), 4);
+    Opens(kNominalize);
+    Runs();
+    std::vector<std::string> found;
+    for (const JournalEvent &event : events)
+        if (event.kind == "gain checked")
+            found.push_back(TextOf(event, "found"));
+    ASSERT_EQ(found.size(), 3u);
+    EXPECT_EQ(found[2], before);
+    EXPECT_EQ(TextOf(events.back(), "to"), "FF77451428F6");
+}
+
+TEST_F(WiredCounter, NominalizeDoesNotClaimWhatALineThatWentCannotHaveCarried)
+{
+    Stand();
+    // The reading of the nine words is the first exchange; with the first write the line goes.
+    bench->FaultAtExchange("meter-port-gone", bench->Exchanges() + 1, true);
+    Opens(kNominalize);
+    Runs();
+    EXPECT_EQ(Result(0, 1), "2.26");
+    EXPECT_EQ(Result(0, 2), "");
+    EXPECT_EQ(Result(2, 2), "");
+    EXPECT_EQ(Text("lblVFNom"), "The meter's line has gone: what a range without a result holds isn't known");
+    EXPECT_EQ(Fill("shpVFNom"), "#ff0000");
+}
+
 // ---- the configuration ----
 
 TEST_F(WiredCounter, RestConfigWaitsForAConfigurationAndPutsItBack)
@@ -185,18 +216,97 @@ TEST_F(WiredCounter, AWordThatTheMeterDidNotTakeIsNamed)
     Opens(kRestConfig);
     Runs();
     std::string high = Image().substr(0, 100);
-    high.replace(4, 4, "DEAD");  // word 48
+    high.replace(24, 4, "DEAD");  // word 43
     bench->AnswerNext(bench::Line::Meter, high + "\r", "1XP31Z");
     Saves();
     Runs();
-    EXPECT_THAT(boxes.back().says, HasSubstr("words 30."));
+    EXPECT_THAT(boxes.back().says, HasSubstr("words 2B."));
     EXPECT_TRUE(boxes.back().trouble);
     EXPECT_EQ(boxes.back().meant, RestConfigImage);
-    EXPECT_EQ(boxes.back().image.substr(4, 4), "DEAD");
+    EXPECT_EQ(boxes.back().image.substr(24, 4), "DEAD");
     EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Readable) << "not restored yet";
     Saves();
     Runs();
     EXPECT_EQ(boxes.back().says, "Configuration restored.");
+}
+
+TEST_F(WiredCounter, ATotalThatHasGoneOnSinceIsNoReasonToRestoreAgain)
+{
+    Stand();
+    Opens(kGetConfig);
+    Opens(kRestConfig);
+    Runs();
+    std::string high = Image().substr(0, 100);
+    high.replace(20, 4, "0077");  // word 44
+    bench->AnswerNext(bench::Line::Meter, high + "\r", "1XP31Z");
+    Saves();
+    Runs();
+    EXPECT_EQ(boxes.back().says, "Configuration restored.\r\nTotals have gone on since: words 2C");
+    EXPECT_FALSE(boxes.back().trouble);
+    EXPECT_EQ(boxes.back().image.substr(20, 4), "0077") << "what the meter holds";
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Missing);
+}
+
+TEST_F(WiredCounter, AStopBetweenTheTwoWritesIsToldAndAllIsWrittenAgain)
+{
+    Stand();
+    Opens(kGetConfig);
+    Runs();
+    const std::string image = Image();
+    for (int word = 0; word < 40; ++word)
+        bench->SetWord(word, 0x1111);
+    Opens(kRestConfig);
+    person->Does([this] {
+        Forget();
+        person->Waits(50).Presses(Qt::Key_Escape);
+    });
+    Saves();
+    Runs();
+    EXPECT_EQ(Writes().size(), 1u) << "no second write behind the stop";
+    EXPECT_EQ(boxes.back().says, "Stopped: the meter may hold half of it. Click \"Save\" to write all of it again.");
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_EQ(StateOfFile("KeptConfig.txt"), FileState::Readable);
+    EXPECT_EQ(TextOf(events.back(), "verdict"), "stopped");
+    Saves();
+    Runs();
+    EXPECT_EQ(boxes.back().says, "Configuration restored.");
+    EXPECT_EQ(Image(), image);
+}
+
+TEST_F(WiredCounter, AStopIsNotTakenForASilentMeter)
+{
+    Stand();
+    person->Clicks(StepButton(kGetConfig)).Waits(100).Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
+    Runs();
+    EXPECT_EQ(boxes.back().says, "Stopped before the meter had answered: click the step again");
+    EXPECT_EQ(RestConfigImage, "");
+}
+
+TEST_F(WiredCounter, AConfigurationThatCouldNotBeFiledSaysSoWhereItIsShown)
+{
+    Stand();
+    QDir().mkdir("KeptConfig.txt");
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_THAT(boxes.back().says, StartsWith("The original onfiguration above has been saved.\r\nOnly until the "
+                                              "program ends, no file could be written: "));
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_TRUE(IsEnabled(StepButton(kRestConfig)));
+}
+
+TEST_F(WiredCounter, WordsKeptBeforeAnotherIdentificationSayWhoseTheyAre)
+{
+    Stand();
+    Opens(kGetConfig);
+    Opens(kRestConfig);
+    Runs();
+    EXPECT_EQ(boxes.back().says, "Click \"Save\" to restore the original onfiguration above.");
+    person->ClicksTab(kTabVf).WaitsFor("cmdSetup");  // this may be another meter
+    Opens(kRestConfig);
+    Runs();
+    EXPECT_THAT(boxes.back().says,
+                HasSubstr("above.\r\nKept before the meter was identified last, of CTR, revision X2, "
+                          "at 20"));
 }
 
 TEST_F(WiredCounter, ASilentMeterKeepsTheConfigurationInTheFile)
@@ -247,6 +357,9 @@ TEST_F(WiredCounter, AnEarlierConfigurationThatWasNeverRestoredIsSetAside)
     Opens(kGetConfig);
     Runs();
     EXPECT_EQ(ReadFile("KeptConfig.txt.old").value_or(""), first);
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_EQ(ReadFile("KeptConfig.txt.old").value_or(""), first) << "the same words again set nothing aside";
     EXPECT_NE(ReadFile("KeptConfig.txt").value_or(""), first);
 }
 
