@@ -1,5 +1,7 @@
 #include "procedures/meter_type_page.h"
 
+#include "calibration/step_context.h"
+#include "calibration/step_journal.h"
 #include "links/meter_identity.h"
 #include "links/meter_operations.h"
 #include "model/meter_types.h"
@@ -122,6 +124,15 @@ void WriteType(const std::string &code)
         WriteBoardCodeByte(code);
 }
 
+void RecordFound()
+{
+    PlainStep plain;
+    plain.word = kBoardByteWord;
+    plain.wordHex = page.byte;
+    SetPlainStep(plain);
+    RecordStepOpened(page.position);
+}
+
 // Writes a code and asks for it again. What the meter then says is what the page believes.
 void StoreType(const std::string &code)
 {
@@ -156,7 +167,9 @@ void SaveType()
 
 void LeaveSaving(Ended ended)
 {
-    if (page.byte.empty() || ended != Ended::Done)
+    if (ended == Ended::Fault)
+        ShowPageState(view.states, kSilent, PromptOfFault(FaultWords()));
+    else if (page.byte.empty() || ended == Ended::Stopped)
         ShowPageState(view.states, kSilent, ended == Ended::Stopped ? kPromptStopped : kPromptSilent);
     else if (page.stored != page.choice)
         ShowPageState(view.states, kRefused);
@@ -198,6 +211,7 @@ void EnterMeterTypePage()
     page.byte = ReadBoardCodeByte();
     if (page.byte.empty() || Abort)
         return ShowSilence();
+    RecordFound();
     page.stored = MeterTypeOfByte(page.board, page.byte);
     const std::string code = BoardByteAsItIsToBe(page.board, page.byte);
     if (code != page.byte)
@@ -206,6 +220,8 @@ void EnterMeterTypePage()
         return ShowSilence();
     ShowChoice(page.stored);
     Refresh();
+    if (code != page.byte)
+        ShowPrompt(view.states, kPromptRefused);
 }
 
 // ---- the way it is built ----

@@ -237,6 +237,25 @@ TEST_F(WiredMeterType, AMeterThatKeepsItsOldTypeIsToldAndMaySaveAgain)
     EXPECT_EQ(Text("lblInst(4)"), kChange);
 }
 
+TEST_F(WiredMeterType, AMeterThatKeepsAByteThatIsToBePutRightIsTold)
+{
+    std::vector<JournalEvent> told;
+    const int listener = ListenToJournal([&told](const JournalEvent &event) { told.push_back(event); });
+    Opens(kTemp, 0x0065);
+    bench->WearOut(16);
+    ASSERT_TRUE(person->Runs());
+    StopListening(listener);
+    EXPECT_EQ(Text("lblInst(4)"), "The meter did not take the type");
+    EXPECT_EQ(Fill("shpInst(4)"), "#ff0000");
+    EXPECT_EQ(Chosen(), -1);
+    EXPECT_FALSE(IsEnabled("cmdSaveMeterType")) << "nothing is chosen yet";
+    EXPECT_TRUE(IsEnabled("optMeterType(0)"));
+    ASSERT_GE(told.size(), 2u);
+    EXPECT_EQ(told[told.size() - 2].kind, "step opened");
+    EXPECT_EQ(TextOf(told[told.size() - 2], "found"), "65");
+    EXPECT_EQ(TextOf(told.back(), "verdict"), "not taken");
+}
+
 TEST_F(WiredMeterType, EscAtTheFirstAnswerWritesNothing)
 {
     Opens(kTemp, 0x0065);
