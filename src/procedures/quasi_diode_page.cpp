@@ -13,7 +13,6 @@
 #include "model/settings.h"
 #include "model/station_settings.h"
 #include "model/step_ids.h"
-#include "platform/clock.h"
 #include "platform/text.h"
 #include "procedures/quasi_diode_view.h"
 #include "session/journal.h"
@@ -35,7 +34,6 @@
 
 #include <array>
 #include <cstddef>
-#include <optional>
 #include <string>
 
 namespace ombrix {
@@ -44,7 +42,6 @@ namespace {
 constexpr int kQuasiDiodePage = 10;
 constexpr int kRangeWord = 16;
 constexpr int kReadingMs = 400;
-constexpr int kPatienceMs = 1000;  // a Cancel so soon after the click that ended the work belongs to that click
 constexpr char kInput[] = "0 CEL";
 constexpr char kNoOffset[] = "0000";
 
@@ -64,7 +61,6 @@ struct QuasiDiodePage {
     std::string reported;    // what the calibrator said that it delivers
     int clicks = 0;
     Action action = Action::None;
-    std::optional<Deadline> patience;  // while the page is left
 };
 QuasiDiodePage page;
 
@@ -292,12 +288,14 @@ void WriteWord(int word, const std::string &hex)
 // The gain is trimmed without any offset.
 void ClearOffset()
 {
+    const std::string before = page.offsetHex;
     page.offset = DiodeWord();
     page.offsetHex = kNoOffset;
     view.lblQDPrevOffset->clear();
     ShowWords();
     WriteWord(Group().offsetWord, page.offsetHex);
-    Record("words written", {{"words", std::vector{HexText(Group().offsetWord, 2)}}, {"to", page.offsetHex}});
+    Record("words written",
+           {{"words", std::vector{HexText(Group().offsetWord, 2)}}, {"before", before}, {"to", page.offsetHex}});
 }
 
 void BackToGain()
@@ -407,7 +405,6 @@ void TrimDiode()
 void LeaveTrimming(Ended ended)
 {
     ShowPageState(view.states, kLeaving);
-    page.patience.emplace(kPatienceMs);
     CalibratorStandby();
     const bool accepted = ended == Ended::Done && page.action == Action::Accept;
     RecordEnd(accepted ? "accepted" : HowEnded(ended));
@@ -416,7 +413,15 @@ void LeaveTrimming(Ended ended)
     ShowInWork(Action::None);
     HideError();
     ClearReadings();
-    ShowPageState(view.states, kIdle, kPromptAgain);
+    if (ended == Ended::Fault)
+        ShowPageState(view.states, kIdle, PromptOfFault(FaultWords()));
+    else
+        ShowPageState(view.states, kIdle);
+}
+
+void NoteQuit()
+{
+    RecordEnd("quit");
 }
 
 // ---- the type of thermocouple ----
@@ -449,12 +454,14 @@ void SelectType()
     RecordStepOpened(page.position);
 }
 
-void LeaveSelecting(bool stopped)
+void LeaveSelecting(Ended ended)
 {
     if (!page.gainHex.empty())
         ShowPageState(view.states, kIdle, PromptReady());
     else
-        ShowPageState(view.states, kNoWords, stopped ? kPromptStopped : kPromptNoWords);
+        ShowPageState(view.states, kNoWords, ended == Ended::Stopped ? kPromptStopped : kPromptNoWords);
+    if (ended == Ended::Fault)
+        ShowPrompt(view.states, PromptOfFault(FaultWords()));
 }
 
 // ---- the operator: wishes only, the procedure does the work ----
@@ -462,18 +469,17 @@ void LeaveSelecting(bool stopped)
 void optTCType_Click(int type)
 {
     page.type = type;
-    RunPageProcedure(SelectType, [](Ended ended) { LeaveSelecting(ended == Ended::Stopped); });
+    RunPageProcedure(SelectType, LeaveSelecting);
 }
 
 void cmdQDReady_Click()
 {
-    RunPageProcedure(TrimDiode, LeaveTrimming);
+    RunPageProcedure(TrimDiode, LeaveTrimming, NoteQuit);
 }
 
 void Wants(Action action, State state)
 {
     page.action = action;
-    page.patience.emplace(kPatienceMs);
     ShowPageState(view.states, state);
     RequestStop();
 }
@@ -493,9 +499,9 @@ void cmdQDOffset_Click()
 // "Accept" and "Cancel". Cancel also ends the wait for an input that nobody confirms.
 void cmdQDStop_Click(int index)
 {
-    if (view.states.now == kApplying || (view.states.now == kLeaving && page.patience->Passed()))
+    if (view.states.now == kApplying || view.states.now == kLeaving)
         StopWork();
-    else if (view.states.now != kLeaving)
+    else
         Wants(index == 0 ? Action::Accept : Action::Cancel, kLeaving);
 }
 
@@ -539,7 +545,7 @@ void EnterQuasiDiodePage()
     ShowPageState(view.states, kSelecting);
     ShowPage(kQuasiDiodePage);
     SelectType();
-    LeaveSelecting(Abort);
+    LeaveSelecting(Abort ? Ended::Stopped : Ended::Done);
 }
 
 // ---- the way it is built ----

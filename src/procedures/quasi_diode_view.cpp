@@ -92,12 +92,12 @@ QHBoxLayout *BuildReadouts(QFrame *frame, QuasiDiodeView &view)
 
 QHBoxLayout *BuildButtons(QFrame *frame, QuasiDiodeView &view, const QuasiDiodeHandlers &handlers)
 {
-    view.buttons.ready = Button(frame, "cmdQDReady", "Ready", handlers.ready);
+    view.buttons.ready = Button(frame, "cmdQDReady", "Ready", handlers.ready, "Alt+R");
     view.buttons.accept = Button(
         frame, "cmdQDStop(0)", "Accept", [stop = handlers.stop] { stop(0); }, "Alt+A");
     view.buttons.cancel = Button(
         frame, "cmdQDStop(1)", "Cancel", [stop = handlers.stop] { stop(1); }, "Alt+C");
-    view.buttons.done = Button(frame, "cmdQDDone", "Done", handlers.done);
+    view.buttons.done = Button(frame, "cmdQDDone", "Done", handlers.done, "Alt+D");
     return ButtonRow({view.buttons.ready, view.buttons.accept, view.buttons.cancel, view.buttons.done});
 }
 

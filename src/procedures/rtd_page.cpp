@@ -237,7 +237,6 @@ std::optional<bool> CorrectCurrent()
     ShowPageState(view.states, kWriting);
     WriteNvmWords(kRtdCurrentWord, page.word, "");
     SetStep();
-    NoteStepWordWritten();
     RecordStep(before, reading, step.limited);
     return step.limited;
 }

@@ -277,7 +277,6 @@ void CorrectGroup()
     page.now = fit.now;
     ShowGroup();
     WriteStepWord(page.now.hex);
-    NoteStepWordWritten();
     DelayMs(kAfterWriteMs);
 }
 
