@@ -25,6 +25,7 @@
 #include <QVBoxLayout>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace ombrix {
@@ -51,7 +52,9 @@ const Prompt kPromptSilent = {"The meter did not answer, nothing was written:\r\
                               "check its line, then click the step again",
                               true};
 const Prompt kPromptStopped = {"Stopped: a range without a result was not checked", true};
-const Prompt kPromptGone = {"The meter's line has gone: what a range without a result holds isn't known", true};
+const Prompt kPromptRefused = {"Nominal Gain and Offset were not found in the meter:\r\n"
+                               "check its line, then click the step again",
+                               true};
 
 std::vector<PageState> TableOfStates()
 {
@@ -86,29 +89,44 @@ void RecordCheck(int range, const std::string &hex, bool good)
                                  {"why", "gain outside 0.5 to 2.0"}});
 }
 
-// A gain that no good meter has gives way to the nominal one, with its offset.
-void CheckGroup(int range, const std::string &hex)
+void ShowResult(int range, const char *result)
+{
+    SetGridCell(view.msgVFNom, range, 2, result);
+}
+
+// A gain that no good meter has gives way to the nominal one, with its offset. True when it did.
+bool CheckGroup(int range, const std::string &hex)
 {
     const VfCalibration group = VfCalibrationOf(hex);
     const bool good = IsGoodVfGain(group.gain);
     SetGridCell(view.msgVFNom, range, 1, FormatSparse(group.gain, 2));
     if (!good)
         WriteNvmWords(VfWordOf(range), FirstCyclePattern(range), "");
+    ShowResult(range, good ? "Gain and Offset Retained" : "Nominal Gain and Offset written");
     RecordCheck(range, hex, good);
-    if (good || !MeterLineIsGone())
-        SetGridCell(view.msgVFNom, range, 2, good ? "Gain and Offset Retained" : "Nominal Gain and Offset written");
+    return !good;
 }
 
-void ShowChecks(bool read)
+std::string ReadGroups(std::string_view suffix)
 {
-    if (Abort)
-        ShowPageState(view.states, kChecked, kPromptStopped);
-    else if (!read)
-        ShowPageState(view.states, kSilent);
-    else if (MeterLineIsGone())
-        ShowPageState(view.states, kChecked, kPromptGone);
-    else
-        ShowPageState(view.states, kChecked);
+    return ReadNvmWords(VfWordOf(kGroups - 1), kGroups * 3, suffix);
+}
+
+// What the meter holds afterwards is what counts. True when it holds all that was written.
+bool ReadBack(const std::vector<int> &written)
+{
+    if (written.empty())
+        return true;
+    const std::string held = Abort ? "" : ReadGroups("Z");
+    bool taken = !held.empty();
+    for (const int range : written) {
+        if (!held.empty() && GroupOf(held, range) == FirstCyclePattern(range))
+            continue;
+        ShowResult(range, held.empty() ? "Written, not confirmed" : "Not taken by the meter");
+        taken = false;
+    }
+    Record("words read back", {{"held", held}, {"taken", taken}});
+    return taken;
 }
 
 void ShowVFNominalizePage()
@@ -116,10 +134,20 @@ void ShowVFNominalizePage()
     ClearChecks();
     ShowPageState(view.states, kReading);
     ShowPage(kNominalizePage);
-    const std::string words = ReadNvmWords(VfWordOf(kGroups - 1), kGroups * 3, "");
-    for (int range = 0; range < kGroups && !words.empty() && !Abort && !MeterLineIsGone(); ++range)
-        CheckGroup(range, GroupOf(words, range));
-    ShowChecks(!words.empty());
+    const std::string words = ReadGroups("");
+    if (words.empty())
+        return ShowPageState(view.states, kSilent, Abort ? kPromptStopped : kPromptSilent);
+    std::vector<int> written;
+    for (int range = 0; range < kGroups && !Abort; ++range)
+        if (CheckGroup(range, GroupOf(words, range)))
+            written.push_back(range);
+    const bool taken = ReadBack(written);
+    if (Abort)
+        ShowPageState(view.states, kChecked, kPromptStopped);
+    else if (!taken)
+        ShowPageState(view.states, kChecked, kPromptRefused);
+    else
+        ShowPageState(view.states, kChecked);
 }
 
 void BuildNominalizePage(QFrame *frame)

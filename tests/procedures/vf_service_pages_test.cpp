@@ -142,20 +142,36 @@ TEST_F(WiredCounter, NominalizeTellsTheJournalEachGainThatItFound)
             found.push_back(TextOf(event, "found"));
     ASSERT_EQ(found.size(), 3u);
     EXPECT_EQ(found[2], before);
-    EXPECT_EQ(TextOf(events.back(), "to"), "FF77451428F6");
+    ASSERT_GE(events.size(), 2u);
+    EXPECT_EQ(TextOf(events[events.size() - 2], "to"), "FF77451428F6");
+    EXPECT_TRUE(std::get<bool>(FieldOf(events.back(), "taken")->is));
 }
 
-TEST_F(WiredCounter, NominalizeDoesNotClaimWhatALineThatWentCannotHaveCarried)
+TEST_F(WiredCounter, NominalizeReadsBackWhatItWroteAndTellsWhatTheMeterDidNotTake)
 {
     Stand();
-    // The reading of the nine words is the first exchange; with the first write the line goes.
-    bench->FaultAtExchange("meter-port-gone", bench->Exchanges() + 1, true);
+    bench->WearOut(200);  // holds half of the gain of 0-10 V
+    person->Does([this] { Forget(); });
     Opens(kNominalize);
     Runs();
-    EXPECT_EQ(Result(0, 1), "2.26");
-    EXPECT_EQ(Result(0, 2), "");
-    EXPECT_EQ(Result(2, 2), "");
-    EXPECT_EQ(Text("lblVFNom"), "The meter's line has gone: what a range without a result holds isn't known");
+    EXPECT_THAT(ToMeter(), ElementsAre("*1X9C9", "*1W3C3FFD9B8100000", "*1W3C9FF77451428F6", "*1X9C9Z"));
+    EXPECT_EQ(Result(0, 2), "Nominal Gain and Offset written");
+    EXPECT_EQ(Result(1, 2), "Gain and Offset Retained");
+    EXPECT_EQ(Result(2, 2), "Not taken by the meter");
+    EXPECT_EQ(Text("lblVFNom"), "Nominal Gain and Offset were not found in the meter:\n"
+                                "check its line, then click the step again");
+    EXPECT_EQ(Fill("shpVFNom"), "#ff0000");
+    EXPECT_FALSE(std::get<bool>(FieldOf(events.back(), "taken")->is));
+}
+
+TEST_F(WiredCounter, NominalizeClaimsNothingThatALineThatWentCannotHaveCarried)
+{
+    Stand();
+    bench->FaultAtExchange("meter-port-gone", bench->Exchanges() + 1, true);  // behind the reading
+    Opens(kNominalize);
+    Runs();
+    EXPECT_EQ(Result(0, 2), "Written, not confirmed");
+    EXPECT_EQ(Result(1, 2), "Gain and Offset Retained");
     EXPECT_EQ(Fill("shpVFNom"), "#ff0000");
 }
 
