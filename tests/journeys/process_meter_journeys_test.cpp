@@ -2,6 +2,7 @@
 // with every fault of the bench and with the end of the program at any moment. The bench's truth is the judge.
 
 #include "journeys/page_loops.h"
+#include "journeys/process_meters.h"
 #include "model/range_tables.h"
 #include "model/station_settings.h"
 #include "platform/text.h"
@@ -31,61 +32,7 @@ constexpr int kVfRanges[] = {2, 3, 4};
 constexpr int kStepEntry = 60;  // seconds, most of them for an input that nobody confirms
 constexpr int kRemoval = 70;
 constexpr int kPatience = 120;  // what the operator waits before he ends what goes no further
-constexpr int kLook = 2500;     // milliseconds in which a display settles before his eyes
 constexpr int kRestart = 3000;  // more than any restart: a meter that has just restarted is deaf
-constexpr int kMostClicks = 6;
-
-enum class Route { Direct, Uut, Manual };
-
-const char *NameOf(Route route)
-{
-    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
-}
-
-Wiring WiringOf(int board, Route route, unsigned seed)
-{
-    Wiring wiring;
-    wiring.bench.board = board;
-    wiring.bench.kind = board == kVf ? kCtr : kDpm;
-    wiring.bench.seed = seed;
-    wiring.bench.uut = route == Route::Uut;
-    wiring.manual = route == Route::Manual;
-    return wiring;
-}
-
-double Number(const char *label)
-{
-    return Val(ScriptedOperator::Text(label));
-}
-
-// What an operator does who clicks a button until he is content with the number beside it.
-void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
-                 const std::function<void()> &then)
-{
-    station.person.WaitsUntil("the reading is live", [=] { return ScriptedOperator::IsEnabled(button); })
-        .Waits(kLook)
-        .Does([=, &station] {
-            if (clicks > 0 && (std::fabs(Number(number)) <= content || clicks > kMostClicks))
-                return then();
-            station.person.Clicks(button);
-            ClicksUntil(station, button, number, content, clicks + 1, then);
-        });
-}
-
-void TrimsTheDiode(BenchStation &station, const std::string &type)
-{
-    station.person.Clicks("optTCType(" + type + ")").WaitsFor("cmdQDReady").Clicks("cmdQDReady");
-    ClicksUntil(station, "cmdQDGain", "lblQDDistance", 0.1, 0, [&station] {
-        ClicksUntil(station, "cmdQDOffset", "lblQDDistance", 0.1, 0,
-                    [&station] { station.person.Clicks("cmdQDStop(0)").WaitsFor("cmdSetup"); });
-    });
-}
-
-void TrimsTheCurrent(BenchStation &station)
-{
-    ClicksUntil(station, "cmdISCalib", "lblISError", 1, 0,
-                [&station] { station.person.Clicks("cmdISDone").WaitsFor("cmdSetup"); });
-}
 
 }  // namespace
 
@@ -172,15 +119,6 @@ void GoesOn(
     });
 }
 
-// Every fault that lasts, in the short walk; those that come once too when each exchange is taken.
-std::vector<FaultCase> Chosen(const PageScript &script, int every)
-{
-    std::vector<FaultCase> cases = FaultCases(script, Stride(every));
-    if (Stride(every) != 1)
-        std::erase_if(cases, [](const FaultCase &each) { return !each.lasting; });
-    return cases;
-}
-
 PageScript DiodeScript()
 {
     PageScript script;
@@ -253,15 +191,6 @@ PageScript VfScript()
     return script;
 }
 
-// Establish leaves a Temp meter's word 16 as a DC meter's, so the next one may find that; the chooser is the way back.
-void TakesTheTempBoard(BenchStation &station)
-{
-    if (SCType == kTemp)
-        return;
-    station.person.ClicksTab(kTabTc).WaitsFor("optTabSelect(0)").Clicks("optTabSelect(0)");
-    station.person.WaitsUntil("it is a Temp board", [] { return SCType == kTemp && NavigationIsFree(); });
-}
-
 PageScript CurrentScript()
 {
     PageScript script;
@@ -301,9 +230,10 @@ PageScript CurrentScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(Chosen(DiodeScript(), 31)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(Chosen(VfScript(), 83)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(Chosen(CurrentScript(), 15)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaults(DiodeScript(), 31)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaults(VfScript(), 83)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(LastingFaults(CurrentScript(), 15)),
+                         NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(OnTheDiode, QuitLoop,
                          testing::ValuesIn(QuitCases(DiodeScript(), {0, 500, 1200, 1900, 2600, 4000})), NameOfQuitCase);

@@ -1,0 +1,100 @@
+#include "journeys/process_meters.h"
+
+#include "model/range_tables.h"
+#include "platform/text.h"
+#include "session/state.h"
+
+#include <cmath>
+#include <cstddef>
+
+namespace ombrix::test {
+namespace {
+
+constexpr int kLook = 2500;  // milliseconds in which a display settles before his eyes
+constexpr int kMostClicks = 6;
+
+double Number(const char *label)
+{
+    return Val(ScriptedOperator::Text(label));
+}
+
+}  // namespace
+
+const char *NameOf(Route route)
+{
+    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
+}
+
+Wiring WiringOf(int board, Route route, unsigned seed)
+{
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.kind = board == kVf ? kCtr : kDpm;
+    wiring.bench.seed = seed;
+    wiring.bench.uut = route == Route::Uut;
+    wiring.manual = route == Route::Manual;
+    return wiring;
+}
+
+std::string ButtonOf(int step)
+{
+    int position = 0;
+    while (position < kPositions && StepIdAtPosition(position) != step)
+        ++position;
+    return StepButton(position);
+}
+
+std::string WordsOf(const BenchStation &station, int top, int count)
+{
+    const auto words = station.bench.Nvm();
+    std::string text;
+    for (int word = top; word > top - count; --word)
+        text += HexText(words[static_cast<std::size_t>(word)], 4);
+    return text;
+}
+
+void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
+                 const std::function<void()> &then)
+{
+    station.person.WaitsUntil("the reading is live", [=] { return ScriptedOperator::IsEnabled(button); })
+        .Waits(kLook)
+        .Does([=, &station] {
+            if (clicks > 0 && (std::fabs(Number(number)) <= content || clicks > kMostClicks))
+                return then();
+            station.person.Clicks(button);
+            ClicksUntil(station, button, number, content, clicks + 1, then);
+        });
+}
+
+void TrimsTheDiode(BenchStation &station, const std::string &type)
+{
+    station.person.Clicks("optTCType(" + type + ")").WaitsFor("cmdQDReady").Clicks("cmdQDReady");
+    ClicksUntil(station, "cmdQDGain", "lblQDDistance", 0.1, 0, [&station] {
+        ClicksUntil(station, "cmdQDOffset", "lblQDDistance", 0.1, 0,
+                    [&station] { station.person.Clicks("cmdQDStop(0)").WaitsFor("cmdSetup"); });
+    });
+}
+
+void TrimsTheCurrent(BenchStation &station)
+{
+    ClicksUntil(station, "cmdISCalib", "lblISError", 1, 0,
+                [&station] { station.person.Clicks("cmdISDone").WaitsFor("cmdSetup"); });
+}
+
+void TakesTheTempBoard(BenchStation &station)
+{
+    if (SCType == kTemp)
+        return;
+    station.person.ClicksTab(kTabTc).WaitsFor("optTabSelect(0)").Clicks("optTabSelect(0)");
+    station.person.WaitsUntil("it is a Temp board", [] { return SCType == kTemp && NavigationIsFree(); });
+}
+
+std::vector<FaultCase> LastingFaults(const PageScript &script, int every)
+{
+    std::vector<FaultCase> cases = FaultCases(script, Stride(every));
+    if (Stride(every) != 1)
+        std::erase_if(cases, [](const FaultCase &each) { return !each.lasting; });
+    return cases;
+}
+
+}  // namespace ombrix::test

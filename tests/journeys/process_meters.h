@@ -1,0 +1,36 @@
+// What an operator does on the pages of thermocouple meters, thermometers and counters, for the journeys that need it.
+#pragma once
+
+#include "journeys/page_loops.h"
+#include "support/bench_station.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace ombrix::test {
+
+enum class Route { Direct, Uut, Manual };
+const char *NameOf(Route route);
+Wiring WiringOf(int board, Route route, unsigned seed);
+
+/// The button of the board's first step of that id.
+std::string ButtonOf(int step);
+/// Words of the meter's memory from `top` downward.
+std::string WordsOf(const BenchStation &station, int top, int count);
+
+/// Both words of a thermocouple type ("0" J, "1" T), from "Ready" to "Accept".
+void TrimsTheDiode(BenchStation &station, const std::string &type);
+/// From "Calibrate" to "Done".
+void TrimsTheCurrent(BenchStation &station);
+/// Clicks a button again and again until he is content with the number beside it.
+void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
+                 const std::function<void()> &then);
+
+/// Establish leaves a Temp meter's word 16 as a DC meter's, so the next one may find that; the chooser is the way back.
+void TakesTheTempBoard(BenchStation &station);
+
+/// Every fault that lasts, in the short walk; those that come once too when each exchange is taken.
+std::vector<FaultCase> LastingFaults(const PageScript &script, int every);
+
+}  // namespace ombrix::test
