@@ -219,6 +219,7 @@ std::vector<int> WordsThatDiffer(const std::string &meant, const std::string &he
 std::vector<std::string> NamesOf(const std::vector<int> &words)
 {
     std::vector<std::string> names;
+    names.reserve(words.size());
     for (const int word : words)
         names.push_back(HexText(word, 2));
     return names;
