@@ -26,6 +26,14 @@ std::string Now()
     return QDateTime::currentDateTimeUtc().toString("yyyy-MM-dd HH:mm").toStdString() + " UTC";
 }
 
+// What a file's lines say; all "" when it isn't whole.
+KeptConfigOrigin OriginIn(const std::vector<std::string> &lines)
+{
+    if (lines.size() < kLines || lines[3] != kEnd || !IsWordText(lines[0], kConfigDigits))
+        return {};
+    return {lines[1], lines[2], ""};
+}
+
 }  // namespace
 
 const KeptConfigOrigin &OriginOfKeptConfig()
@@ -35,24 +43,27 @@ const KeptConfigOrigin &OriginOfKeptConfig()
 
 void LoadKeptConfig()
 {
-    origin = {};
     const std::vector<std::string> lines = Split(ReadFile(kFile).value_or(""), '\n');
-    if (lines.size() < kLines || lines[3] != kEnd || !IsWordText(lines[0], kConfigDigits))
-        return;
-    RestConfigImage = lines[0];
-    origin = {lines[1], lines[2], ""};
+    origin = OriginIn(lines);
+    if (!origin.meter.empty())
+        RestConfigImage = lines[0];
 }
 
-std::string KeepConfig(const std::string &image, const std::string &meter, bool lasting)
+ConfigKept KeepConfig(const std::string &image, const std::string &meter, bool lasting)
 {
     RestConfigImage = image;
     origin = {meter, Now(), CurrentVisit()};
     if (!lasting)
-        return "";
+        return {};
+    ConfigKept kept;
     const auto old = ReadFile(kFile);
-    if (old && !old->starts_with(image))
-        WriteFile(kOldFile, *old);
-    return WriteFile(kFile, image + "\n" + meter + "\n" + origin.utc + "\n" + kEnd + "\n");
+    if (old && !old->starts_with(image)) {
+        kept.trouble = WriteFile(kOldFile, *old);
+        kept.aside = OriginIn(Split(*old, '\n'));
+    }
+    if (kept.trouble.empty())
+        kept.trouble = WriteFile(kFile, image + "\n" + meter + "\n" + origin.utc + "\n" + kEnd + "\n");
+    return kept;
 }
 
 void ForgetKeptConfig()

@@ -18,9 +18,13 @@ const KeptConfigOrigin &OriginOfKeptConfig();
 
 /// Program start: what an earlier run kept becomes RestConfigImage. A file that isn't whole counts as none.
 void LoadKeptConfig();
-/// Keeps an image, also as RestConfigImage; with `lasting` in the file too, and another one that still lies there beside
-/// it as "...old". "" when it is kept, otherwise the system's words: then it is kept in memory alone.
-std::string KeepConfig(const std::string &image, const std::string &meter, bool lasting);
+struct ConfigKept {
+    std::string trouble;     ///< the system's words when it is kept in memory alone, "" when it is in the file
+    KeptConfigOrigin aside;  ///< of one that was never restored and lies in KeptConfig.txt.old now
+};
+/// Keeps an image, also as RestConfigImage; with `lasting` in the file too. What else still lies there is set aside
+/// first, and when that fails it stays where it is.
+ConfigKept KeepConfig(const std::string &image, const std::string &meter, bool lasting);
 /// RestConfigImage was restored: the file goes if it holds that, RestConfigImage stays for this run.
 void ForgetKeptConfig();
 

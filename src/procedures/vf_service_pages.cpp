@@ -196,12 +196,16 @@ void ShowSaveConfigPage()
     const std::string image = ReadConfiguration();
     if (image.empty())
         return ShowWordBoxes({"", "", Abort ? kStoppedReading : kSilence, true});
-    const std::string trouble = KeepConfig(image, MeterName + ", revision " + MeterRevText, !Simulated());
-    Record("configuration kept", {{"image", image}, {"onFile", trouble.empty() && !Simulated()}});
+    const ConfigKept kept = KeepConfig(image, MeterName + ", revision " + MeterRevText, !Simulated());
+    const bool filed = kept.trouble.empty();
+    Record("configuration kept", {{"image", image}, {"onFile", filed && !Simulated()}});
     std::string says = "The original onfiguration above has been saved.";
-    if (!trouble.empty())
-        says += "\r\nOnly until the program ends, no file could be written: " + trouble;
-    ShowWordBoxes({image, "", says, !trouble.empty()});
+    if (!filed)
+        says += "\r\nOnly until the program ends, no file could be written: " + kept.trouble;
+    else if (!kept.aside.meter.empty())
+        says +=
+            "\r\nThe one before was never restored and is set aside: of " + kept.aside.meter + ", at " + kept.aside.utc;
+    ShowWordBoxes({image, "", says, !filed});
 }
 
 // Words that the meter holds otherwise than meant, highest first.

@@ -310,6 +310,21 @@ TEST_F(WiredCounter, AConfigurationThatCouldNotBeFiledSaysSoWhereItIsShown)
     EXPECT_TRUE(IsEnabled(StepButton(kRestConfig)));
 }
 
+TEST_F(WiredCounter, AnEarlierConfigurationThatCannotBeSetAsideIsNotWrittenOver)
+{
+    Stand();
+    Opens(kGetConfig);
+    Runs();
+    const std::string first = ReadFile("KeptConfig.txt").value_or("");
+    QDir().mkdir("KeptConfig.txt.old");
+    bench->SetWord(20, 0x1234);
+    Opens(kGetConfig);
+    Runs();
+    EXPECT_EQ(ReadFile("KeptConfig.txt").value_or(""), first);
+    EXPECT_TRUE(boxes.back().trouble);
+    EXPECT_EQ(RestConfigImage.substr((49 - 20) * 4, 4), "1234");
+}
+
 TEST_F(WiredCounter, WordsKeptBeforeAnotherIdentificationSayWhoseTheyAre)
 {
     Stand();
@@ -373,6 +388,9 @@ TEST_F(WiredCounter, AnEarlierConfigurationThatWasNeverRestoredIsSetAside)
     Opens(kGetConfig);
     Runs();
     EXPECT_EQ(ReadFile("KeptConfig.txt.old").value_or(""), first);
+    EXPECT_THAT(boxes.back().says,
+                StartsWith("The original onfiguration above has been saved.\r\nThe one before was never "
+                           "restored and is set aside: of CTR, revision X2, at 20"));
     Opens(kGetConfig);
     Runs();
     EXPECT_EQ(ReadFile("KeptConfig.txt.old").value_or(""), first) << "the same words again set nothing aside";
