@@ -1,5 +1,6 @@
 #include "calibration/analog_journal.h"
 
+#include "calibration/memory_journal.h"
 #include "model/range_tables.h"
 #include "platform/text.h"
 #include "session/journal.h"
@@ -15,15 +16,6 @@ namespace {
 std::set<int> writtenPoints;
 std::string writtenIn;
 
-bool IsAsFound(int point)
-{
-    if (writtenIn != CurrentVisit()) {
-        writtenIn = CurrentVisit();
-        writtenPoints.clear();
-    }
-    return writtenPoints.insert(point).second;
-}
-
 std::string AddressText(int point)
 {
     return HexText(AnalogWordAddress(point, SessionMeterKind == kCtr), 2);
@@ -32,6 +24,15 @@ std::string AddressText(int point)
 std::string WordOf(int point)
 {
     return HexText(analog.words[static_cast<std::size_t>(point)], 4);
+}
+
+std::vector<std::string> TextsOf(const std::array<std::uint16_t, kAnalogWords> &words)
+{
+    std::vector<std::string> texts;
+    texts.reserve(kAnalogWords);
+    for (int point = 0; point < kAnalogWords; ++point)
+        texts.push_back(AnalogWordName(point) + "=" + HexText(words[static_cast<std::size_t>(point)], 4));
+    return texts;
 }
 
 void RecordWith(std::string_view kind, int point, const JournalFields &more)
@@ -48,20 +49,31 @@ void RecordWith(std::string_view kind, int point, const JournalFields &more)
 
 std::string TextOf(WordsHeld held)
 {
-    return held == WordsHeld::Yes ? "held" : held == WordsHeld::No ? "other words" : "no answer";
-}
-
-// Of the groups that were restored: what was accepted of them no longer stands in the meter.
-void RecordWordsWritten()
-{
-    std::vector<std::string> addresses;
-    for (const AnalogGroup &group : kAnalogGroups)
-        for (int i = 0; i < group.count && AnalogGroupDone(group); ++i)
-            addresses.push_back(AddressText(group.point - i));
-    Record("words written", {{"words", addresses}});
+    if (held == WordsHeld::Silent)
+        return Quitting ? "quit" : Abort ? "stopped" : "no answer";
+    return held == WordsHeld::Yes ? "held" : "other words";
 }
 
 }  // namespace
+
+bool NoteAnalogWordWritten(int point)
+{
+    if (writtenIn != CurrentVisit()) {
+        writtenIn = CurrentVisit();
+        writtenPoints.clear();
+    }
+    return writtenPoints.insert(point).second;
+}
+
+void NoteAnalogWordsWritten(const WordRun &run)
+{
+    const int words = static_cast<int>(run.text.size() / 4);
+    for (int point = 0; point < kAnalogWords; ++point) {
+        const int address = AnalogWordAddress(point, SessionMeterKind == kCtr);
+        if (address <= run.word && address > run.word - words)
+            NoteAnalogWordWritten(point);
+    }
+}
 
 void RecordAnalogOpened(int point)
 {
@@ -80,7 +92,8 @@ void RecordAnalogRound(int point, const AnalogRound &round)
                 {"wordBefore", HexText(round.before, 4)},
                 {"wordAfter", HexText(round.word, 4)},
                 {"limited", round.limited},
-                {"asFound", IsAsFound(point)}});
+                {"readBack", TextOf(round.held)},
+                {"asFound", round.asFound}});
 }
 
 void RecordAnalogEnded(int point, const std::string &how, const std::string &typed, float error)
@@ -92,36 +105,48 @@ void RecordAnalogEnded(int point, const std::string &how, const std::string &typ
                 {"error", RoundHalfEven(static_cast<double>(error))}});
 }
 
-void RecordAnalogWords(const std::string &how, const std::string &imageBefore, WordsHeld held)
+void RecordAnalogRestored(std::string_view by, const AnalogRestored &restored)
 {
-    std::vector<std::string> words;
-    words.reserve(kAnalogWords);
-    for (int point = 0; point < kAnalogWords; ++point)
-        words.push_back(AnalogWordName(point) + "=" + WordOf(point));
+    for (const WordRun &run : restored.runs)
+        NoteAnalogWordsWritten(run);
+    RecordWordsWritten(by, restored.runs);
+    Record("analog words", {{"how", "restored"},
+                            {"image", analog.image},
+                            {"dacType", analog.dacType},
+                            {"wordsBefore", TextsOf(restored.before)},
+                            {"words", TextsOf(analog.words)},
+                            {"readBack", TextOf(restored.held)}});
+}
+
+void RecordAnalogAccepted(const std::string &how, const std::string &imageBefore, WordsHeld held)
+{
     Record("analog words", {{"how", how},
                             {"imageBefore", imageBefore},
                             {"image", analog.image},
                             {"dacType", analog.dacType},
-                            {"words", words},
+                            {"words", TextsOf(analog.words)},
                             {"readBack", TextOf(held)}});
-    if (how == "restored")
-        RecordWordsWritten();
 }
 
-void RecordAnalogGivenBack(GivenBack given)
+void RecordAnalogZeroed(const std::string &imageBefore)
 {
-    const char *const kTexts[] = {"given back", "no answer", "another meter", "not taken"};
-    Record("analog settings", {{"words", AnalogSettingsNames()}, {"how", kTexts[static_cast<int>(given)]}});
+    Record("analog image", {{"how", "zeroed"}, {"imageBefore", imageBefore}, {"image", analog.image}});
 }
 
-WordsHeld RestoreForDac()
+void RecordAnalogSettings(const std::string &how, const std::string &names, const std::vector<std::string> &found)
 {
-    const ScopedFlag bipolar(analog.bipolarDone, analog.bipolarDone || analog.dacType == kDacBipolar);
-    const ScopedFlag dual(analog.dualDone, analog.dualDone || analog.dacType == kDacDual);
-    RestoreAnalogWords();
-    const WordsHeld held = CheckAnalogWords();
-    RecordAnalogWords("restored", analog.image, held);
-    return held;
+    Record("analog settings", {{"words", names}, {"found", found}, {"how", how}});
+}
+
+std::string TextOf(GivenBack given)
+{
+    const char *const kTexts[] = {"given back", "no answer", "stopped", "another meter", "not taken"};
+    return kTexts[static_cast<int>(given)];
+}
+
+void RecordAnalogChoices()
+{
+    Record("settings", {{"dacType", DacTypeText}, {"currentOffsetPoint", CurrentOffsetPoint}});
 }
 
 }  // namespace ombrix

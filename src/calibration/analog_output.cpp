@@ -158,6 +158,11 @@ bool AreFoundWords(const std::vector<std::string> &now)
                       [](const std::string &word, const Run &run) { return word == run.found; });
 }
 
+GivenBack WhyNoAnswer()
+{
+    return Abort ? GivenBack::Stopped : GivenBack::Silent;
+}
+
 // ---- groups ----
 
 std::string GroupText(const std::array<std::uint16_t, kAnalogWords> &words, const AnalogGroup &group)
@@ -187,10 +192,12 @@ std::string GroupOfImage(const AnalogGroup &group)
                                static_cast<std::size_t>(group.count) * kWordDigits);
 }
 
-void RestoreGroup(const AnalogGroup &group, std::string_view suffix)
+WordRun RestoreGroup(const AnalogGroup &group, std::string_view suffix)
 {
-    WriteAnalogPoint(group.point, GroupOfImage(group), suffix);
+    const std::string text = GroupOfImage(group);
+    WriteAnalogPoint(group.point, text, suffix);
     TakeGroup(analog.words, group, GroupText(analog.nominal, group));
+    return {AddressOf(group), text};
 }
 
 }  // namespace
@@ -298,13 +305,24 @@ void ZeroAnalogOutput()
         WriteRamBytes(kOutputByte, OutputText(0));
 }
 
-void RestoreAnalogWords()
+std::vector<WordRun> RestoreAnalogWords()
 {
+    std::vector<WordRun> runs;
     PrepareAnalogTest("");
-    for (const int i : {1, 2})
-        if (AnalogGroupDone(kAnalogGroups[i]))
-            RestoreGroup(kAnalogGroups[i], "Z");
-    RestoreGroup(kAnalogGroups[0], "");
+    for (const int i : {1, 2, 0})  // the first group restarts the meter with all of it
+        if (AnalogGroupDone(kAnalogGroups[i]) && !Abort)
+            runs.push_back(RestoreGroup(kAnalogGroups[i], i == 0 ? "" : "Z"));
+    return runs;
+}
+
+AnalogRestored RestoreAndCheckAnalogWords(bool allOfDac)
+{
+    const ScopedFlag bipolar(analog.bipolarDone, analog.bipolarDone || (allOfDac && analog.dacType == kDacBipolar));
+    const ScopedFlag dual(analog.dualDone, analog.dualDone || (allOfDac && analog.dacType == kDacDual));
+    AnalogRestored restored{analog.words, RestoreAnalogWords()};
+    if (!Abort)
+        restored.held = CheckAnalogWords();
+    return restored;
 }
 
 bool ReadAnalogWords()
@@ -332,6 +350,15 @@ WordsHeld CheckAnalogWords()
         TakeGroup(held, group, text);
     }
     return std::exchange(analog.words, held) == held ? WordsHeld::Yes : WordsHeld::No;
+}
+
+WordsHeld CheckAnalogWord(int point)
+{
+    const std::string text = ReadNvmWords(AnalogWordAddress(point, IsCounter()), 1, "Z");
+    if (text.empty())
+        return WordsHeld::Silent;
+    const auto held = static_cast<std::uint16_t>(HexValue(text));
+    return std::exchange(analog.words[static_cast<std::size_t>(point)], held) == held ? WordsHeld::Yes : WordsHeld::No;
 }
 
 void TakeOverAnalogWords(int word, std::string_view hex)
@@ -370,7 +397,7 @@ GivenBack GiveBackAnalogSettings()
         return GivenBack::Yes;
     const std::vector<std::string> now = ReadOverwritten(borrowed.counter);
     if (now.empty())
-        return GivenBack::Silent;
+        return WhyNoAnswer();
     if (borrowed.counter != IsCounter() || !IsOurMeter(now)) {
         borrowed = Borrowed();
         return GivenBack::OtherMeter;
@@ -379,31 +406,43 @@ GivenBack GiveBackAnalogSettings()
     WriteFoundWords();
     const std::vector<std::string> after = ReadOverwritten(borrowed.counter);
     if (!AreFoundWords(after))
-        return after.empty() ? GivenBack::Silent : GivenBack::NotTaken;
+        return after.empty() ? WhyNoAnswer() : GivenBack::NotTaken;
     borrowed = Borrowed();
     return GivenBack::Yes;
 }
 
 std::string AnalogSettingsNames()
 {
-    return IsCounter() ? "26 to 24, 36, 17 to 15, 144" : "14 to 12, 20, 240";
+    const bool counter = AnalogSettingsBorrowed() ? borrowed.counter : IsCounter();
+    return counter ? "26 to 24, 36, 17 to 15, 144" : "14 to 12, 20, 240";
 }
 
-std::string WhyNotGivenBack(GivenBack given)
+std::vector<std::string> AnalogSettingsFound()
 {
-    const std::string words = AnalogSettingsNames();
+    std::vector<std::string> found;
+    for (const Run &run : borrowed.runs)
+        found.push_back(run.found);
+    return found;
+}
+
+std::string WhyNotGivenBack(GivenBack given, const std::string &names)
+{
     switch (given) {
     case GivenBack::Silent:
-        return "The meter did not answer: its words " + words +
+        return "The meter did not answer: its words " + names +
                " still hold what the analog output's calibration needs.\r\n"
                "Check its line, open the AnaCal tab and click \"Done\".";
+    case GivenBack::Stopped:
+        return "Stopped before the meter's words " + names +
+               " were read back: whether they are as they were isn't known.\r\n"
+               "Open the AnaCal tab and click \"Done\".";
     case GivenBack::NotTaken:
-        return "The meter's words " + words +
+        return "The meter's words " + names +
                " don't read back as they were before.\r\nOpen the AnaCal tab and click \"Done\" once more.";
     case GivenBack::OtherMeter:
         return "This is another meter than the one whose analog output was calibrated.\r\nNothing was written into it; "
                "the words " +
-               words + " of the first one still hold what the calibration needs.";
+               names + " of the first one still hold what the calibration needs.";
     case GivenBack::Yes:
         break;
     }

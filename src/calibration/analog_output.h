@@ -6,11 +6,13 @@
 #pragma once
 
 #include "calibration/analog_points.h"
+#include "model/nvm_map.h"
 
 #include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace ombrix {
 
@@ -49,6 +51,9 @@ bool AnalogGroupDone(const AnalogGroup &group);
 
 // ---- the meter's words ----
 
+/// Whether the meter holds the words that it should; not when it did not answer or the wait was stopped.
+enum class WordsHeld { Yes, No, Silent };
+
 /// WriteNvmWords and ReadNvmWords. Without Z a meter that is no counter gets 700 ms more; a counter is always written
 /// and read without.
 void WriteAnalogNvm(int word, std::string_view hex, std::string_view suffix);
@@ -65,13 +70,23 @@ void OutputAnalogPoint(int point, std::string_view suffix);
 /// Value 0 without any wait: the end of the program's last word to the output. Nothing while nothing is borrowed.
 void ZeroAnalogOutput();
 
-/// Prepares the meter and writes the nominal words of points 0 to 3 into it, of the other groups if they are done.
-void RestoreAnalogWords();
+/// Prepares the meter and writes the nominal words of points 0 to 3 into it, of the other groups if they are done. What
+/// was written: a stop ends it between two writes.
+std::vector<WordRun> RestoreAnalogWords();
+/// The same, then they are read back. With `allOfDac` each group that the meter's DAC has, calibrated or not: the meter
+/// may be blank.
+struct AnalogRestored {
+    std::array<std::uint16_t, kAnalogWords> before{};
+    std::vector<WordRun> runs;
+    WordsHeld held = WordsHeld::Silent;
+};
+AnalogRestored RestoreAndCheckAnalogWords(bool allOfDac);
 /// The ten words out of the meter into analog.words. False, with nothing changed, when it did not answer.
 bool ReadAnalogWords();
-enum class WordsHeld { Yes, No, Silent };
 /// Whether the meter holds analog.words in the groups that are done. After a No they are what it does hold.
 WordsHeld CheckAnalogWords();
+/// The same for the word of one point.
+WordsHeld CheckAnalogWord(int point);
 /// Words that the operator has written into the meter by hand: those of the ten are taken over, and a borrowed one stays
 /// as it was written.
 void TakeOverAnalogWords(int word, std::string_view hex);
@@ -84,16 +99,19 @@ bool AnalogSettingsBorrowed();
 
 enum class GivenBack {
     Yes,
-    Silent,      ///< the meter did not answer, or the wait was stopped; the words are kept for another try
+    Silent,      ///< the meter did not answer; the words are kept for another try
+    Stopped,     ///< before they were read back; likewise
     OtherMeter,  ///< its words are neither those found nor those written: nothing was written into it
     NotTaken,    ///< what was written doesn't read back; the words are kept for another try
 };
 /// Output 0, the words as they were found, one restart; then they are read back. Yes when nothing was borrowed.
 GivenBack GiveBackAnalogSettings();
 
-/// The borrowed words of this kind of meter, as the operator knows them: "14 to 12, 20, 240".
+/// Which words are borrowed, as the operator knows them: "14 to 12, 20, 240". Those of this kind of meter while none are.
 std::string AnalogSettingsNames();
-/// What to tell the operator; "" for Yes.
-std::string WhyNotGivenBack(GivenBack given);
+/// What was found in them, in their order; empty while none are borrowed.
+std::vector<std::string> AnalogSettingsFound();
+/// What to tell the operator of words with these names; "" for Yes.
+std::string WhyNotGivenBack(GivenBack given, const std::string &names);
 
 }  // namespace ombrix

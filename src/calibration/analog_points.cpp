@@ -134,6 +134,14 @@ bool HasAnalogPoint(int dacType, int point)
     return point < kFirstBipolarPoint || dacType == kDacBipolar;
 }
 
+int NextAnalogPoint(int dacType, int point, int direction)
+{
+    for (int next = point + direction; next >= 0 && next < kAnalogWords; next += direction)
+        if (HasAnalogPoint(dacType, next))
+            return next;
+    return -1;
+}
+
 int AnalogConnector(int point)
 {
     return point >= kFirstDualPoint ? 2 : 1;
@@ -179,6 +187,16 @@ float AnalogTolerance(int point)
     return RowOf(point).kind == kCurrentOutput ? 2.5F : 1.25F;
 }
 
+bool IsInsideAnalogTolerance(int point, float error)
+{
+    return std::fabs(error) <= AnalogTolerance(point);
+}
+
+std::string AnalogDistanceText(int point, float error)
+{
+    return (error > 0 ? "+" : "") + Format(error, 2) + AnalogUnit(point);
+}
+
 std::string ExpectedAnalogReading(std::int32_t value, AnalogKind kind, bool counter)
 {
     const double part = static_cast<double>(value) / (20000.0 * (counter ? kCounterScale : 1));
@@ -221,6 +239,13 @@ std::optional<int> AnalogCableChoice(AnalogKind kind, int dacType)
     if (dacType == kDacDual)
         return 4;
     return std::nullopt;
+}
+
+std::optional<int> AnalogCableOfPoint(int point, int dacType)
+{
+    if (dacType == kDacDual && AnalogPointKind(point) != kBipolarOutput)
+        return AnalogConnector(point);
+    return AnalogCableChoice(AnalogPointKind(point), dacType);
 }
 
 TypedReading ParseTypedReading(const std::string &text)

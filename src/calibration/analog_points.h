@@ -22,6 +22,8 @@ int AnalogPointAtPosition(int position);
 int PositionOfAnalogPoint(int point);
 /// Whether a meter with this DAC has the point.
 bool HasAnalogPoint(int dacType, int point);
+/// The next point of a meter with this DAC, forward (1) or backward (-1), -1 beyond the ends. Forward from -1: the first.
+int NextAnalogPoint(int dacType, int point, int direction);
 /// 1, or 2 for a point of a dual DAC's second output.
 int AnalogConnector(int point);
 AnalogKind AnalogPointKind(int point);
@@ -38,6 +40,9 @@ std::string AnalogUnit(int point);
 /// How far off the reading may be, in the point's unit.
 std::string AnalogToleranceText(int point);
 float AnalogTolerance(int point);
+bool IsInsideAnalogTolerance(int point, float error);
+/// How far off a reading is, as "+12.50 mV".
+std::string AnalogDistanceText(int point, float error);
 
 /// What an output meter should read when a value is put out in a mode, as "5000 mV".
 std::string ExpectedAnalogReading(std::int32_t value, AnalogKind kind, bool counter);
@@ -53,6 +58,8 @@ std::string AnalogDesiredText(int point, int currentPoint);
 std::string AnalogCableText(int choice);
 /// The choice for a mode of a meter with this DAC; none when there is nothing to choose.
 std::optional<int> AnalogCableChoice(AnalogKind kind, int dacType);
+/// The cable that must be connected for a point, as a choice; none where every meter's is the same.
+std::optional<int> AnalogCableOfPoint(int point, int dacType);
 
 /// A reading as it was typed. A comma is a decimal sign as the point is; with three digits behind it it could stand
 /// between thousands, and the text is refused.

@@ -1,14 +1,14 @@
 #include "procedures/analog_page.h"
 
-#include "calibration/analog_journal.h"
 #include "calibration/analog_output.h"
 #include "links/meter_protocol.h"
 #include "model/analog_settings.h"
-#include "model/range_tables.h"
 #include "model/settings.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
+#include "procedures/analog_meter.h"
 #include "procedures/analog_view.h"
+#include "procedures/analog_work.h"
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
@@ -17,7 +17,8 @@
 #include "widgets/page_kit.h"
 
 #include <array>
-#include <cmath>
+#include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,39 +26,21 @@ namespace ombrix {
 namespace {
 
 constexpr int kAnalogPage = 12;
-constexpr int kNone = -1;
+constexpr int kNoStep = -1;
 constexpr int kCounterOutputMs = 500;
+constexpr int kEitherConnector = 4;  // the cable of a dual DAC
 constexpr std::int32_t kHighestValue = 16777215;
 
-// ---- what the page knows ----
-
-// What was done at a point since the tab was opened.
-struct PointWork {
-    int rounds = 0;
-    std::string typed;  // the last reading, as it came; "" none yet
-    float error = 0;    // how far off it was
-    bool open = false;  // written, and neither accepted nor told as left
-};
-
-struct AnalogPage {
-    int point = kNone;  // that is put out and waits for readings
-    int kind = kNone;   // the mode that the page has given the meter
-    int connector = 1;  // where a dual DAC's cable was asked to be
-    bool verify = false;
-    bool cableDone = false;
-    std::array<PointWork, kAnalogWords> work;
-    Prompt told;  // what the work that just ended has to say
-};
-AnalogPage page;
-
-PointWork &WorkOf(int point)
-{
-    return page.work[static_cast<std::size_t>(point)];
-}
+AnalogPage &page = analogPage;
 
 std::uint16_t &WordOf(int point)
 {
     return analog.words[static_cast<std::size_t>(point)];
+}
+
+std::string WordText(std::uint16_t word)
+{
+    return HexText(word, 4);
 }
 
 bool IsCounter()
@@ -65,81 +48,39 @@ bool IsCounter()
     return SessionMeterKind == kCtr;
 }
 
-// ---- what it shows ----
+// ---- how work begins and ends ----
 
-void ShowOptions()
+// A stop leaves nothing put out. Which mode and which cable there are is not known any more.
+void LeaveStopped()
 {
-    ShowAnalogChoices({analog.dacType, page.kind, page.verify, AnalogCurrentPoint()});
+    ClosePoint();
+    ForgetTyped();
+    page.verify = false;
+    page.kind = kNoMode;
+    page.cable.reset();
+    if (AnalogSettingsBorrowed())
+        OutputAnalogValue(0, "");
+    page.told = {"Stopped: no point is put out any more"};
 }
 
-std::string TitleOfPoint(int point)
+void LeaveWork(Ended ended)
 {
-    const std::string output = analog.dacType == kDacDual ? ", output " + std::to_string(AnalogConnector(point)) : "";
-    return StepName(StepIdAtPosition(PositionOfAnalogPoint(point))) + output;
+    if (ended == Ended::Stopped)
+        LeaveStopped();
+    if (ended == Ended::Fault)
+        page.told = {FaultWords(), true};
+    ShowPlace();
 }
 
-bool IsInside(int point, float error)
+// What a click starts between the way in and Done.
+void Work(const std::function<void()> &work)
 {
-    return std::fabs(error) <= AnalogTolerance(point);
-}
-
-void ShowLastDistance()
-{
-    if (page.point == kNone || WorkOf(page.point).typed.empty())
-        return ShowDistance("", false, "");
-    const float error = WorkOf(page.point).error;
-    const std::string unit = AnalogUnit(page.point);
-    const bool inside = IsInside(page.point, error);
-    ShowDistance((error > 0 ? "+" : "") + Format(error, 2) + unit, inside,
-                 (inside ? "inside +/- " : "outside +/- ") + AnalogToleranceText(page.point) + unit);
-}
-
-void ShowPoint()
-{
-    if (page.point == kNone)
-        ShowAnalogPoint("Analog Output", "", "");
-    else
-        ShowAnalogPoint(TitleOfPoint(page.point), AnalogEnterText(page.point),
-                        AnalogDesiredText(page.point, AnalogCurrentPoint()));
-    std::array<std::string, kAnalogWords> last;
-    for (std::size_t point = 0; point < last.size(); ++point)
-        last[point] = page.work[point].typed;
-    ShowLastReadings(last);
-    ShowLastDistance();
-}
-
-Prompt PromptOfPoint()
-{
-    const PointWork &work = WorkOf(page.point);
-    if (work.typed.empty())
-        return {"Type what the output meter shows, then press Enter"};
-    const std::string word = "Word " + HexText(WordOf(page.point), 4) + " was sent. ";
-    if (IsInside(page.point, work.error))
-        return {word + "The reading was inside:\r\ngo on with \"Up\", or type another one"};
-    return {word + "The reading was outside:\r\ntype what the output meter shows now"};
-}
-
-// The page between two clicks: what stands open, and what the work behind it has to say.
-void ShowPlace()
-{
-    ShowOptions();
-    ShowPoint();
-    const AnalogState state = page.verify ? kAnalogVerify : page.point == kNone ? kAnalogNoPoint : kAnalogPoint;
-    if (MeterLineIsGone())
-        page.told = {"The meter's line is gone:\r\ncheck it, then click the step again", true};
-    if (page.told.text.empty() && state == kAnalogPoint)
-        page.told = PromptOfPoint();
-    if (page.told.text.empty())
-        ShowAnalogState(state);
-    else
-        ShowAnalogState(state, page.told);
-    page.told = {};
-}
-
-void ClosePoint()
-{
-    page.point = kNone;
-    HighlightStep(kNone);
+    RunPageProcedure(
+        [&] {
+            ShowAnalogState(kAnalogWorking);
+            work();
+        },
+        LeaveWork);
 }
 
 // ---- cable and mode, inside a procedure ----
@@ -147,108 +88,99 @@ void ClosePoint()
 void AskForCable(int choice)
 {
     page.cableDone = false;
-    const bool either = choice == 4 && page.point != kNone;
+    const bool either = choice == kEitherConnector && page.point != kNoPoint;
     ShowCableText(AnalogCableText(choice),
                   either ? "This point is at connector " + std::to_string(AnalogConnector(page.point)) + "." : "");
     outlets.beep();
     ShowAnalogState(kAnalogCable);
     const WaitNote note("Waits for the output cable");
     WaitForOperator([] { return page.cableDone; });
+    page.cable = choice;
+    if (choice == kEitherConnector)
+        page.cable = either ? std::optional(AnalogConnector(page.point)) : std::nullopt;
     ShowAnalogState(kAnalogWorking);
 }
 
-// True when it has asked for a cable.
+// True when it has asked for a cable. A stop during the write asks for none: LeaveStopped forgets the mode.
 bool SelectMode(AnalogKind kind)
 {
     SetAnalogMode(kind);
     page.kind = kind;
     ShowOptions();
     const auto choice = AnalogCableChoice(kind, analog.dacType);
-    if (choice)
+    if (choice && !Abort)
         AskForCable(*choice);
-    if (page.point != kNone)
-        page.connector = AnalogConnector(page.point);
     return choice.has_value();
 }
 
 void SelectModeOfPoint()
 {
-    if (AnalogPointKind(page.point) != page.kind) {
+    const auto needed = AnalogCableOfPoint(page.point, analog.dacType);
+    if (AnalogPointKind(page.point) != page.kind)
         SelectMode(AnalogPointKind(page.point));
-    } else if (analog.dacType == kDacDual && AnalogConnector(page.point) != page.connector) {
-        page.connector = AnalogConnector(page.point);
-        AskForCable(page.connector);
-    }
-}
-
-// ---- the meter taken and given back ----
-
-// The words that the work overwrites are read before the first of them is written.
-bool TakeMeter()
-{
-    if (AnalogSettingsBorrowed())
-        return true;
-    page.kind = kNone;
-    LoadAnalogNominal();
-    if (ReadAnalogWords() && BorrowAnalogSettings())
-        return true;
-    if (Abort)
-        ShowAnalogState(kAnalogSilent, {"Stopped before the meter was read", true});
-    else
-        ShowAnalogState(kAnalogSilent);
-    return false;
-}
-
-bool PrepareMeter()
-{
-    const bool prepared = AnalogSettingsBorrowed();
-    if (!TakeMeter())
-        return false;
-    if (!prepared)
-        PrepareAnalogTest("");
-    return true;
-}
-
-void TellPointsLeft()
-{
-    for (int point = 0; point < kAnalogWords; ++point) {
-        if (WorkOf(point).open)
-            RecordAnalogEnded(point, "left", WorkOf(point).typed, WorkOf(point).error);
-        WorkOf(point).open = false;
-    }
-}
-
-bool GiveMeterBack()
-{
-    if (!AnalogSettingsBorrowed())
-        return true;
-    ShowAnalogState(kAnalogLeaving);
-    TellPointsLeft();
-    const GivenBack given = GiveBackAnalogSettings();
-    RecordAnalogGivenBack(given);
-    const std::string why = WhyNotGivenBack(given);
-    page.kind = kNone;
-    if (!why.empty())
-        outlets.warnOperator(why, "Analog Output");
-    return why.empty();
+    else if (needed && needed != page.cable)
+        AskForCable(*needed);
 }
 
 // ---- a typed reading ----
 
-void WriteCorrection(const AnalogCorrection &correction)
+void TellWord(WordsHeld held, const AnalogCorrection &correction)
 {
-    WriteAnalogPoint(page.point, HexText(correction.word, 4), "");
-    WordOf(page.point) = correction.word;
-    analog.bipolarDone = analog.bipolarDone || AnalogPointKind(page.point) == kBipolarOutput;
-    analog.dualDone = analog.dualDone || AnalogConnector(page.point) == 2;
-    OutputAnalogPoint(page.point, "");
+    const std::string word = WordText(correction.word);
+    if (held == WordsHeld::Silent)
+        page.told = {"The meter did not answer: whether it holds word " + word + " isn't known.\r\n" +
+                         "Check its line, then type what the output meter shows",
+                     true};
+    else if (held == WordsHeld::No)
+        page.told = {"The meter did not take word " + word + ", it holds " + WordText(WordOf(page.point)) +
+                         ":\r\ntype what the output meter shows now",
+                     true};
+    else if (!correction.overflow.empty())
+        page.told = {"The word is at its limit:\r\ncheck cable, output meter and DAC type", true};
+}
+
+// Writes the round's word, asks the meter whether it holds it, and puts the point out again. The word counts as written
+// from the moment it is sent.
+WordsHeld WriteWord(std::uint16_t word)
+{
+    const int point = page.point;
+    page.wordKnown = false;
+    WordOf(point) = word;
+    analog.bipolarDone = analog.bipolarDone || AnalogPointKind(point) == kBipolarOutput;
+    analog.dualDone = analog.dualDone || AnalogConnector(point) == 2;
+    WriteAnalogPoint(point, WordText(word), "");
+    const WordsHeld held = CheckAnalogWord(point);
+    page.wordKnown = held != WordsHeld::Silent;
+    if (Abort)
+        return held;
+    OutputAnalogPoint(point, "");
     if (IsCounter())
         DelayMs(kCounterOutputMs);
+    return held;
+}
+
+void TellRound()
+{
+    if (page.round)
+        RecordAnalogRound(page.point, *page.round);
+    page.round.reset();
+}
+
+// A correction never starts from a word that the meter may not hold.
+bool KnowsWord()
+{
+    if (!page.wordKnown && CheckAnalogWord(page.point) == WordsHeld::Silent) {
+        page.told = {"The meter did not answer: the reading was not used", true};
+        return false;
+    }
+    page.wordKnown = true;
+    return true;
 }
 
 void TakeReading(const std::string &typed, float reading)
 {
-    ShowAnalogState(kAnalogWorking);
+    if (!KnowsWord())
+        return;
     const std::uint16_t before = WordOf(page.point);
     const AnalogCorrection correction = CorrectAnalogWord(page.point, reading, before, AnalogCurrentPoint());
     if (!correction.refused.empty()) {
@@ -258,14 +190,15 @@ void TakeReading(const std::string &typed, float reading)
     PointWork &work = WorkOf(page.point);
     work.typed = typed;
     work.error = reading - static_cast<float>(AnalogTarget(page.point, AnalogCurrentPoint()));
-    work.open = true;
     ShowPoint();
     if (!correction.overflow.empty())
         outlets.warnOperator(correction.overflow, correction.overflowTitle);
-    WriteCorrection(correction);
-    RecordAnalogRound(page.point, {++work.rounds, typed, before, correction.word, !correction.overflow.empty()});
-    if (!correction.overflow.empty())
-        page.told = {"The word is at its limit:\r\ncheck cable, output meter and DAC type", true};
+    work.open = true;
+    page.round = {
+        ++work.rounds, typed, before, correction.word, !correction.overflow.empty(), NoteAnalogWordWritten(page.point)};
+    page.round->held = WriteWord(correction.word);
+    TellWord(page.round->held, correction);
+    TellRound();
     ClearTypedReading();
 }
 
@@ -276,34 +209,47 @@ void txtRead_Commit(const std::string &text, CommitBy by)
     const TypedReading typed = ParseTypedReading(text);
     if (!typed.trouble.empty())
         return ShowAnalogPrompt({typed.trouble, true});
-    RunPageProcedure([&] { TakeReading(Trim(text), typed.value); }, [](Ended) { ShowPlace(); });
+    Work([&] { TakeReading(Trim(text), typed.value); });
     SelectTyped();
 }
 
 // ---- Accept and Done ----
 
+void TellAccepted()
+{
+    const std::string rest = PointsNotInside();
+    if (rest.empty())
+        page.told = {"Accepted: the station has learned from this meter's words", false, Tone::Well};
+    else
+        page.told = {"Accepted: the station has learned from this meter's words.\r\nNot read inside: " + rest};
+}
+
+// The meter holds other words: what was read of those is worth nothing any more.
+void TellOtherWords(const std::array<std::uint16_t, kAnalogWords> &expected)
+{
+    for (int point = 0; point < kAnalogWords; ++point)
+        if (WordOf(point) != expected[static_cast<std::size_t>(point)])
+            DropPointWork(point);
+    page.told = {"The meter holds other words than were written:\r\nread its points again", true};
+}
+
 void AcceptWords()
 {
     ShowAnalogState(kAnalogWorking);
-    const std::string before = analog.image;
+    const std::string image = analog.image;
+    const auto expected = analog.words;
     const WordsHeld held = CheckAnalogWords();
     if (held == WordsHeld::Yes)
         BlendAnalogNominal();
-    RecordAnalogWords(held == WordsHeld::Yes ? "accepted" : "not accepted", before, held);
-    if (held == WordsHeld::No) {
-        page.told = {"The meter holds other words than were written:\r\nread its points again", true};
-        return;
-    }
+    RecordAnalogAccepted(held == WordsHeld::Yes ? "accepted" : "not accepted", image, held);
+    if (held == WordsHeld::No)
+        return TellOtherWords(expected);
     if (held == WordsHeld::Silent) {
-        page.told = {"The meter did not answer: nothing was accepted", true};
+        page.told = {Abort ? "Stopped: nothing was accepted" : "The meter did not answer: nothing was accepted", true};
         return;
     }
-    for (int point = 0; point < kAnalogWords; ++point) {
-        if (WorkOf(point).open)
-            RecordAnalogEnded(point, "accepted", WorkOf(point).typed, WorkOf(point).error);
-        WorkOf(point).open = false;
-    }
-    page.told = {"Accepted: the station has learned from this meter's words"};
+    EndPoints("accepted");
+    TellAccepted();
 }
 
 void cmdAccept_Click()
@@ -319,8 +265,9 @@ void cmdDone_Click()
         [](Ended) {
             ClosePoint();
             page.verify = false;
-            if (GiveMeterBack())
-                return OpenStep(kNone);
+            GiveMeterBack();
+            if (!AnalogSettingsBorrowed())
+                return OpenStep(kNoStep);
             ShowPoint();
             ShowAnalogState(kAnalogSilent, {"The meter's own settings are not back: click \"Done\" again", true});
         });
@@ -333,14 +280,12 @@ bool MayOpen(int point)
     return !page.verify && HasAnalogPoint(analog.dacType, point);
 }
 
-// The next point that the meter has, +1 forward or -1 backward; beyond the ends there is none.
+// Beyond the ends there is none.
 void MoveOn(int direction)
 {
-    int point = page.point == kNone && direction < 0 ? kNone : page.point + direction;
-    while (point >= 0 && point < kAnalogWords && !MayOpen(point))
-        point += direction;
-    if (point >= 0 && point < kAnalogWords)
-        OpenStep(PositionOfAnalogPoint(point));
+    const int next = NextAnalogPoint(analog.dacType, page.point, direction);
+    if (next != kNoPoint)
+        OpenStep(PositionOfAnalogPoint(next));
 }
 
 void cmdUp_Click()
@@ -362,78 +307,73 @@ void cmdModal_Click()
 
 void PutOutPoint()
 {
-    if (page.point != kNone)
+    if (page.point != kNoPoint)
         OutputAnalogPoint(page.point, "");
 }
 
 void TakeDacType(int type)
 {
-    ShowAnalogState(kAnalogWorking);
     analog.dacType = type;
     DacTypeText = std::to_string(type);
     SaveAnaCal();
+    RecordAnalogChoices();
+    page.cable.reset();  // the other type may need another one
     PrepareAnalogTest("");
-    if (page.point != kNone && !HasAnalogPoint(type, page.point))
+    if (page.point != kNoPoint && !HasAnalogPoint(type, page.point))
         ClosePoint();
+    PutOutPoint();
+}
+
+void TakeCurrentPoint(const char *microamps)
+{
+    CurrentOffsetPoint = microamps;
+    SaveAnaCal();
+    RecordAnalogChoices();
     PutOutPoint();
 }
 
 void optDAC_Click(int type)
 {
-    RunPageProcedure([type] { TakeDacType(type); }, [](Ended) { ShowPlace(); });
+    Work([type] { TakeDacType(type); });
 }
 
 void optCOffCalibPt_Click(int index)
 {
-    RunPageProcedure(
-        [index] {
-            ShowAnalogState(kAnalogWorking);
-            CurrentOffsetPoint = index == 1 ? "4000" : "200";
-            SaveAnaCal();
-            PutOutPoint();
-        },
-        [](Ended) { ShowPlace(); });
+    Work([index] { TakeCurrentPoint(index == 1 ? "4000" : "200"); });
 }
 
 void optAnaMode_Click(int kind)
 {
-    RunPageProcedure(
-        [kind] {
-            ShowAnalogState(kAnalogWorking);
-            ClearTypedValue();
-            SelectMode(static_cast<AnalogKind>(kind));
-        },
-        [](Ended) { ShowPlace(); });
+    Work([kind] {
+        ClearTypedValue();
+        SelectMode(static_cast<AnalogKind>(kind));
+    });
 }
 
 // ---- verifying: values put out by hand, no word changes ----
 
 void BeginVerifying()
 {
-    ShowAnalogState(kAnalogWorking);
     page.verify = true;
     ClosePoint();
     ClearTypedValue();
     ShowPoint();
-    const bool asked = page.kind == kNone && SelectMode(kVoltageOutput);
-    if (analog.dacType == kDacDual && !asked)
-        AskForCable(4);
+    const bool asked = page.kind == kNoMode && SelectMode(kVoltageOutput);
+    if (analog.dacType == kDacDual && !asked && !Abort)
+        AskForCable(kEitherConnector);
 }
 
 void optCalVfy_Click(int index)
 {
-    RunPageProcedure(
-        [index] {
-            if (index == 1)
-                return BeginVerifying();
-            page.verify = false;
-        },
-        [](Ended) { ShowPlace(); });
+    Work([index] {
+        page.verify = index == 1;
+        if (page.verify)
+            BeginVerifying();
+    });
 }
 
 void PutOutValue(std::int32_t value)
 {
-    ShowAnalogState(kAnalogWorking);
     OutputAnalogValue(value, "");
     page.told = {"The output meter should show " +
                  ExpectedAnalogReading(value, static_cast<AnalogKind>(page.kind), IsCounter())};
@@ -446,7 +386,7 @@ void txtMeterVal_Commit(const std::string &text, CommitBy by)
     const double value = Val(text);
     if (text.empty() || value > kHighestValue)
         return ShowAnalogPrompt({"Type a whole number from 0 to " + std::to_string(kHighestValue), true});
-    RunPageProcedure([value] { PutOutValue(static_cast<std::int32_t>(value)); }, [](Ended) { ShowPlace(); });
+    Work([value] { PutOutValue(static_cast<std::int32_t>(value)); });
     SelectTyped();
 }
 
@@ -456,6 +396,8 @@ void BringPageUp()
 {
     ShowPage(kAnalogPage);
     ShowOptions();
+    ForgetTyped();
+    ShowPoint();
     ShowAnalogState(kAnalogOpening);
 }
 
@@ -464,94 +406,126 @@ void OpenTab()
     const bool owed = AnalogSettingsBorrowed();
     page = AnalogPage();
     LoadAnalogNominal();
-    analog.bipolarDone = analog.dualDone = false;
     BringPageUp();
-    ShowPoint();
-    if (owed && !GiveMeterBack() && AnalogSettingsBorrowed())
-        return ShowAnalogState(kAnalogSilent);
+    if (owed) {
+        GiveMeterBack();
+        if (AnalogSettingsBorrowed())
+            return ShowAnalogState(kAnalogSilent);
+    }
     if (PrepareMeter())
         ShowPlace();
+}
+
+void TellSilent()
+{
+    ClosePoint();
+    ShowPoint();
+    ShowAnalogState(kAnalogSilent);
+}
+
+// With what the meter holds by now in analog.words, the point goes out.
+void PutOutOpenedPoint(WordsHeld held)
+{
+    if (held == WordsHeld::No)
+        DropPointWork(page.point);
+    page.wordKnown = true;
+    OutputAnalogPoint(page.point, "");
+    RecordAnalogOpened(page.point);
 }
 
 void EnterPoint()
 {
     page.point = AnalogPointAtPosition(CurrentStepButton);
     BringPageUp();
-    ClearTypedReading();
-    ShowPoint();
     if (!PrepareMeter()) {
         ClosePoint();
         return ShowPoint();
     }
     SelectModeOfPoint();
-    OutputAnalogPoint(page.point, "");
-    RecordAnalogOpened(page.point);
+    const WordsHeld held = Abort ? WordsHeld::Silent : CheckAnalogWord(page.point);
+    if (held == WordsHeld::Silent && !Abort)
+        return TellSilent();
+    if (!Abort)
+        PutOutOpenedPoint(held);
+    if (Abort)
+        LeaveStopped();
     ShowPlace();
 }
 
 void EnterInitNvmem()
 {
-    page.point = kNone;
+    page.point = kNoPoint;
     BringPageUp();
-    ShowPoint();
     if (!TakeMeter())
         return;
-    const WordsHeld held = RestoreForDac();
-    if (held == WordsHeld::Yes)
-        page.told = {"The nominal words are in the meter"};
-    else if (held == WordsHeld::No)
-        page.told = {"The meter did not take all nominal words:\r\nclick \"Init NVMEM\" again", true};
-    else
-        page.told = {"The meter did not answer:\r\nwhether it holds the nominal words isn't known", true};
+    if (RestoreNominalWords("Init NVMEM", true))
+        page.told = {"The nominal words are in the meter", false, Tone::Well};
     ShowPlace();
 }
 
 // All over again, from the nominal words and the first point on.
 void EnterReCalibrate()
 {
-    page.point = kNone;
+    page.point = kNoPoint;
     page.verify = false;
     BringPageUp();
     if (!TakeMeter())
         return;
-    TellPointsLeft();
-    page.work = {};
     analog.bipolarDone = analog.dualDone = false;
-    ShowPoint();
-    RestoreAnalogWords();
-    RecordAnalogWords("restored", analog.image, CheckAnalogWords());
-    OpenStep(PositionOfAnalogPoint(0));
+    if (RestoreNominalWords("Re-Calibrate", false))
+        return OpenStep(PositionOfAnalogPoint(0));
+    ClosePoint();
+    ShowPlace();
 }
 
 void EnterZeroInitFile()
 {
-    page.point = kNone;
+    page.point = kNoPoint;
     BringPageUp();
     const std::string before = StoredAnalogImage();
     const int dacBefore = analog.dacType;
     ResetAnalogNominal();
     LoadAnalogNominal();
-    RecordAnalogWords("zeroed", before, WordsHeld::Yes);
+    RecordAnalogZeroed(before);
     if (AnalogSettingsBorrowed() && analog.dacType != dacBefore)
         PrepareAnalogTest("");
     page.told = {"The station's nominal words are the built-in ones again;\r\nthe meter's words are as they were"};
     ShowPlace();
 }
 
-// "*": the raw words, and back again. A write there restarted the meter.
+// ---- the raw words, and back again: what was saved there counts, and each look at them restarted the meter ----
+
+void TakeOverRawWords(int address, const std::string &hex)
+{
+    const auto before = analog.words;
+    TakeOverAnalogWords(address, hex);
+    NoteAnalogWordsWritten({address, hex});
+    for (int point = 0; point < kAnalogWords; ++point)
+        if (WordOf(point) != before[static_cast<std::size_t>(point)])
+            DropPointWork(point);
+}
+
+void ComeBack()
+{
+    RunPageProcedure(
+        [] {
+            BringPageUp();
+            if (page.point != kNoPoint)
+                page.wordKnown = CheckAnalogWord(page.point) != WordsHeld::Silent;
+            PutOutPoint();
+        },
+        LeaveWork);
+}
+
 void cmdNVMWord_Click()
 {
-    const auto back = [] {
-        BringPageUp();
-        ShowPoint();
-        PutOutPoint();
-    };
-    EnterRawWords({TakeOverAnalogWords, [back] { RunPageProcedure(back, [](Ended) { ShowPlace(); }); }});
+    EnterRawWords({TakeOverRawWords, ComeBack});
 }
 
 void BuildAnalogPage(QFrame *frame)
 {
     LivesWith(frame, page);
+    ForgetPointWork();
     BuildAnalogView(frame, {.typed = txtRead_Commit,
                             .value = txtMeterVal_Commit,
                             .dac = optDAC_Click,
@@ -566,20 +540,29 @@ void BuildAnalogPage(QFrame *frame)
                             .cable = cmdModal_Click});
 }
 
+void LeaveTabOfPage()
+{
+    GiveMeterBack();
+    page.verify = false;
+}
+
+// At the end of the program the meter keeps what the work has given it: only its output goes to 0.
+void SpeakLastWords()
+{
+    ZeroAnalogOutput();
+    if (!AnalogSettingsBorrowed())
+        return;
+    TellRound();
+    EndPoints("quit");
+    RecordAnalogSettings("left", AnalogSettingsNames(), AnalogSettingsFound());
+}
+
 }  // namespace
 
 void RegisterAnalogPage()
 {
     RegisterPage(kAnalogPage, BuildAnalogPage);
-    TabRecord tab;
-    tab.prepare = OpenTab;
-    tab.leave = [] {
-        GiveMeterBack();
-        page.verify = false;
-    };
-    tab.lastWords = ZeroAnalogOutput;
-    RegisterTab(kTabAnaCal, tab);
-
+    RegisterTab(kTabAnaCal, {OpenTab, LeaveTabOfPage, SpeakLastWords});
     StepRecord point{EnterPoint, kAnalogPage};
     point.allowed = [](int position) { return MayOpen(AnalogPointAtPosition(position)); };
     RegisterSteps({Step::VoltOffset, Step::VoltageGain, Step::CurrentOffset, Step::CurrentGain, Step::Minus10Volts,

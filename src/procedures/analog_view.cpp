@@ -37,13 +37,14 @@ struct View {
 };
 View view;
 
-const Prompt kPromptOpening = {"Preparing the meter for its analog output"};
+const Prompt kPromptOpening = {"Preparing the meter for its analog output", false, Tone::Works};
 const Prompt kPromptSilent = {"The meter did not answer:\r\ncheck its line, then click the step again", true};
 const Prompt kPromptNoPoint = {"Click a step, or \"Up\" for the first one"};
-const Prompt kPromptWorking = {"Writing to the meter"};
+const Prompt kPromptWorking = {"Writing to the meter", false, Tone::Works};
 const Prompt kPromptCable = {"Connect the cable, then click \"OK\""};
 const Prompt kPromptVerify = {"Type a value for the meter's output, then Enter, and read the output meter"};
-const Prompt kPromptLeaving = {"Setting the output to 0 and giving the meter its own settings back"};
+const Prompt kPromptLeaving = {"Setting the output to 0 and giving the meter its own settings back", false,
+                               Tone::Works};
 
 template <class Array> void Add(std::vector<QWidget *> &list, const Array &widgets)
 {
@@ -68,6 +69,7 @@ std::vector<PageState> TableOfStates()
         // state    on               keys to           prompt           not seen
         {kAnalogOpening,  {},              nullptr,          kPromptOpening,  value},
         {kAnalogSilent,   {view.cmdDone},  nullptr,          kPromptSilent,   value},
+        {kAnalogAway,     {view.cmdUp},    view.cmdUp,       kPromptNoPoint,  value},
         {kAnalogNoPoint,  idle,            view.cmdUp,       kPromptNoPoint,  value},
         {kAnalogPoint,    point,           view.txtRead,     {},              value},
         {kAnalogWorking,  {},              nullptr,          kPromptWorking,  {view.fraModal}},
@@ -138,6 +140,7 @@ QFrame *BuildReading(QFrame *frame, const AnalogHandlers &handlers)
     view.txtRead = LargeField(view.fraReading, "txtRead", "0123456789+-.,", handlers.typed);
     view.txtRead->setToolTip("What the output meter shows, then Enter. A comma is a decimal sign too");
     view.lblDistance = Readout(view.fraReading, "lblDistance");
+    MakeLarger(view.lblDistance->findChild<QLabel *>("lblDistanceMark"));  // the tolerance stands there
     auto *grid = new QGridLayout(view.fraReading);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->addWidget(view.lblDesired, 0, 0, 1, 3);

@@ -16,6 +16,7 @@ namespace ombrix {
 enum AnalogState {
     kAnalogOpening,
     kAnalogSilent,   ///< the meter has not answered
+    kAnalogAway,     ///< the meter has its own settings, and nothing is written into it before a step
     kAnalogNoPoint,  ///< ready, and no point is put out
     kAnalogPoint,    ///< a point is put out and waits for a reading
     kAnalogWorking,

@@ -165,6 +165,36 @@ TEST_F(AnalogOnBench, RestoresNothingOfAGroupThatIsNotDone)
     EXPECT_EQ(analog.words[9], 7);
 }
 
+TEST_F(AnalogOnBench, RestoresWhatItsDacHasAndTellsWhatBecameOfIt)
+{
+    Meets(board::kDc);
+    StoresImage(kImage);
+    analog.dacType = kDacBipolar;
+    analog.words.fill(7);
+    const AnalogRestored all = RestoreAndCheckAnalogWords(true);
+    EXPECT_EQ(all.held, WordsHeld::Yes);
+    ASSERT_EQ(all.runs.size(), 2U);
+    EXPECT_EQ(all.runs[0].word, 242);
+    EXPECT_EQ(all.runs[0].text, "FD700048");
+    EXPECT_EQ(all.runs[1].word, 63);
+    EXPECT_EQ(all.before[0], 7);
+    EXPECT_FALSE(analog.bipolarDone) << "nothing was calibrated";
+    EXPECT_EQ(RestoreAndCheckAnalogWords(false).runs.size(), 1U);
+}
+
+TEST_F(AnalogOnBench, RestoresNothingMoreBehindAStop)
+{
+    Meets(board::kDc);
+    analog.words.fill(7);
+    const ScopedFlag stopped(Abort);
+    AnalogRestored restored;
+    EXPECT_THAT(FramesOf([&] { restored = RestoreAndCheckAnalogWords(true); }),
+                ElementsAre("*1W30E004E20000000Z", "*1W1F0525C"));
+    EXPECT_TRUE(restored.runs.empty());
+    EXPECT_EQ(restored.held, WordsHeld::Silent);
+    EXPECT_EQ(analog.words[3], 7);
+}
+
 // ---- what is read ----
 
 TEST_F(AnalogOnBench, ReadsTheTenWordsOutOfTheMeter)
@@ -182,6 +212,22 @@ TEST_F(AnalogOnBench, ReadsTheTenWordsOutOfTheMeter)
     bench->SwitchFault("silent-meter", true);
     EXPECT_EQ(CheckAnalogWords(), WordsHeld::Silent);
     EXPECT_FALSE(ReadAnalogWords());
+    EXPECT_EQ(analog.words[1], 0x5555);
+}
+
+TEST_F(AnalogOnBench, ReadsTheWordOfOnePointBack)
+{
+    Meets(board::kDc);
+    ASSERT_TRUE(ReadAnalogWords());
+    EXPECT_THAT(FramesOf([] { EXPECT_EQ(CheckAnalogWord(1), WordsHeld::Yes); }), ElementsAre("*1X13DZ"));
+    bench->SetWord(61, 0x5555);
+    bench->SetWord(60, 0x6666);
+    EXPECT_EQ(CheckAnalogWord(1), WordsHeld::No);
+    EXPECT_EQ(analog.words[1], 0x5555);
+    EXPECT_NE(analog.words[0], 0x6666) << "nobody has asked for it";
+    EXPECT_EQ(CheckAnalogWord(1), WordsHeld::Yes);
+    bench->SwitchFault("silent-meter", true);
+    EXPECT_EQ(CheckAnalogWord(1), WordsHeld::Silent);
     EXPECT_EQ(analog.words[1], 0x5555);
 }
 
@@ -259,6 +305,31 @@ TEST_F(CounterOnBench, IsFoundAsItWasAfterwards)
     OutputAnalogPoint(1, "");
     EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::Yes);
     EXPECT_EQ(bench->Nvm(), before);
+}
+
+TEST_F(CounterOnBench, NamesItsOwnWordsAlsoWhenAnotherKindHasTakenItsPlace)
+{
+    Meets(board::kVf);
+    GiveCustomersWords(*bench, {36, 144});
+    ASSERT_TRUE(BorrowAnalogSettings());
+    EXPECT_THAT(AnalogSettingsFound(), testing::Contains("0A24"));
+    SessionMeterKind = kDpm;
+    EXPECT_EQ(AnalogSettingsNames(), "26 to 24, 36, 17 to 15, 144");
+    EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::OtherMeter);
+    EXPECT_EQ(AnalogSettingsNames(), "14 to 12, 20, 240");
+    EXPECT_THAT(AnalogSettingsFound(), testing::IsEmpty());
+}
+
+TEST_F(AnalogOnBench, IsNoSilentMeterWhenTheGivingBackWasStopped)
+{
+    Meets(board::kDc);
+    ASSERT_TRUE(BorrowAnalogSettings());
+    {
+        const ScopedFlag stopped(Abort);
+        EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::Stopped);
+    }
+    EXPECT_TRUE(AnalogSettingsBorrowed());
+    EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::Yes);
 }
 
 TEST_F(AnalogOnBench, WritesNothingIntoAMeterThatWasPutInItsPlace)

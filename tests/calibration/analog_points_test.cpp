@@ -155,6 +155,34 @@ TEST(AnalogPoints, AreThereWithTheDacThatHasThem)
     }
 }
 
+TEST(AnalogPoints, FollowOneAnotherOverThoseThatTheMeterHas)
+{
+    const char *const kOrder[] = {"0123", "0123", "012345", "01236789"};
+    for (int dac = 0; dac < 4; ++dac) {
+        std::string forward;
+        int last = -1;
+        for (int point = NextAnalogPoint(dac, -1, 1); point >= 0; point = NextAnalogPoint(dac, point, 1))
+            forward += std::to_string(last = point);
+        EXPECT_EQ(forward, kOrder[dac]) << "DAC type " << dac;
+        std::string backward = std::to_string(last);
+        for (int point = NextAnalogPoint(dac, last, -1); point >= 0; point = NextAnalogPoint(dac, point, -1))
+            backward += std::to_string(point);
+        EXPECT_EQ(std::string(backward.rbegin(), backward.rend()), kOrder[dac]);
+        EXPECT_EQ(NextAnalogPoint(dac, -1, -1), -1);
+    }
+}
+
+TEST(AnalogPoints, AreInsideUpToTheirToleranceAndTellTheirDistance)
+{
+    EXPECT_TRUE(IsInsideAnalogTolerance(0, -1.25F));
+    EXPECT_FALSE(IsInsideAnalogTolerance(0, 1.26F));
+    EXPECT_TRUE(IsInsideAnalogTolerance(9, 2.5F));
+    EXPECT_FALSE(IsInsideAnalogTolerance(9, -2.51F));
+    EXPECT_EQ(AnalogDistanceText(1, 12.5F), "+12.50 mV");
+    EXPECT_EQ(AnalogDistanceText(3, -0.5F), "-0.50 uA");
+    EXPECT_EQ(AnalogDistanceText(3, 0), "0.00 uA");
+}
+
 TEST(AnalogPoints, PutOutTheirValue)
 {
     const int kSmall[] = {0, 20000, 200, 20000, 0, 20000, 0, 20000, 200, 20000};
@@ -215,6 +243,17 @@ TEST(AnalogCable, IsAskedForWhereThereIsAChoice)
         EXPECT_EQ(AnalogCableChoice(kind, kDacBipolar), 0);
         EXPECT_EQ(AnalogCableChoice(kind, kDacDual), 4);
     }
+}
+
+TEST(AnalogCable, IsKnownForEachPoint)
+{
+    for (int point = 0; point < 4; ++point) {
+        EXPECT_EQ(AnalogCableOfPoint(point, kDacXmtr), std::nullopt);
+        EXPECT_EQ(AnalogCableOfPoint(point, kDacBipolar), 0);
+        EXPECT_EQ(AnalogCableOfPoint(point, kDacDual), 1);
+        EXPECT_EQ(AnalogCableOfPoint(point + 6, kDacDual), 2);
+    }
+    EXPECT_EQ(AnalogCableOfPoint(4, kDacBipolar), 3);
 }
 
 TEST(ExpectedAnalogReadings, FollowTheModeAndTheScale)

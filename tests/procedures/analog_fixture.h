@@ -3,15 +3,18 @@
 
 #include "calibration/analog_output.h"
 #include "platform/text.h"
+#include "session/journal.h"
 #include "support/page_test.h"
 
 #include <string>
+#include <vector>
 
 namespace ombrix::test {
 
 inline constexpr int kVoltOffsetAt = 2;
 inline constexpr int kVoltageGainAt = 3;
 inline constexpr int kCurrentOffsetAt = 4;
+inline constexpr int kCurrentGainAt = 5;
 inline constexpr int kMinus10VoltsAt = 7;
 inline constexpr int kSecondVoltOffsetAt = 10;
 inline constexpr int kInitNvmemAt = 0;
@@ -60,6 +63,16 @@ protected:
     }
     /// Answers the cable's prompt in a script.
     void ConnectsTheCable() { person->WaitsFor("cmdModal").Clicks("cmdModal"); }
+
+    /// The events of one kind among those that were told.
+    static std::vector<JournalEvent> Of(const std::vector<JournalEvent> &events, const std::string &kind)
+    {
+        std::vector<JournalEvent> found;
+        for (const JournalEvent &event : events)
+            if (event.kind == kind)
+                found.push_back(event);
+        return found;
+    }
 
     bench::Words before{};  ///< the meter's memory before the tab was opened
 };

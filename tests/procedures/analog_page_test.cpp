@@ -75,13 +75,13 @@ TEST_F(AnalogPages, APointIsPutOutAndAsksForItsReading)
     EXPECT_EQ(Text("lblAnalogPoint"), "Voltage Gain");
     EXPECT_EQ(Text("lblEnter"), "Enter AnaOut Reading in mV");
     EXPECT_EQ(Text("lblDesired"), "Desired AnaOut Reading = 10000 mV +/- 1.25 mV");
-    EXPECT_THAT(ToMeter(), ElementsAre("*1W1140201", "*1F68F004E20600000"));
+    EXPECT_THAT(ToMeter(), ElementsAre("*1W1140201", "*1X13DZ", "*1F68F004E20600000"));
     EXPECT_TRUE(HasFocus("txtRead"));
     EXPECT_TRUE(ScriptedOperator::IsOn("optAnaMode(0)"));
     EXPECT_NEAR(bench->AnalogOut(1).value, 10000, 100);
     Forget();
     OpensPoint(kVoltOffsetAt);
-    EXPECT_THAT(ToMeter(), ElementsAre("*1F68F000000600000")) << "the mode is the same";
+    EXPECT_THAT(ToMeter(), ElementsAre("*1X13CZ", "*1F68F000000600000")) << "the mode is the same";
 }
 
 TEST_F(AnalogPages, EnterIsAllThatAReadingNeeds)
@@ -93,7 +93,7 @@ TEST_F(AnalogPages, EnterIsAllThatAReadingNeeds)
     ASSERT_GT(std::fabs(off), 1.25);
     Forget();
     Types(typed);
-    EXPECT_THAT(ToMeter(), ElementsAre("*1W13D" + HexText(WordOf(61), 4), "*1F68F004E20600000"));
+    EXPECT_THAT(ToMeter(), ElementsAre("*1W13D" + HexText(WordOf(61), 4), "*1X13DZ", "*1F68F004E20600000"));
     EXPECT_EQ(analog.words[1], WordOf(61));
     EXPECT_LT(std::fabs(bench->AnalogOut(1).value - 10000), 1.25);
     EXPECT_TRUE(HasFocus("txtRead"));
@@ -104,6 +104,29 @@ TEST_F(AnalogPages, EnterIsAllThatAReadingNeeds)
     Types(Shown());
     EXPECT_EQ(Text("lblDistanceMark"), "inside +/- 1.25 mV");
     EXPECT_EQ(Fill("lblDistanceMark"), "#00ff00");
+    EXPECT_EQ(Text("lblInst(12)"), "The meter holds word " + HexText(WordOf(61), 4) +
+                                       ". The reading was inside:\ngo on with \"Up\", or type another one");
+    EXPECT_EQ(Fill("shpInst(12)"), "#00ff00");
+}
+
+TEST_F(AnalogPages, BehindTheLastPointItSaysWhatIsMissing)
+{
+    Opens();
+    OpensPoint(kCurrentGainAt);
+    for (int reading = 0; reading < 2; ++reading)
+        Types(Shown());
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("not inside yet: VO VG CO"));
+    Leaves("cmdAnaCal(0)");
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("Not read inside: VO VG CO"));
+    for (const int position : {kVoltOffsetAt, kVoltageGainAt, kCurrentOffsetAt, kCurrentGainAt}) {
+        OpensPoint(position);
+        for (int reading = 0; reading < 2; ++reading)
+            Types(Shown());
+    }
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("all points are inside, click \"Accept\""));
+    Leaves("cmdAnaCal(0)");
+    EXPECT_EQ(Text("lblInst(12)"), "Accepted: the station has learned from this meter's words");
+    EXPECT_EQ(Fill("shpInst(12)"), "#00ff00");
 }
 
 TEST_F(AnalogPages, AReadingThatIsNoNumberIsToldAndChangesNothing)
@@ -340,9 +363,14 @@ TEST_F(AnalogPages, AcceptLearnsNothingFromAMeterThatHoldsOtherWords)
     EXPECT_EQ(analog.nominal, nominal);
     EXPECT_EQ(Fill("shpInst(12)"), "#ff0000");
     EXPECT_EQ(analog.words[1], 0x1234) << "the next correction begins with what the meter holds";
+    EXPECT_EQ(Text("txtLast(1)"), "") << "what was read of another word";
+    Leaves("cmdAnaCal(0)");
+    EXPECT_EQ(Text("lblStepMark(3)"), "") << "no reading stands behind the word";
+    LoadAnalogNominal();
+    const auto learned = analog.nominal;
     bench->SwitchFault("silent-meter", true);
     Leaves("cmdAnaCal(0)");
-    EXPECT_EQ(analog.nominal, nominal);
+    EXPECT_EQ(analog.nominal, learned);
     EXPECT_THAT(Text("lblInst(12)"), HasSubstr("did not answer"));
     bench->SwitchFault("silent-meter", false);
 }
@@ -407,6 +435,7 @@ TEST_F(AnalogPages, TheJournalTellsEachReadingAndHowItEnded)
     for (const JournalEvent &event : events)
         kinds.push_back(event.kind);
     ASSERT_THAT(kinds, ElementsAre("step opened", "round", "analog words", "step ended", "analog settings"));
+    EXPECT_EQ(TextOf(events[1], "readBack"), "held");
     EXPECT_EQ(TextOf(events[0], "found"), found);
     EXPECT_EQ(TextOf(events[1], "wordBefore"), found);
     EXPECT_EQ(TextOf(events[1], "wordAfter"), HexText(WordOf(61), 4));
