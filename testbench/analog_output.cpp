@@ -8,7 +8,9 @@ constexpr double kFullMicroamps = 20000;
 constexpr double kVoltStep = 0.15625;    // mV for one count of a voltage offset
 constexpr double kCurrentStep = 0.3125;  // uA, and mV of a bipolar offset
 constexpr int kSecondOutputPoint = 6;    // the words of a dual converter's second output
+constexpr int kBipolarConverter = 0x535C;
 constexpr int kDualConverter = 0x545C;
+constexpr int kPutOut = 0x60;  // the byte behind a value that was put out
 
 enum class Mode { Voltage, Current, Bipolar };
 
@@ -57,6 +59,13 @@ Span SpanOf(const Words &words, const std::array<std::uint8_t, 256> &ram, bool c
 
 }  // namespace
 
+bool IsWorkedOn(const Words &working, const std::array<std::uint8_t, 256> &ram, bool counter)
+{
+    if (working[counter ? 144 : 240] != 0)
+        return true;
+    return counter ? working[15] == 0 : ram[140] == kPutOut;  // a counter's scale is never 0: a value stands there
+}
+
 int AnalogWordOf(int point, bool counter)
 {
     constexpr int kMeterWords[] = {60, 61, 62, 63, 241, 242, 243, 244, 245, 246};
@@ -82,9 +91,11 @@ AnalogReading AnalogOutput(const Hardware &hardware, const Words &working, const
 {
     const Mode mode = ModeOf(working, counter);
     const std::string unit = mode == Mode::Current ? "uA" : "mV";
-    const bool dual = working[counter ? 144 : 240] == kDualConverter;
-    if (connector == 2 && (!dual || mode == Mode::Bipolar))
+    const int converter = working[counter ? 144 : 240];
+    if (connector == 2 && (converter != kDualConverter || mode == Mode::Bipolar))
         return {0, unit};
+    if (mode == Mode::Bipolar && converter != kBipolarConverter)
+        return {0, unit};  // no other converter reaches below 0
     const Span span = SpanOf(working, ram, counter);
     if (span.high == span.low)
         return {0, unit};

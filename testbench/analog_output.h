@@ -18,6 +18,9 @@ struct AnalogReading {
 AnalogReading AnalogOutput(const Hardware &hardware, const Words &working, const std::array<std::uint8_t, 256> &ram,
                            bool counter, int connector);
 
+/// Whether somebody works on the output: a converter is set, or a value was put out by hand since the meter's restart.
+bool IsWorkedOn(const Words &working, const std::array<std::uint8_t, 256> &ram, bool counter);
+
 /// Places of the words of the points VO VG CO CG BPM BPP DVO DVG DCO DCG.
 int AnalogWordOf(int point, bool counter);
 

@@ -229,6 +229,12 @@ AnalogReading Bench::AnalogOut(int connector) const
     return AnalogOutput(meter.Board(), meter.Active(), meter.Ram(), meter.IsCounter(), connector);
 }
 
+bool Bench::AnalogIsWorkedOn() const
+{
+    const Meter &meter = m_parts->meter;
+    return IsWorkedOn(meter.Active(), meter.Ram(), meter.IsCounter());
+}
+
 double Bench::DisplayCounts(Micros now) const
 {
     return m_parts->meter.DisplayAt(now);

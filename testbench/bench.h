@@ -123,6 +123,8 @@ public:
     std::vector<RangeTruth> AnalogTruths(int currentPoint) const;
     /// What an output meter shows at connector 1 or 2.
     AnalogReading AnalogOut(int connector) const;
+    /// Whether the station, or somebody, works on the analog output.
+    bool AnalogIsWorkedOn() const;
 
     double DisplayCounts(Micros now) const;       ///< without noise; an infinity is an overload
     std::string DisplayTextAt(Micros now) const;  ///< without noise

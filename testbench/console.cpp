@@ -121,12 +121,6 @@ std::string ReadOutputMeter(const Bench &bench)
     return Joined({OutputText(bench, 1), OutputText(bench, 2)});
 }
 
-// A meter whose DAC word was written is one whose output is worked on.
-bool IsWorkedOnItsOutput(const Bench &bench)
-{
-    return bench.Nvm()[240] != 0 || bench.Nvm()[144] != 0;
-}
-
 std::string TurnTrimmer(Bench &bench, const std::vector<std::string> &words, Micros now)
 {
     if (!IsNumber(WordAt(words, 2)))
@@ -254,7 +248,7 @@ std::string StatusText(Bench &bench, Micros now)
     std::string text = "input " + SignalText(bench.Terminals()) + "   display " + Trim(bench.DisplayTextAt(now)) +
                        "   range " + HexText(bench.RangeCode(), 2) + "   restarts " + std::to_string(bench.Restarts()) +
                        "   calibrator " + (calibrator.operating ? "OPER " : "STBY ") + calibrator.output;
-    if (IsWorkedOnItsOutput(bench))
+    if (bench.AnalogIsWorkedOn())
         text += "   " + OutputText(bench, 1) + "   " + OutputText(bench, 2);
     for (const std::string &name : Bench::FaultNames())
         if (bench.FaultIsOn(name))

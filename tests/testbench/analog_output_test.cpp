@@ -122,6 +122,26 @@ TEST_P(Analog, AOneOutputConverterGivesNothingAtTheSecondConnector)
     EXPECT_EQ(bench->AnalogOut(2).value, 0);
 }
 
+TEST_P(Analog, OnlyABipolarConverterReachesBelowZero)
+{
+    for (const char *const converter : {"0000", "525C", "545C"}) {
+        Prepares(1, converter);
+        WriteNvmWords(GetParam().modeWord, GetParam().modes[2], "");
+        Outputs(GetParam().fullScale);
+        EXPECT_EQ(bench->AnalogOut(1).value, 0) << converter;
+        CloseLinks();
+    }
+}
+
+TEST_P(Analog, IsWorkedOnAsLongAsAValueIsPutOut)
+{
+    Stands({.board = GetParam().board});
+    Establishes();
+    EXPECT_FALSE(bench->AnalogIsWorkedOn());
+    Outputs(0);
+    EXPECT_TRUE(bench->AnalogIsWorkedOn()) << "with a plain converter too";
+}
+
 INSTANTIATE_TEST_SUITE_P(Kinds, Analog, testing::ValuesIn(kRows), [](const auto &info) { return info.param.name; });
 
 }  // namespace

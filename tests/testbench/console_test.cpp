@@ -65,6 +65,10 @@ TEST_F(Console, ReadsTheOutputMeterAndTellsNoTruthWithIt)
     EXPECT_NEAR(first, 10000, 150);
     EXPECT_THAT(Types("status"), testing::AllOf(HasSubstr("output 1 " + Format(first, 2) + " mV"),
                                                 HasSubstr("output 2 " + Format(bench->AnalogOut(2).value, 2))));
+    AskMeter("W1F00000", 2 * kSecond);
+    EXPECT_THAT(Types("status"), testing::Not(HasSubstr("output"))) << "a plain converter, and nothing is put out";
+    AskMeter("F68F000000600000");
+    EXPECT_THAT(Types("status"), HasSubstr("output 1 "));
 }
 
 TEST_F(Console, ShowsStatusLogErrorsAndHistory)
