@@ -9,6 +9,8 @@ namespace {
 
 constexpr int kStartMs = 5000;
 constexpr int kEndMs = 2000;
+constexpr int kAnswerMs = 100;
+constexpr int kAnswerTries = 20;
 
 }  // namespace
 
@@ -31,6 +33,19 @@ bool BenchProgram::Stands() const
     while (!QFile::exists(m_folder + "/Ombrix.ini") && !limit.Passed())
         PumpEvents(20);
     return m_process.state() == QProcess::Running && QFile::exists(m_folder + "/Ombrix.ini");
+}
+
+std::string BenchProgram::Answers(const std::string &line, const std::string &begins)
+{
+    m_process.readAll();  // what it has told until now
+    m_process.write((line + "\n").c_str());
+    for (int tries = 0; tries < kAnswerTries; ++tries) {
+        while (m_process.canReadLine())
+            if (const std::string told = m_process.readLine().trimmed().toStdString(); told.starts_with(begins))
+                return told;
+        m_process.waitForReadyRead(kAnswerMs);
+    }
+    return "";
 }
 
 void BenchProgram::Dies()

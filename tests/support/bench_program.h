@@ -4,6 +4,8 @@
 #include <QProcess>
 #include <QString>
 
+#include <string>
+
 namespace ombrix::test {
 
 class BenchProgram
@@ -14,6 +16,8 @@ public:
 
     /// Waits until it runs and has told the folder where its lines are. False when it doesn't start.
     bool Stands() const;
+    /// Types a line at its console; the first line of its answer that begins so, "" when none comes.
+    std::string Answers(const std::string &line, const std::string &begins);
     /// Ends it without a word, so both its lines hang up.
     void Dies();
 

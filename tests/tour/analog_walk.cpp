@@ -1,14 +1,18 @@
-// The analog output of a meter on the bench, on virtual time: an operator types what the bench's output meter shows.
+// The analog output of a meter on the bench: an operator types what the bench's output meter shows. On virtual time with
+// its pages, and one point in real time.
 
 #include "tour/tour.h"
 
 #include "platform/text.h"
 #include "session/state.h"
+#include "shell/station.h"
 #include "shell/theme.h"
+#include "support/bench_program.h"
 #include "support/bench_station.h"
 
 #include <QDir>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <string>
@@ -26,6 +30,9 @@ constexpr int kVoltageGain = 3;
 constexpr int kMinus10Volts = 7;
 constexpr double kTarget = 10000;
 constexpr double kTolerance = 1.25;
+constexpr int kReadings = 3;
+constexpr int kLookMs = 300;  // until an operator looks at the output meter
+constexpr const char *kOutputMeter = "output 1 ";
 
 test::Wiring AnalogMeter()
 {
@@ -91,7 +98,57 @@ private:
     double m_last = 0;
 };
 
+// Reads the console's output meter, "output 1 9999.98 mV", and types what it shows.
+void TypesOutputMeter(ScriptedOperator &person, test::BenchProgram &bench, std::string &shown)
+{
+    person.Waits(kLookMs).Does([&] {
+        const std::string told = bench.Answers("output", kOutputMeter);
+        shown = told.substr(std::min(told.size(), std::string(kOutputMeter).size()));
+        std::printf("    %s\n", shown.c_str());
+        std::fflush(stdout);
+        person.Types("txtRead", shown.substr(0, shown.find(' '))).PressesAtOnce(Qt::Key_Return).WaitsFor("txtRead");
+    });
+}
+
+// True when the last of three readings was inside.
+bool CalibratesVoltageGain(test::BenchProgram &bench)
+{
+    ScriptedOperator person;
+    std::string shown;
+    person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
+        return Established && ScriptedOperator::IsEnabled("cmdSetup");
+    });
+    person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGain)).WaitsFor("txtRead");
+    bool good = person.Runs();
+    for (int reading = 0; good && reading < kReadings; ++reading) {
+        TypesOutputMeter(person, bench, shown);
+        good = person.Runs();
+    }
+    person.Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
+    good = good && person.Runs() && std::fabs(Val(shown) - kTarget) <= kTolerance;
+    if (!person.Trouble().empty())
+        std::printf("%s\n", person.Trouble().c_str());
+    return good;
+}
+
 }  // namespace
+
+bool RunAnalogBench(const Options &options)
+{
+    std::printf("A point of the analog output of the meter '%s' on pseudo-terminals, in real time\n",
+                qPrintable(options.board));
+    std::fflush(stdout);
+    const test::WorkFolder folder;
+    test::BenchProgram bench(options.testbench, QDir::currentPath(), options.board, kSeed);
+    if (!bench.Stands()) {
+        std::printf("ombrix-testbench doesn't start\n");
+        return false;
+    }
+    test::OpenWholeStation();
+    const bool good = CalibratesVoltageGain(bench);
+    CloseStation();
+    return good;
+}
 
 bool RunAnalogWalk(const Options &options)
 {

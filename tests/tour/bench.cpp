@@ -130,7 +130,9 @@ RangeRun RunRangeOnVirtualTime(const Options &options)
 bool RunBench(const Options &options)
 {
     const int board = BoardNamed(options.board);
-    if (board < 0 || board == kVf || board == kAn) {
+    if (board == kVf || board == kAn)
+        return RunAnalogBench(options);
+    if (board < 0) {
         std::printf("No such board on the bench: %s\n", qPrintable(options.board));
         return false;
     }

@@ -23,12 +23,13 @@ int main(int argc, char **argv)
     parser.setApplicationDescription("Takes a meter through the station without a person.");
     parser.addHelpOption();
     parser.addOption({"pictures", "Leave a picture of each page in <folder>.", "folder"});
-    parser.addOption({"bench", "One range in real time against the testbench."});
+    parser.addOption({"bench", "One range, or one point of an analog output, in real time against the testbench."});
     parser.addOption({"testbench", "With --bench: where ombrix-testbench lies.", "path",
                       QApplication::applicationDirPath() + "/ombrix-testbench"});
     parser.addOption({"until-killed", "In the current folder's station, under <guard>, until it is killed.", "guard"});
     parser.addOption({"theme", "light or dark.", "theme", "light"});
-    parser.addPositionalArgument("board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd.", "[board]");
+    parser.addPositionalArgument(
+        "board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd; vf or an for an analog output.", "[board]");
     parser.process(application);
 
     if (parser.isSet("until-killed"))

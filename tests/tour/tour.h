@@ -22,6 +22,9 @@ bool RunSimulation(const Options &options);
 /// A point of the analog output, its cable and Verify Mode on the bench. Good when the last reading was inside the
 /// tolerance.
 bool RunAnalogWalk(const Options &options);
+/// A point of the analog output against an emulated meter on pseudo-terminals, in real time: an operator types what the
+/// output meter of its console shows. Good when the last reading was inside the tolerance.
+bool RunAnalogBench(const Options &options);
 /// The pages of a simulated Temp meter and counter beyond the ranges.
 bool RunProcessMeters(const Options &options);
 /// With a folder for pictures: the procedures beyond the ranges, on the bench in virtual time.
