@@ -27,6 +27,7 @@ struct View {
     QLabel *lblAnalogPoint, *lblEnter, *lblDesired, *lblModal, *lblModalPoint, *lblSetMeter;
     QFrame *fraModal, *fraReading, *shpSetMeter, *shpMeterVal, *lblDistance;
     QLineEdit *txtRead, *txtMeterVal;
+    std::array<QLabel *, kAnalogWords> lblLast;
     std::array<QLineEdit *, kAnalogWords> txtLast;
     std::array<QLabel *, 2> lblPL;
     std::array<QRadioButton *, 4> optDAC;
@@ -196,9 +197,13 @@ QGridLayout *BuildLast(QFrame *frame)
         QLineEdit *last = LastReading(frame, point);
         view.txtLast[static_cast<std::size_t>(point)] = last;
         QLabel *name = Label(frame, Indexed("lblLast", point), AnalogWordName(point));
+        view.lblLast[static_cast<std::size_t>(point)] = name;
         grid->addWidget(name, row, column, Qt::AlignRight);
         grid->addWidget(last, row + 1, column);
+        KeepPlace(name);
+        KeepPlace(last);
     }
+    KeepPlace(view.lblPL[1]);
     return grid;
 }
 
@@ -237,6 +242,17 @@ QHBoxLayout *BuildButtons(QFrame *frame, const AnalogHandlers &handlers)
     QHBoxLayout *row = ButtonRow({view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone});
     view.cmdWord->setFixedWidth(view.cmdWord->minimumHeight());  // square: the row has no room for a fifth large one
     return row;
+}
+
+// Of the points that the meter's DAC hasn't there is nothing to be seen.
+void ShowPointsOfDac(int dacType)
+{
+    for (std::size_t i = 0; i < view.txtLast.size(); ++i) {
+        const bool has = HasAnalogPoint(dacType, static_cast<int>(i));
+        view.lblLast[i]->setVisible(has);
+        view.txtLast[i]->setVisible(has);
+    }
+    view.lblPL[1]->setVisible(dacType == kDacDual);
 }
 
 }  // namespace
@@ -282,6 +298,7 @@ AnalogState AnalogStateNow()
 
 void ShowAnalogChoices(const AnalogChoices &choices)
 {
+    ShowPointsOfDac(choices.dacType);
     SetOption(view.optDAC.at(static_cast<std::size_t>(choices.dacType)), true);
     for (std::size_t kind = 0; kind < view.optAnaMode.size(); ++kind)
         SetOption(view.optAnaMode[kind], static_cast<int>(kind) == choices.kind);

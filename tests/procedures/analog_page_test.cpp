@@ -49,6 +49,8 @@ TEST_F(AnalogPages, TheStepsOfTheDacInUseAreOn)
         EXPECT_EQ(on, kSteps[dac]) << "DAC type " << dac;
         EXPECT_EQ(HexText(WordOf(240), 4), std::vector<std::string>({"0000", "525C", "535C", "545C"})[dac]);
         EXPECT_EQ(DacTypeText, std::to_string(dac));
+        for (int point = 0; point < kAnalogWords; ++point)
+            EXPECT_EQ(Sees("txtLast(" + std::to_string(point) + ")"), HasAnalogPoint(dac, point)) << point;
     }
 }
 
