@@ -70,6 +70,8 @@ bool Bench::FaultAtExchange(const std::string &name, int exchange, bool lasting)
 bool Bench::SpoilStream(const std::string &name)
 {
     const auto trouble = StreamTroubleNamed(name);
+    m_parts->meter.StreamAs({.endBytes = trouble == StreamTrouble::EndBytes,
+                             .recordMicros = trouble == StreamTrouble::FullSpeed ? kFullSpeedMicros : kRecordMicros});
     if (trouble)
         m_parts->stream.Begin(*trouble);
     else

@@ -39,22 +39,21 @@ int WithoutEndBytes(int count)
     return count;
 }
 
-std::string Record(char tag, int count)
+std::string Record(char tag, int bytes)
 {
-    const int bytes = WithoutEndBytes(count);
     return {tag, static_cast<char>(bytes >> 16), static_cast<char>(bytes >> 8), static_cast<char>(bytes), kEnd};
 }
 
 // Counts of one frame's first four records. Between the first and the second lies the way up from the frame's phase
 // to the signal, between the third and the fourth the way down; both grow with the distance of the two phases.
-std::array<int, 4> CountsOf(const Unit &unit, int frame, double phase, Dice &dice)
+std::array<int, 4> CountsOf(const Unit &unit, int frame, double phase, bool endBytes, Dice &dice)
 {
     const int own = kPhases[frame];
     const int signal = kPhases[0] - static_cast<int>(std::lround(phase));
     const double distance = own - signal;
     const double rest = unit.firstCycleM * unit.firstCycleB;
     const double slope = unit.firstCycleM / 256.0;
-    const int low = dice.WholeBetween(0, 60);
+    const int low = endBytes ? 0xFF : dice.WholeBetween(0, 60);
     const int jitter = dice.WholeBetween(-1, 1);
     const int second = own * 256 + low;
     const int fourth = signal * 256 + low;
@@ -74,9 +73,11 @@ std::string FirstCycleStream::Next(int board, const Unit &unit, const Signal &si
     const char tag = m_record == 0 ? kGroupTag : kRecordTag;
     m_record = (m_record + 1) % kRecordsOfGroup;
     if (place == 0)
-        m_counts = CountsOf(unit, frame, m_phase, dice);
+        m_counts = CountsOf(unit, frame, m_phase, m_endBytes, dice);
     // The rest of a frame is the meter's other counts, which nobody evaluates.
-    return Record(tag, place < 4 ? m_counts[static_cast<std::size_t>(place)] : 0x100000 + place * 0x111);
+    const int rest = m_endBytes ? 0xFFFFFF : 0x100000 + place * 0x111;
+    const int count = place < 4 ? m_counts[static_cast<std::size_t>(place)] : rest;
+    return Record(tag, m_endBytes ? count : WithoutEndBytes(count));
 }
 
 std::string FirstCycleWord(const Unit &unit)

@@ -14,19 +14,28 @@
 
 namespace ombrix::bench {
 
-/// Time from one record to the next.
+/// Time from one record to the next; at full speed the line has no pause.
 constexpr Micros kRecordMicros = 5600;
+constexpr Micros kFullSpeedMicros = 5 * kByteMicros;
+
+struct StreamStyle {
+    bool endBytes = false;  ///< counts hold bytes of 255, as the end of a record does
+    Micros recordMicros = kRecordMicros;
+};
 
 class FirstCycleStream
 {
 public:
     /// From the start of a group.
     void Start() { m_record = 0; }
+    /// From the next frame on.
+    void HoldEndBytes(bool hold) { m_endBytes = hold; }
     /// The next record. The input is looked at once for each group.
     std::string Next(int board, const Unit &unit, const Signal &signal, Dice &dice);
 
 private:
     int m_record = 0;
+    bool m_endBytes = false;
     double m_phase = 0;             ///< what the group's input is in counts
     std::array<int, 4> m_counts{};  ///< of the frame that is being sent
 };

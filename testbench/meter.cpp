@@ -62,7 +62,7 @@ std::optional<std::string> Meter::Execute(const MeterCommand &command, Micros no
         return std::nullopt;
     case 'V':
         m_stream.Start();
-        m_nextRecord = now + kRecordMicros;
+        m_nextRecord = now + m_recordMicros;
         return std::nullopt;
     default:
         return std::nullopt;
@@ -168,6 +168,12 @@ void Meter::Restart(Micros from)
     m_deafUntil = std::max(m_deafUntil, m_toldDeafUntil);
 }
 
+void Meter::StreamAs(const StreamStyle &style)
+{
+    m_stream.HoldEndBytes(style.endBytes);
+    m_recordMicros = style.recordMicros;
+}
+
 void Meter::RestartByItself(Micros now)
 {
     const Micros told = m_toldDeafUntil;
@@ -205,7 +211,7 @@ std::string Meter::Run(Micros now)
     }
     if (!m_nextRecord || now < *m_nextRecord)
         return "";
-    *m_nextRecord += kRecordMicros;
+    *m_nextRecord += m_recordMicros;
     return m_stream.Next(m_hardware.board, m_hardware.unit, m_input, m_dice);
 }
 

@@ -36,6 +36,8 @@ public:
     bool IsDeaf(Micros began) const { return began < m_deafUntil; }
     /// True when the station can know it: it asked for the restart.
     bool WasToldToRestart(Micros began) const { return began < m_toldDeafUntil; }
+    /// How its stream of counts looks from now on.
+    void StreamAs(const StreamStyle &style);
     /// A restart that nobody asked for.
     void RestartByItself(Micros now);
 
@@ -100,6 +102,7 @@ private:
     Dice m_dice;
     FirstCycleStream m_stream;
     std::optional<Micros> m_nextRecord;
+    Micros m_recordMicros = kRecordMicros;
     std::string m_signOfLife;
     bool m_restarting = false;
     Micros m_deafUntil = 0;

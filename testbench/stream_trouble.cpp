@@ -8,16 +8,24 @@ struct Name {
     StreamTrouble trouble;
 };
 constexpr Name kNames[] = {
-    {"stops", StreamTrouble::Stops},        {"loses-bytes", StreamTrouble::LosesBytes},
-    {"lost-byte", StreamTrouble::LostByte}, {"noise", StreamTrouble::Noise},
-    {"no-start", StreamTrouble::NoStart},   {"no-ends", StreamTrouble::NoEnds},
-    {"jumps", StreamTrouble::Jumps},        {"jump", StreamTrouble::Jump},
+    {"stops", StreamTrouble::Stops},
+    {"loses-bytes", StreamTrouble::LosesBytes},
+    {"lost-byte", StreamTrouble::LostByte},
+    {"mid-record", StreamTrouble::MidRecord},
+    {"noise", StreamTrouble::Noise},
+    {"no-start", StreamTrouble::NoStart},
+    {"no-ends", StreamTrouble::NoEnds},
+    {"jumps", StreamTrouble::Jumps},
+    {"jump", StreamTrouble::Jump},
+    {"end-bytes", StreamTrouble::EndBytes},
+    {"full-speed", StreamTrouble::FullSpeed},
 };
 
 constexpr char kGroupTag = '!';
 constexpr int kOneByteIn = 61;
 constexpr int kNoiseEvery = 7;  // records
 constexpr std::size_t kMiddleByte = 2;
+constexpr std::size_t kBeginning = 3;
 constexpr char kHalfTurn = '\x40';
 
 }  // namespace
@@ -63,6 +71,9 @@ std::string StreamSpoiler::SpoilWhole(std::string record)
     case StreamTrouble::LostByte:
         End();
         return record.substr(1);
+    case StreamTrouble::MidRecord:
+        End();
+        return record.substr(kBeginning);
     case StreamTrouble::Noise:
         return m_records % kNoiseEvery == 0 ? record + "\x01\x02\x03" : record;
     case StreamTrouble::NoStart:
@@ -71,6 +82,9 @@ std::string StreamSpoiler::SpoilWhole(std::string record)
         return record;
     case StreamTrouble::NoEnds:
         record.back() = '\x7F';
+        return record;
+    case StreamTrouble::EndBytes:
+    case StreamTrouble::FullSpeed:
         return record;
     case StreamTrouble::Jumps:
     case StreamTrouble::Jump:
