@@ -1,6 +1,8 @@
 #include "records/diagrams.h"
 
 #include "model/connection_tables.h"
+#include "platform/text.h"
+#include "records/board_parts.h"
 #include "records/cable.h"
 #include "records/connector_drawing.h"
 #include "records/diagram_cards.h"
@@ -83,6 +85,14 @@ Inputs inputs;
 std::array<Block, kJumperBlocks> blocks;
 Canvas *dualConverter = nullptr;
 
+// The row of parts that are handled by hand.
+struct Parts {
+    QFrame *card = nullptr;
+    QLabel *caption = nullptr;
+    Canvas *canvas = nullptr;
+};
+Parts parts;
+
 void BuildInputs(QWidget *parent)
 {
     inputs = Inputs();
@@ -132,6 +142,16 @@ void BuildBlock(QWidget *parent, int index)
         if (row.block == index)
             BuildPicture(block, row);
     }
+}
+
+void BuildParts(QWidget *parent)
+{
+    parts = Parts();
+    parts.card = AddCard(parent, "fraBoardParts");
+    Stack(parts.card, kCardEdge);
+    parts.caption = AddHeading(parts.card, "lblBoardParts");
+    parts.canvas = new Canvas(parts.card, "imgBoardParts");
+    parts.card->layout()->addWidget(parts.canvas);
 }
 
 // ---- what they show ----
@@ -223,6 +243,7 @@ void HideDiagrams()
         return;
     cards->hide();
     inputs.card->hide();
+    parts.card->hide();
     for (Block &block : blocks)
         block.frame->hide();
 }
@@ -246,6 +267,18 @@ void ShowAnalog(int row, bool dual)
     ShowBlock(kAnalogBlock, RangeCaption(kAn, row), JumperLetters(kAn, row));
 }
 
+void ShowParts(const std::vector<BoardPart> &row)
+{
+    if (!column)
+        return;
+    const QFontMetrics metrics = parts.canvas->fontMetrics();
+    ShowHeading(parts.caption, Trim("On the board " + PartsInWork(row)), CardRoom(metrics));
+    parts.canvas->Show(BoardPartsSize(row, metrics), CardRoom(metrics),
+                       [row](QPainter &painter) { PaintBoardParts(painter, row); });
+    parts.card->show();
+    cards->show();
+}
+
 }  // namespace
 
 void FillDiagramHooks()
@@ -253,6 +286,7 @@ void FillDiagramHooks()
     frameHooks.showConnectionDiagram = ShowConnection;
     frameHooks.hideConnectionDiagram = HideDiagrams;
     frameHooks.showAnalogDiagram = ShowAnalog;
+    frameHooks.showBoardParts = ShowParts;
     frameHooks.cableMessage = MessageOfCable;
     frameHooks.cableConnected = RememberCable;
 }
@@ -264,6 +298,7 @@ void BuildDiagrams(QWidget *parent)
     BuildInputs(list);
     for (int index = 0; index < kJumperBlocks; index++)
         BuildBlock(list, index);
+    BuildParts(list);
     QFrame *analog = blocks[kAnalogBlock].frame;
     dualConverter = BuildDualConverter(analog, CardRoom(analog->fontMetrics()));
     analog->layout()->addWidget(dualConverter);

@@ -47,6 +47,11 @@ void HideConnectionDiagram()
     frameHooks.hideConnectionDiagram();
 }
 
+void ShowBoardParts(const std::vector<BoardPart> &parts)
+{
+    frameHooks.showBoardParts(parts);
+}
+
 std::string CableMessage(int row)
 {
     return frameHooks.cableMessage(row);

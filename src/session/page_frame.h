@@ -72,6 +72,15 @@ void ShowAnalogDiagram(int row, bool dual);
 /// Hides whatever of them shows.
 void HideConnectionDiagram();
 
+/// What the operator handles on the board.
+struct BoardPart {
+    enum class Kind { Trimmer, Resistor, TestPoint, Jumper } kind;
+    std::string name;
+    bool inWork = false;  ///< it is to be turned, changed or connected; a jumper is in
+};
+/// Shows them in a row below the diagrams; whatever shows or hides a diagram takes them away.
+void ShowBoardParts(const std::vector<BoardPart> &parts);
+
 /// What a page that has a place for it asks the operator to check before a row of an AC3 board: the cable, when it
 /// isn't the one connected last; otherwise "". Only a look.
 std::string CableMessage(int row);
@@ -104,6 +113,7 @@ struct FrameHooks {
     std::function<void(int)> showConnectionDiagram = [](int) {};
     std::function<void(int, bool)> showAnalogDiagram = [](int, bool) {};
     std::function<void()> hideConnectionDiagram = [] {};
+    std::function<void(const std::vector<BoardPart> &)> showBoardParts = [](const std::vector<BoardPart> &) {};
     std::function<std::string(int)> cableMessage = [](int) { return std::string(); };
     std::function<void(int)> cableConnected = [](int) {};
     std::function<void(QFrame *)> prepareFileValues = [](QFrame *) {};
