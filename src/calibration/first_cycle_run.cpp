@@ -121,7 +121,8 @@ FirstCycleStatus CollectFirstCycle(const std::string &rangeCode, std::span<const
     const WaitNote note("Meter: gathering first cycle data");
     FirstCycleStatus status = FirstCycleStatus::Good;
     for (std::size_t point = 0; point < points.size() && status == FirstCycleStatus::Good; ++point)
-        status = ApplyInput(points[point].value) && !Abort ? CollectPoint(point, watch) : FirstCycleStatus::Stopped;
+        status = !Abort && ApplyInput(points[point].value) && !Abort ? CollectPoint(point, watch)
+                                                                     : FirstCycleStatus::Stopped;
     return status;
 }
 

@@ -37,6 +37,7 @@ namespace {
 constexpr int kFirstCyclePage = 3;
 constexpr int kFirstCycleWord = 51;
 constexpr const char *kSimulatedWord = "0205";
+constexpr const char *kStopped = "stopped";
 
 using Status = FirstCycleStatus;
 
@@ -51,7 +52,8 @@ struct FirstCyclePage {
     std::string found;                         // words 20 to 17 as they stood
     Status status = Status::Waiting;
     std::optional<FirstCycleResult> result;
-    std::string word;  // that stays in the meter, "" as long as none was written
+    std::string word;  // that stays in the meter, "" as long as none was written, and when nobody knows
+    std::string how;   // the collection ended, for the journal
 };
 FirstCyclePage page;
 
@@ -78,6 +80,9 @@ const Prompt kPromptStopped = {"First Cycle Correction Aborted", true};
 const Prompt kPromptNoData = {"Timeout waiting for First Cycle data", true};
 const Prompt kPromptNoStart = {"Unable to synchronize First Cycle data", true};
 const Prompt kPromptBadData = {"First Cycle data error", true};
+const Prompt kPromptLost = {"The meter's line has gone: M and B may not be in its memory.\r\n"
+                            "Check the line, then click \"Retry\"",
+                            true};
 
 const Prompt &PromptOf(Status status)
 {
@@ -218,16 +223,24 @@ std::string ComputeWord()
     return page.result->word;
 }
 
-void EnterWord()
+// What the page says of it.
+Prompt EnterWord()
 {
     const std::string word = ComputeWord();
     if (word.empty()) {
         page.status = Status::BadData;
-        return;
+        return kPromptBadData;
     }
     ShowWord(word);
     WriteNvmWords(kFirstCycleWord, word, "");
+    if (MeterLineIsGone()) {
+        page.status = Status::NoData;
+        page.how = HowEnded(Ended::Stopped);
+        page.word.clear();
+        return kPromptLost;
+    }
     page.word = word;
+    return kPromptGood;
 }
 
 std::vector<std::string> AveragesAsTexts()
@@ -256,13 +269,14 @@ void RecordCollection()
     RecordOfStep("first cycle", page.position, fields);
 }
 
-void RecordEnd(Ended ended)
+void RecordEnd()
 {
     StepEnd end;
-    end.how = ended == Ended::Fault            ? "fault"
-              : page.status == Status::Good    ? "accepted"
-              : page.status == Status::Stopped ? "stopped"
-                                               : PromptOf(page.status).text;
+    end.how = page.how;
+    if (page.status == Status::Good)
+        end.how = "accepted";
+    else if (page.how == kStopped && page.status != Status::Stopped)  // by itself, on sound lines
+        end.how = PromptOf(page.status).text;
     end.word = page.word;
     RecordStepEnded(page.position, end);
 }
@@ -272,26 +286,36 @@ void LeaveCollection(Ended ended)
 {
     if (ended != Ended::Done && page.status <= Status::Good)
         page.status = Status::Stopped;
+    page.how = HowEnded(ended);
     ShowPageState(view.states, kRestoring);
     RestoreAfterFirstCycle();
-    if (page.status == Status::Good)
-        EnterWord();
+    Prompt told = page.status == Status::Good ? EnterWord() : PromptOf(page.status);
+    if (ended == Ended::Fault)
+        told = PromptOfFault(FaultWords());
     RecordCollection();
-    RecordEnd(ended);
+    RecordEnd();
     ClearProgress();
     const bool good = page.status == Status::Good;
     if (!good)
         ClearFirstCycleGrids();
-    ShowPageState(view.states, good ? kDone : kFailed, PromptOf(page.status));
+    ShowPageState(view.states, good ? kDone : kFailed, told);
     if (Abort)
         EnableAndFocus(view.buttons.ready);  // who has just cancelled doesn't want to go on
+}
+
+void NoteQuit()
+{
+    page.how = "quit";
+    page.status = Status::Stopped;
+    RecordCollection();
+    RecordEnd();
 }
 
 // ---- the operator ----
 
 void cmdFCReady_Click()
 {
-    RunPageProcedure(Collect, LeaveCollection);
+    RunPageProcedure(Collect, LeaveCollection, NoteQuit);
 }
 
 void cmdFCCancel_Click()
@@ -328,6 +352,7 @@ void ShowFirstCyclePage()
     ShowPageState(view.states, kReady);
     ShowCalPanel(true);
     ApplySwitched("V");
+    RecordStepOpened(page.position);
 }
 
 // ---- the way it is built ----

@@ -113,6 +113,52 @@ TEST_P(FirstCycleJourney, FindsTheWordThatTheUnitHides)
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
 }
 
+TEST(FirstCycleByHand, CancelWhileTheMeterIsPreparedAsksForNoSignal)
+{
+    Wiring wiring;
+    wiring.manual = true;
+    BenchStation station(wiring);
+    ASSERT_TRUE(station.Establishes());
+    std::vector<std::string> asked;
+    station.person.onBox = [&asked](const std::string &title, const std::string &) { asked.push_back(title); };
+    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady").WaitsFor("cmdFCCancel");
+    station.person.Clicks("cmdFCCancel").WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_THAT(asked, testing::Not(testing::Contains("Apply Input Signal")));
+    EXPECT_EQ(ScriptedOperator::Text("lblInst(2)"), "First Cycle Correction Aborted");
+    EXPECT_EQ(station.bench.Nvm()[18], 0x21D1);
+}
+
+// The meter goes on streaming while its operator looks for the right source; what it said then counts for nothing.
+TEST(FirstCycleByHand, AStreamAtFullSpeedThatRanForMinutesIsNotTakenForTheNextPoint)
+{
+    constexpr int kMinutes = 2 * 60 * 1000;
+    Wiring wiring;
+    wiring.bench.board = kAc;
+    wiring.manual = true;
+    BenchStation station(wiring);
+    ASSERT_TRUE(station.Establishes());
+    station.bench.SpoilStream("full-speed");
+    const auto obeys = station.person.onBox;
+    station.person.onBox = nullptr;
+    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    for (const char *value : {"200 mV, 300 Hz", "100 mV, 300 Hz", "1 mV, 300 Hz"}) {
+        station.person.WaitsUntil(value,
+                                  [value] { return ScriptedOperator::BoxText().find(value) != std::string::npos; });
+        if (value == std::string("100 mV, 300 Hz"))
+            station.person.Waits(kMinutes);
+        station.person.Does([obeys] { obeys(ScriptedOperator::BoxTitle(), ScriptedOperator::BoxText()); })
+            .AnswersBox("OK");
+    }
+    station.person
+        .WaitsUntil("the input is to be removed", [] { return ScriptedOperator::BoxTitle() == "Remove Input"; })
+        .AnswersBox("OK")
+        .WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_GT(station.clock.Elapsed(), kMinutes);
+    EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0) << ScriptedOperator::Text("lblInst(2)");
+}
+
 INSTANTIATE_TEST_SUITE_P(Boards, FirstCycleJourney,
                          testing::Combine(testing::Values(kDc, kAc, kLc, kTc, kTemp, kRtd), testing::Values(false),
                                           testing::Values(1u, 2u, 3u)),

@@ -364,8 +364,29 @@ TEST_P(SurvivedStream, StillGivesTheRightWord)
     EXPECT_EQ(bench->RemainingError("First Cycle"), 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Streams, SurvivedStream, testing::Values("noise", "jump"),
-                         [](const auto &info) { return std::string(info.param); });
+INSTANTIATE_TEST_SUITE_P(Streams, SurvivedStream,
+                         testing::Values("noise", "jump", "lost-byte", "mid-record", "end-bytes", "full-speed"),
+                         [](const auto &info) {
+                             std::string name = info.param;
+                             std::erase(name, '-');
+                             return name;
+                         });
+
+TEST_F(WiredFirstCycle, AByteLostInTheMiddleOfAPointHasThePointGatheredAgain)
+{
+    bool again = false;
+    Opens().Clicks("cmdFCReady").WaitsUntil("frame 7", [] {
+        return Text("lblFCProgress").ends_with("7 of 15 frames");
+    });
+    person->Does([this] { bench->SpoilStream("lost-byte"); })
+        .WaitsUntil("attempt 2", [] { return Text("lblFCProgress").ends_with("attempt 2"); })
+        .Does([&again] { again = true; })
+        .WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(person->Runs());
+    EXPECT_TRUE(again);
+    EXPECT_EQ(Fill("shpInst(2)"), kGreen) << Text("lblInst(2)");
+    EXPECT_EQ(bench->RemainingError("First Cycle"), 0);
+}
 
 TEST_F(WiredFirstCycle, ALostLineEndsItAtOnce)
 {
@@ -382,6 +403,44 @@ TEST_F(WiredFirstCycle, ALostLineEndsItAtOnce)
     EXPECT_LE(station->clock.Elapsed() - gone, 20000);
     EXPECT_FALSE(Operates());
     EXPECT_TRUE(IsEnabled("cmdSetup"));
+}
+
+TEST_F(WiredFirstCycle, AWordWrittenIntoALostLineIsNotSaidToBeEntered)
+{
+    Opens()
+        .Clicks("cmdFCReady")
+        .WaitsUntil("the meter is put back", [this] { return !TimesOf("*1W305000000100004").empty(); })
+        .Does([this] { bench->SwitchFault("meter-port-gone", true); })
+        .WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(WordOf(51), 0x0000);
+    EXPECT_EQ(Fill("shpInst(2)"), kRed);
+    EXPECT_THAT(Text("lblInst(2)"), HasSubstr("M and B may not be in its memory"));
+    EXPECT_EQ(Text("cmdFCReady"), "Retry");
+    EXPECT_EQ(Text("lblM"), "M");
+    EXPECT_EQ(Text("lblStepMark(1)"), "");
+    ASSERT_EQ(EventsOf("step ended").size(), 1u);
+    EXPECT_EQ(TextOf(EventsOf("step ended")[0], "how"), "line lost");
+}
+
+TEST_F(WiredFirstCycle, TellsTheJournalHowItEnded)
+{
+    Opens().Clicks("cmdFCReady").WaitsUntil("point 1", [] { return Text("lblFCProgress").starts_with("Point 1"); });
+    person->Clicks("cmdFCCancel").WaitsUntil("it has ended", HasEnded);
+    person->Does([this] { bench->SpoilStream("no-start"); }).Clicks("cmdFCReady").WaitsUntil("it has ended", HasEnded);
+    person->Does([this] { bench->SpoilStream(""); })
+        .Clicks("cmdFCReady")
+        .WaitsUntil("point 1", [] { return Text("lblFCProgress").starts_with("Point 1"); })
+        .Does([this] { bench->SwitchFault("calibrator-port-gone", true); })
+        .WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(person->Runs());
+    std::vector<std::string> hows;
+    for (const JournalEvent &event : EventsOf("step ended")) {
+        hows.push_back(TextOf(event, "how"));
+        EXPECT_EQ(TextOf(event, "stays"), "0000");
+    }
+    EXPECT_THAT(hows, ElementsAre("stopped", "Unable to synchronize First Cycle data", "line lost"));
+    EXPECT_EQ(EventsOf("step opened").size(), 1u);
 }
 
 TEST_F(WiredFirstCycle, GoesIntoTheJournalWithItsCountsAndItsWord)
