@@ -36,9 +36,10 @@ std::string RatioButton()
     return StepButton(position);
 }
 
+// Also where the meter is lost: then its page offers the way out alone.
 bool IsAtRest()
 {
-    return ScriptedOperator::IsEnabled("cmdOffset");
+    return ScriptedOperator::IsEnabled("cmdRatioDone");
 }
 
 void Tries(BenchStation &station, const std::string &button)

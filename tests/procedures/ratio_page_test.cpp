@@ -278,6 +278,47 @@ TEST_F(WiredRatio, ACorrectionBeyondTheLimitIsHeldAtItUntilTheNextTrial)
     EXPECT_TRUE(person->Runs());
 }
 
+TEST_F(WiredRatio, TheRedWordsOfALimitOutlastALookAtTheRows)
+{
+    bench->SetWord(50, 0x7FBC);
+    Opens().Does([this] { Shows({" 79990.", " 80010.", " 80000."}); });
+    Offsets(2)
+        .ClicksCell("msgOffset", 0, 1)
+        .WaitsFor("cmdRatioSelect")
+        .Does([] { EXPECT_EQ(Fill("shpInst(6)"), kCyan); })
+        .ClicksCell("msgOffset", 1, 1)
+        .Does([] {
+            EXPECT_EQ(Text("lblInst(6)"), "Required correction exceeds allowable range");
+            EXPECT_EQ(Fill("shpInst(6)"), kRed);
+        });
+    EXPECT_TRUE(person->Runs());
+}
+
+TEST_F(WiredRatio, ALineLostUnderATrialsWriteLeavesNoWordThatNobodyKnows)
+{
+    bench->SetWord(50, 0x0660);
+    bench->SetWord(16, 0x00A0);
+    Opens().Does([this] {
+        Forget();
+        Shows({" 80000.", " 80010.", " 80000."});
+    });
+    person->Clicks("cmdOffset")
+        .WaitsUntil("the word is written", [this] { return !TimesOf("*1W132074F").empty(); })
+        .Does([this] { bench->SwitchFault("meter-port-gone", true); })
+        .WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_FALSE(Operates()) << "the excitation is removed";
+    EXPECT_EQ(Fill("shpInst(6)"), kRed);
+    EXPECT_THAT(Text("lblInst(6)"), HasSubstr("click the step again"));
+    EXPECT_FALSE(IsEnabled("cmdOffset"));
+    bench->SwitchFault("meter-port-gone", false);
+    bench->ShowNext({});
+    Opens();
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(Text("lblCALBGND"), HexText(WordOf(50), 4)) << "read again";
+    EXPECT_EQ(Rows("msgOffset"), 0);
+}
+
 TEST_F(WiredRatio, AGroundOfFFFFIsShownAsItIsAndCountsAsMinusOne)
 {
     bench->SetWord(50, 0xFFFF);
@@ -432,6 +473,28 @@ TEST_F(WiredRatio, GoesIntoTheJournalTrialByTrial)
     EXPECT_THAT(list("asked"), ElementsAre("+11 V", "+5.5 V", "+11 V"));
     EXPECT_THAT(list("reported"), ElementsAre("11.0 V", "5.5 V", "11.0 V"));
     EXPECT_THAT(list("reading"), ElementsAre("80000", "80010", "80000", "80005"));
+    EXPECT_EQ(TextOf(trials[0], "how"), "done");
+}
+
+TEST_F(WiredRatio, AStoppedTrialTellsTheJournalWhichWordItHasWritten)
+{
+    bench->SetWord(50, 0x0660);
+    bench->SetWord(16, 0x00A0);
+    Opens().Does([this] { Shows({" 80000.", " 80010."}); });
+    person->Clicks("cmdOffset")
+        .WaitsUntil("the word is written", [this] { return !TimesOf("*1W132074F").empty(); })
+        .Presses(Qt::Key_Escape)
+        .WaitsFor("cmdOffset");
+    ASSERT_TRUE(person->Runs());
+    std::vector<JournalEvent> trials;
+    for (const JournalEvent &event : ReadJournal("."))
+        if (event.kind == "ratio trial")
+            trials.push_back(event);
+    ASSERT_EQ(trials.size(), 1u);
+    EXPECT_EQ(TextOf(trials[0], "wordBefore"), "0660");
+    EXPECT_EQ(TextOf(trials[0], "wordAfter"), "074F");
+    EXPECT_EQ(TextOf(trials[0], "how"), "stopped");
+    EXPECT_EQ(WordOf(50), 0x074F);
 }
 
 }  // namespace
