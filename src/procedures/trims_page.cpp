@@ -10,6 +10,7 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -53,9 +54,11 @@ struct TrimsPage {
     int position = -1;
     const Trim *trim = &kTrimR13R14;
     std::array<float, 2> readings{};
-    std::array<bool, 2> taken{};  // a reading of it came in this run
+    std::array<bool, 2> taken{};  // the last look brought a reading
     bool ok = false;              // this reading is good
     bool complete = false;
+    std::vector<std::string> asked, reported;  // values of this run
+    std::optional<TrimResistors> found;
     std::string added;  // what the operator was told to add
 };
 TrimsPage page;
@@ -83,6 +86,9 @@ const Prompt kPromptSecond = {"Wait for -200 mV reading to settle, then click \"
 const Prompt kPromptR12 = {
     "Adjust R12 (B) until the -200 mV reading matches\r\nthe +200mV reading, then click \"Accept\""};
 const Prompt kPromptError = {"Resistor Error", true};
+const Prompt kPromptUnread = {"The meter showed no reading, so nothing is known of this trim.\r\n"
+                              "Check its line and its input, then click \"Start\"",
+                              true};
 const Prompt kPromptR38 = {"Using the Gold screwdriver, adjust R38 until the 2 V 10 KHz\r\n"
                            "reading is 79990 (10 counts low), then click \"Accept\""};
 
@@ -140,21 +146,41 @@ std::optional<float> TargetOf(State state)
 {
     if (IsR38())
         return static_cast<float>(kR38Target);
-    return state == kSecond ? std::optional(page.readings[0]) : std::nullopt;
+    return state == kSecond && page.taken[0] ? std::optional(page.readings[0]) : std::nullopt;
 }
 
 void ShowReading(State state, std::size_t place, const std::string &text)
 {
+    page.taken[place] = !text.empty();
     if (text.empty()) {
         ShowTrouble(view.lblTrimRdg[place], DisplayIsOverRange() ? "over range" : "silent");
         view.lblDistance->setText("");
         return;
     }
     page.readings[place] = static_cast<float>(Val(text));
-    page.taken[place] = true;
     ShowLive(view.lblTrimRdg[place], text);
     if (const auto target = TargetOf(state))
         view.lblDistance->setText(Caption(Counts(page.readings[place] - *target)));
+}
+
+// Both readings of a trim, or the one that it has.
+bool IsRead()
+{
+    return page.taken[1] && (IsR38() || page.taken[0]);
+}
+
+// The parts at which the step works. Those in work in a state are marked; the jumper is in.
+void ShowParts(State state)
+{
+    using enum BoardPart::Kind;
+    if (IsR38())
+        ShowBoardParts({{Trimmer, "R38", state == kFirst}});
+    else if (!HasResistors())
+        ShowBoardParts({{Trimmer, "R12 (B)", state == kSecond}});
+    else
+        ShowBoardParts({{Resistor, "R13", state == kTold && page.found && page.found->r13 != 0},
+                        {Resistor, "R14", state == kTold && page.found && page.found->r14 != 0},
+                        {Jumper, "DC", true}});
 }
 
 // ---- the work: each part returns false when the operator has left the step ----
@@ -164,7 +190,10 @@ bool TrimStep(State state, std::size_t place, const std::string &value)
     ShowPageState(view.states, kWorking);
     if (!ApplyInput(value) || Abort)
         return false;
+    page.asked.push_back(value);
+    page.reported.push_back(OutputConfirmed() ? GetLiveOutput().Value : "");
     page.ok = false;
+    ShowParts(state);
     ShowPageState(view.states, state);
     const auto target = TargetOf(state);
     view.lblTarget->setText(target ? Caption(Counts(*target)) : "");
@@ -180,6 +209,9 @@ void RunTrim()
     page.complete = false;
     page.readings = {};
     page.taken = {};
+    page.asked.clear();
+    page.reported.clear();
+    page.found.reset();
     page.added.clear();
     ClearReadings();
     if (IsR38())
@@ -190,14 +222,14 @@ void RunTrim()
 
 Prompt PromptOfResistors()
 {
-    const auto found =
-        page.taken[0] && page.taken[1] ? ResistorsForReadings(page.readings[0], page.readings[1]) : std::nullopt;
-    if (!found) {
+    if (page.taken[0] && page.taken[1])
+        page.found = ResistorsForReadings(page.readings[0], page.readings[1]);
+    if (!page.found) {
         page.added = kPromptError.text;
         return kPromptError;
     }
-    const std::string r13 = ResistorCodeText(found->r13);
-    const std::string r14 = ResistorCodeText(found->r14);
+    const std::string r13 = ResistorCodeText(page.found->r13);
+    const std::string r14 = ResistorCodeText(page.found->r14);
     page.added = "R13 " + r13 + ", R14 " + r14;
     return {"Add to R13 --- " + r13 + "\r\nAdd to R14 --- " + r14};
 }
@@ -208,6 +240,8 @@ void RecordTrim()
                  {{"trim", page.trim->title},
                   {"plus", page.taken[0] ? Counts(page.readings[0]) : ""},
                   {"reading", page.taken[1] ? Counts(page.readings[1]) : ""},
+                  {"asked", page.asked},
+                  {"reported", page.reported},
                   {"told", page.added},
                   {"complete", page.complete}});
 }
@@ -223,33 +257,42 @@ void RecordEnd(const std::string &how)
 void LeaveTrim(Ended ended)
 {
     const bool complete = ended == Ended::Done && page.complete;
+    const std::string how = HowEnded(ended);
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
     view.lblTarget->setText("");
-    if (!complete) {
-        RecordTrim();
-        RecordEnd(HowEnded(ended));
-        ClearReadings();
-        ShowPageState(view.states, kReady);
-        return;
-    }
-    if (HasResistors()) {
+    if (complete && HasResistors()) {
         const Prompt told = PromptOfResistors();
         RecordTrim();
+        ShowParts(kTold);
         ShowPageState(view.states, kTold, told);
         return;
     }
     RecordTrim();
-    RecordEnd("accepted");
-    ShowPageState(view.states, kReady);
-    NextStep();
+    ShowParts(kReady);
+    if (complete && IsRead()) {
+        RecordEnd("accepted");
+        ShowPageState(view.states, kReady);
+        NextStep();
+        return;
+    }
+    RecordEnd(complete ? "no reading" : how);
+    ClearReadings();
+    const Prompt fault = PromptOfFault(FaultWords());
+    ShowPageState(view.states, kReady, ended == Ended::Fault ? fault : complete ? kPromptUnread : PromptOfStart());
+}
+
+void NoteQuit()
+{
+    RecordTrim();
+    RecordEnd("quit");
 }
 
 // ---- the operator ----
 
 void cmdTrimStart_Click()
 {
-    RunPageProcedure(RunTrim, LeaveTrim);
+    RunPageProcedure(RunTrim, LeaveTrim, NoteQuit);
 }
 
 void cmdTrimOK_Click()
@@ -264,7 +307,8 @@ void cmdDone_Click()
     RunPageProcedure([] {},
                      [](Ended) {
                          CalibratorStandby();
-                         RecordEnd("accepted");
+                         RecordEnd(page.found ? "accepted" : "left");
+                         ShowParts(kReady);
                          ShowPageState(view.states, kReady);
                          NextStep();
                      });
@@ -289,6 +333,8 @@ void ShowTrimPage(const Trim &trim)
     ShowPageState(view.states, kOpening);
     ApplySwitched("V");
     ShowConnectionDiagram(trim.diagram);
+    ShowParts(kOpening);
+    RecordStepOpened(page.position);
     const bool onRange =
         WriteRangeSetup(FilterCodeAtPosition(page.position), RangeCodeText(trim.rangeIndex), kReadingSetup);
     CalibratorStandby();

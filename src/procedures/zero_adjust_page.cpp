@@ -11,6 +11,7 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
+#include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "session/state.h"
@@ -26,6 +27,7 @@
 #include <QVBoxLayout>
 
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,7 +35,7 @@ namespace ombrix {
 namespace {
 
 constexpr int kZeroAdjustPage = 16;
-constexpr int kWithDcJumper = 10;  // row of the diagrams
+constexpr int kWithDcJumper = 10;  // row of the diagrams on a board whose block of jumpers has it
 constexpr int kReadingSetup = 4;
 constexpr std::array<float, 2> kSimulatedStart = {3980, 4020};
 
@@ -45,8 +47,10 @@ struct ZeroAdjustPage {
     int position = -1;
     bool balanceOnly = false;                         // a board that is led through the gain balance alone
     std::array<float, 2> readings = kSimulatedStart;  // at +10 mV and at -10 mV
+    std::array<bool, 2> taken{};                      // the last look brought one
     bool accepted = false;
-    bool done = false;  // the last word of the step was said
+    bool done = false;                         // the last word of the step was said
+    std::vector<std::string> asked, reported;  // values of this run
     Wish wish = Wish::None;
 };
 ZeroAdjustPage page;
@@ -76,6 +80,9 @@ const Prompt kPromptR3 = {
     "Click \"Next\" when finished."};
 const Prompt kPromptJumperIn = {"Remove the TP1 connection and install\r\nthe DC jumper, then click \"Next\"."};
 const Prompt kPromptJumperOut = {"Remove the DC jumper, then click \"Next\"."};
+const Prompt kPromptUnread = {"The meter showed no reading, so nothing is known of the balance.\r\n"
+                              "Check its line and its input, then click \"Start\"",
+                              true};
 const Prompt kPromptDuty = {"Adjust R25 for equal duty cycle.\r\n\r\nClick \"Done\" when finished."};
 
 std::vector<PageState> TableOfStates()
@@ -112,6 +119,21 @@ void ClearReadings()
     view.lblDistance->setText("");
 }
 
+// The parts at which the step works. Those in work in a state are marked, the jumper while it is in.
+void ShowBoard(State state)
+{
+    using enum BoardPart::Kind;
+    const bool balance = state == kSettle || state == kCompare || state == kAdjust;
+    if (page.balanceOnly)
+        ShowBoardParts({{Trimmer, "R9 (A)", state == kAdjust}});
+    else
+        ShowBoardParts({{TestPoint, "TP1", state == kAdjustR3},
+                        {Trimmer, "R3", state == kAdjustR3},
+                        {Jumper, "DC", balance || state == kJumperIn},
+                        {Trimmer, "R10", state == kAdjust},
+                        {Trimmer, "R25", state == kDuty}});
+}
+
 void ShowStart()
 {
     ShowPageState(view.states, kReady, page.balanceOnly ? kPromptBalance : kPromptZero);
@@ -122,12 +144,17 @@ void ShowStart()
 bool Apply(const std::string &value)
 {
     ShowPageState(view.states, kWorking);
-    return ApplyInput(value) && !Abort;
+    if (!ApplyInput(value) || Abort)
+        return false;
+    page.asked.push_back(value);
+    page.reported.push_back(OutputConfirmed() ? GetLiveOutput().Value : "");
+    return true;
 }
 
 bool AwaitClick(State state)
 {
     page.wish = Wish::None;
+    ShowBoard(state);
     ShowPageState(view.states, state);
     WaitForOperatorOrEscape([] { return page.wish != Wish::None; });
     return !Abort;
@@ -135,6 +162,7 @@ bool AwaitClick(State state)
 
 void ShowReading(std::size_t place, const std::string &text)
 {
+    page.taken[place] = !text.empty();
     if (text.empty()) {
         ShowTrouble(view.lblZeroAdjRdg[place], DisplayIsOverRange() ? "over range" : "silent");
         return;
@@ -143,7 +171,12 @@ void ShowReading(std::size_t place, const std::string &text)
     ShowLive(view.lblZeroAdjRdg[place], text);
 }
 
-Prompt PromptOfRound(State state, int polarity, std::int32_t recommended)
+bool IsRead()
+{
+    return page.taken[0] && page.taken[1];
+}
+
+Prompt PromptOfRound(State state, int polarity, const std::string &recommended)
 {
     const std::string value = std::string(polarity == 0 ? "+" : "-") + "10 mV ";
     if (state == kSettle)
@@ -156,7 +189,7 @@ Prompt PromptOfRound(State state, int polarity, std::int32_t recommended)
     return {"Adjust R" + resistor + " for desired " + value +
             "reading, then click \"OK\".\r\n\r\n"
             "                     Recommended reading:  " +
-            std::to_string(recommended)};
+            recommended};
 }
 
 // One round of the balance loop: the input of a polarity settles, is compared, or is adjusted to the mean of both.
@@ -166,28 +199,35 @@ bool ZeroAdjStep(State state, int polarity)
     if (state != kAdjust && !Apply(polarity == 0 ? "+10 mV" : "-10 mV"))
         return false;
     const std::int32_t recommended = RecommendedReading(page.readings[0], page.readings[1]);
-    const auto target = static_cast<float>(recommended);
+    const std::string told = IsRead() ? std::to_string(recommended) : "none";
+    // What the reading is turned to, or compared with.
+    std::optional<float> aim;
+    if (state == kAdjust && IsRead())
+        aim = static_cast<float>(recommended);
+    else if (state == kCompare && page.taken[1 - place])
+        aim = page.readings[1 - place];
     if (state == kAdjust && Simulated())
-        page.readings = {target, target};  // what an operator would have reached
+        page.readings.fill(static_cast<float>(recommended));  // what an operator would have reached
     page.wish = Wish::None;
-    ShowPageState(view.states, state, PromptOfRound(state, polarity, recommended));
+    ShowBoard(state);
+    ShowPageState(view.states, state, PromptOfRound(state, polarity, told));
     Freeze(view.lblZeroAdjRdg[1 - place]);
-    view.lblTarget->setText(state == kAdjust ? Caption(std::to_string(recommended)) : "");
+    view.lblTarget->setText(state == kAdjust && aim ? Caption(told) : "");
     LiveReading live = DisplayInAdjustment();
     live.simulated = [place] { return Counts(page.readings[place]); };
-    FollowReading(live, [state, place, target](const std::string &text) {
+    FollowReading(live, [place, aim](const std::string &text) {
         ShowReading(place, text);
-        const float aim = state == kAdjust ? target : page.readings[1 - place];
-        view.lblDistance->setText(state == kSettle || text.empty() ? "" : Caption(Counts(page.readings[place] - aim)));
+        view.lblDistance->setText(aim && !text.empty() ? Caption(Counts(page.readings[place] - *aim)) : "");
     });
     Freeze(view.lblZeroAdjRdg[place]);
-    page.accepted = page.wish == Wish::Accept;
+    page.accepted = page.wish == Wish::Accept && IsRead();
     return page.wish != Wish::None && !Abort;
 }
 
 bool Balance()
 {
     page.readings = kSimulatedStart;
+    page.taken = {};
     page.accepted = false;
     ClearReadings();
     int polarity = 0;
@@ -197,8 +237,8 @@ bool Balance()
         polarity = 1 - polarity;
         if (!ZeroAdjStep(kCompare, polarity))
             return false;
-        if (page.accepted)
-            return true;
+        if (page.wish == Wish::Accept)
+            return page.accepted;
         if (!ZeroAdjStep(kAdjust, polarity))
             return false;
     }
@@ -210,13 +250,16 @@ bool AdjustZero()
         return false;
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
-    ShowConnectionDiagram(kWithDcJumper);
     return AwaitClick(kJumperIn);
 }
 
 void RunZeroAdjust()
 {
     page.done = false;
+    page.taken = {};
+    page.accepted = false;
+    page.asked.clear();
+    page.reported.clear();
     if (!page.balanceOnly && !AdjustZero())
         return;
     if (!Balance())
@@ -228,19 +271,34 @@ void RunZeroAdjust()
     page.done = true;
 }
 
+void RecordEnd(const std::string &how)
+{
+    RecordOfStep("zero adjust", page.position,
+                 {{"plus", page.taken[0] ? Counts(page.readings[0]) : ""},
+                  {"minus", page.taken[1] ? Counts(page.readings[1]) : ""},
+                  {"asked", page.asked},
+                  {"reported", page.reported},
+                  {"accepted", page.accepted}});
+    StepEnd end;
+    end.how = how;
+    RecordStepEnded(page.position, end);
+}
+
 void LeaveZeroAdjust(Ended ended)
 {
     const bool done = ended == Ended::Done && page.done;
+    const bool unread = ended == Ended::Done && page.wish == Wish::Accept && !page.accepted;
+    const std::string how = done ? "accepted" : unread ? "no reading" : HowEnded(ended);
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
     ClearReadings();
-    StepEnd end;
-    end.how = done ? "accepted" : HowEnded(ended);
-    RecordOfStep("zero adjust", page.position,
-                 {{"plus", page.readings[0]}, {"minus", page.readings[1]}, {"accepted", page.accepted}});
-    RecordStepEnded(page.position, end);
-    ShowConnectionDiagram(page.balanceOnly ? kWithDcJumper : 0);
+    RecordEnd(how);
+    ShowBoard(kReady);
     ShowStart();
+    if (ended == Ended::Fault)
+        ShowPrompt(view.states, PromptOfFault(FaultWords()));
+    else if (unread)
+        ShowPrompt(view.states, kPromptUnread);
     if (done)
         NextStep();
 }
@@ -250,7 +308,7 @@ void LeaveZeroAdjust(Ended ended)
 void cmdZeroAdj_Click()
 {
     if (view.states.now == kReady)
-        RunPageProcedure(RunZeroAdjust, LeaveZeroAdjust);
+        RunPageProcedure(RunZeroAdjust, LeaveZeroAdjust, [] { RecordEnd("quit"); });
     else
         page.wish = Wish::Next;
 }
@@ -282,6 +340,8 @@ void ShowZeroAdjustPage()
     ShowPageState(view.states, kOpening, page.balanceOnly ? kPromptBalance : kPromptZero);
     ApplySwitched("V");
     ShowConnectionDiagram(page.balanceOnly ? kWithDcJumper : 0);
+    ShowBoard(kOpening);
+    RecordStepOpened(page.position);
     const bool onRange = WriteRangeSetup(FilterCodeAtPosition(page.position), RangeCodeText(0), kReadingSetup);
     CalibratorStandby();
     if (onRange)

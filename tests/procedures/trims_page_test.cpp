@@ -4,6 +4,7 @@
 #include "model/step_ids.h"
 #include "platform/clock.h"
 #include "platform/text.h"
+#include "session/journal_reader.h"
 #include "support/page_test.h"
 
 #include <cmath>
@@ -11,9 +12,8 @@
 namespace ombrix::test {
 namespace {
 
-using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
-using testing::Not;
 
 constexpr const char *kRed = "#ff0000";
 
@@ -28,6 +28,26 @@ std::string ButtonOf(int step)
 double Number(const std::string &label)
 {
     return Val(ScriptedOperator::Text(label));
+}
+
+// The last event of a kind; an empty one when there is none.
+JournalEvent EventOf(const std::string &kind)
+{
+    JournalEvent last;
+    for (const JournalEvent &event : ReadJournal("."))
+        if (event.kind == kind)
+            last = event;
+    return last;
+}
+
+std::vector<std::string> ListOf(const JournalEvent &event, const char *name)
+{
+    return std::get<std::vector<std::string>>(FieldOf(event, name)->is);
+}
+
+std::string HowTheStepEnded()
+{
+    return TextOf(EventOf("step ended"), "how");
 }
 
 class HandTrims : public WiredPage
@@ -94,6 +114,7 @@ TEST_F(HandTrims, ZeroAdjustLeadsThroughR3TheBalanceAndR25)
         EXPECT_EQ(Output(), "0 V");
         EXPECT_TRUE(Operates());
         EXPECT_FALSE(IsEnabled("cmdSetup"));
+        EXPECT_EQ(Text("lblBoardParts"), "On the board (TP1,R3)");
         bench->Trim("R3", -bench->Tp1(), NowMicros());
     });
     person->Clicks("cmdZeroAdj")
@@ -101,6 +122,8 @@ TEST_F(HandTrims, ZeroAdjustLeadsThroughR3TheBalanceAndR25)
         .WaitsFor("cmdZeroAdj")
         .Does([this] {
             EXPECT_FALSE(Operates());
+            EXPECT_EQ(Text("lblBoardParts"), "On the board (DC)");
+            EXPECT_EQ(Text("lblJmprA(0)"), "(g)") << "the jumpers of the range stay";
             bench->InstallDcJumper(true, NowMicros());
         })
         .Clicks("cmdZeroAdj");
@@ -109,6 +132,7 @@ TEST_F(HandTrims, ZeroAdjustLeadsThroughR3TheBalanceAndR25)
         .WaitsFor("cmdZeroAdj")
         .Does([this] {
             EXPECT_FALSE(Operates());
+            EXPECT_EQ(Text("lblBoardParts"), "On the board") << "the jumper is to go";
             bench->InstallDcJumper(false, NowMicros());
         })
         .Clicks("cmdZeroAdj")
@@ -116,6 +140,7 @@ TEST_F(HandTrims, ZeroAdjustLeadsThroughR3TheBalanceAndR25)
         .Does([this] {
             EXPECT_EQ(Output(), "2 mV, 300 Hz");
             EXPECT_TRUE(HasFocus("cmdDone(4)"));
+            EXPECT_EQ(Text("lblBoardParts"), "On the board (R25)");
             bench->Trim("R25", -bench->DutyCycle(), NowMicros());
         })
         .Clicks("cmdDone(4)")
@@ -130,6 +155,7 @@ TEST_F(HandTrims, ZeroAdjustLeadsThroughR3TheBalanceAndR25)
 TEST_F(HandTrims, OnAc3TheBalanceIsAllAndTheNextStepFollows)
 {
     Begins(kAc3);
+    ASSERT_GT(std::abs(bench->RemainingError("Zero Adjust")), 3) << "as it came";
     bench->InstallDcJumper(true, NowMicros());
     person->Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Does([] {
         EXPECT_EQ(Text("lblZeroAdj"), "Set jumpers and apply input as shown, then click \"Start\"");
@@ -179,6 +205,7 @@ TEST_F(HandTrims, ResistorsAreAddedUntilTheErrorIsUnderTheFirstThreshold)
 {
     for (const unsigned seed : {1u, 2u, 3u}) {
         Begins(kAc2, seed);
+        ASSERT_GT(std::abs(bench->RemainingError("R13/R14 Trim")), 0.0005 * 80000) << "as it came";
         bench->InstallDcJumper(true, NowMicros());
         person->Clicks(ButtonOf(Step::TrimR13R14)).WaitsFor("cmdTrimStart").Does([] {
             EXPECT_EQ(Text("lblTrimMsg(0)"), "Set jumpers and apply input as shown, then click \"Start\"\nBe sure to "
@@ -220,11 +247,17 @@ TEST_F(HandTrims, AnErrorThatNoResistorMendsIsTold)
     EXPECT_EQ(Text("lblTrimMsg(0)"), "Resistor Error");
     EXPECT_EQ(Fill("shpTrimMsg(0)"), kRed);
     EXPECT_TRUE(IsEnabled("cmdTrimStart"));
+    EXPECT_FALSE(IsEnabled("cmdSetup")) << "the way out is Done";
+    person->Clicks("cmdDone(5)").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(HowTheStepEnded(), "left");
+    EXPECT_EQ(Text("lblStepMark(2)"), "") << "nothing was accepted";
 }
 
 TEST_F(HandTrims, NegativeGainIsTurnedToThePositiveReading)
 {
     Begins(kAc3);
+    ASSERT_GT(std::abs(bench->RemainingError("- Gain Trim")), 20) << "as it came";
     bench->InstallDcJumper(true, NowMicros());
     person->Clicks(ButtonOf(Step::MinusGainTrim)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart").WaitsFor("cmdTrimOK");
     Settles().Clicks("cmdTrimOK").WaitsUntil("R12", [] {
@@ -232,8 +265,21 @@ TEST_F(HandTrims, NegativeGainIsTurnedToThePositiveReading)
     });
     for (int turn = 0; turn < 2; ++turn)
         Settles().Does([this] { bench->Trim("R12", -Number("lblTrimDistance"), NowMicros()); });
-    Settles().Does([] { EXPECT_EQ(Text("cmdTrimOK"), "Accept"); }).Clicks("cmdTrimOK").WaitsFor("cmdSetup");
+    Settles()
+        .Does([] {
+            EXPECT_EQ(Text("cmdTrimOK"), "Accept");
+            EXPECT_EQ(Text("lblBoardParts"), "On the board (R12 (B))");
+        })
+        .Clicks("cmdTrimOK")
+        .WaitsFor("cmdSetup");
     ASSERT_TRUE(person->Runs());
+    const JournalEvent trim = EventOf("trim");
+    EXPECT_EQ(TextOf(trim, "trim"), "NEGATIVE GAIN TRIM");
+    EXPECT_THAT(ListOf(trim, "asked"), ElementsAre("200 mV", "-200 mV"));
+    EXPECT_THAT(ListOf(trim, "reported"), ElementsAre("200.0 mV", "-200.0 mV"));
+    EXPECT_EQ(TextOf(trim, "plus"), Text("lblTrimRdg(0)"));
+    EXPECT_NEAR(Val(TextOf(trim, "reading")), Val(TextOf(trim, "plus")), 3);
+    EXPECT_EQ(HowTheStepEnded(), "accepted");
     EXPECT_LE(std::abs(bench->RemainingError("- Gain Trim")), 3);
     EXPECT_FALSE(Operates());
     EXPECT_EQ(CurrentStepId, Step::Gnd);
@@ -242,6 +288,7 @@ TEST_F(HandTrims, NegativeGainIsTurnedToThePositiveReading)
 TEST_F(HandTrims, R38IsTurnedTenCountsLow)
 {
     Begins(kAc3);
+    ASSERT_GT(std::abs(bench->RemainingError("R38 Trim")), 20) << "as it came";
     person->Clicks(ButtonOf(Step::TrimR38)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart").WaitsFor("cmdTrimOK");
     person->Does([this] {
         EXPECT_EQ(Output(), "2 V, 10 KHz");
@@ -270,6 +317,164 @@ TEST_F(HandTrims, ASilentMeterIsSaidToBeSilentAndEscLeavesTheTrim)
     EXPECT_FALSE(Operates());
     EXPECT_EQ(Text("cmdTrimStart"), "Start");
     EXPECT_EQ(CurrentStepId, Step::TrimR38);
+}
+
+TEST_F(HandTrims, AnAcceptWithoutAReadingAcceptsNothing)
+{
+    Begins(kAc3);
+    person->Clicks(ButtonOf(Step::MinusGainTrim)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart").WaitsFor("cmdTrimOK");
+    Settles()
+        .Does([this] { bench->SwitchFault("silent-meter", true); })
+        .WaitsUntil("it is silent", [] { return Text("lblTrimRdg(0)Mark") == "silent"; })
+        .Clicks("cmdTrimOK")
+        .WaitsUntil("R12", [] { return Text("lblTrimMsg(0)").starts_with("Adjust R12") && IsEnabled("cmdTrimOK"); })
+        .WaitsUntil("it is silent", [] { return Text("lblTrimRdg(1)Mark") == "silent"; })
+        .Does([] { EXPECT_EQ(Text("lblTrimTarget"), "") << "there is none to turn to"; })
+        .Clicks("cmdTrimOK")
+        .WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(Text("lblTrimMsg(0)"), HasSubstr("The meter showed no reading"));
+    EXPECT_EQ(Fill("shpTrimMsg(0)"), kRed);
+    EXPECT_FALSE(Operates());
+    EXPECT_EQ(CurrentStepId, Step::MinusGainTrim) << "no next step";
+    EXPECT_EQ(HowTheStepEnded(), "no reading");
+    EXPECT_EQ(TextOf(EventOf("trim"), "plus"), "");
+}
+
+TEST_F(HandTrims, ABalanceWithoutAReadingRecommendsNothingAndAcceptsNothing)
+{
+    Begins(kAc3);
+    const auto silent = [](int place) {
+        return [place] { return Text("lblZeroAdjRdg(" + std::to_string(place) + ")Mark") == "silent"; };
+    };
+    person->Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Does([this] {
+        bench->SwitchFault("silent-meter", true);
+    });
+    person->Clicks("cmdZeroAdj");
+    WaitsForRound("Wait for +10 mV").WaitsUntil("silent", silent(0)).Clicks("cmdZeroAdjOK");
+    WaitsForRound("Wait for -10 mV").WaitsUntil("silent", silent(1)).Clicks("cmdZeroAdjOK");
+    WaitsForRound("Adjust R9 (A)")
+        .Waits(3000)
+        .Does([] {
+            EXPECT_TRUE(Text("lblZeroAdj").ends_with("Recommended reading:  none"));
+            EXPECT_EQ(Text("lblZeroAdjTarget"), "");
+            EXPECT_EQ(Text("lblZeroAdjDistance"), "");
+        })
+        .Clicks("cmdZeroAdjOK");
+    WaitsForRound("Wait for +10 mV").Waits(3000).Clicks("cmdZeroAdjAccept").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(Text("lblZeroAdj"), HasSubstr("The meter showed no reading"));
+    EXPECT_EQ(Fill("shpZeroAdj"), kRed);
+    EXPECT_EQ(CurrentStepId, Step::ZeroAdjust) << "no next step";
+    EXPECT_EQ(HowTheStepEnded(), "no reading");
+    EXPECT_EQ(TextOf(EventOf("zero adjust"), "plus"), "");
+    EXPECT_EQ(Text("lblStepMark(1)"), "");
+}
+
+TEST_F(HandTrims, TheBalanceTellsTheJournalItsValuesAndReadings)
+{
+    Begins(kAc3);
+    bench->InstallDcJumper(true, NowMicros());
+    person->Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Clicks("cmdZeroAdj");
+    Balances("R9");
+    person->WaitsFor("cmdTrimStart");
+    ASSERT_TRUE(person->Runs());
+    const JournalEvent event = EventOf("zero adjust");
+    EXPECT_THAT(ListOf(event, "asked"), ElementsAre("+10 mV", "-10 mV", "+10 mV", "-10 mV"));
+    EXPECT_THAT(ListOf(event, "reported"), ElementsAre("10.0 mV", "-10.0 mV", "10.0 mV", "-10.0 mV"));
+    EXPECT_NEAR(Val(TextOf(event, "plus")), Val(TextOf(event, "minus")), 3);
+    EXPECT_EQ(HowTheStepEnded(), "accepted");
+    EXPECT_EQ(Text("lblStepMark(1)"), "✓");
+}
+
+// ---- in simulation ----
+
+class SimulatedTrims : public SimulatedPage
+{
+protected:
+    static constexpr std::uint16_t kAc2Code = 0x12;
+    static constexpr std::uint16_t kAc3Code = 0x22;
+    ScriptedOperator &WaitsForWords(const std::string &label, const std::string &words, const std::string &button)
+    {
+        return person->WaitsUntil(words, [=] { return Text(label).starts_with(words) && IsEnabled(button); });
+    }
+};
+
+TEST_F(SimulatedTrims, ZeroAdjustGoesThroughAllItsStates)
+{
+    Establishes(kAc2Code, 0x80);
+    ASSERT_EQ(SCType, kAc2);
+    person->Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Clicks("cmdZeroAdj");
+    WaitsForWords("lblZeroAdj", "Connect external meter", "cmdZeroAdj").Clicks("cmdZeroAdj");
+    WaitsForWords("lblZeroAdj", "Remove the TP1", "cmdZeroAdj").Clicks("cmdZeroAdj");
+    WaitsForWords("lblZeroAdj", "Wait for +10 mV", "cmdZeroAdjOK").Waits(1500).Clicks("cmdZeroAdjOK");
+    WaitsForWords("lblZeroAdj", "Wait for -10 mV", "cmdZeroAdjOK").Waits(1500).Clicks("cmdZeroAdjOK");
+    WaitsForWords("lblZeroAdj", "Adjust R10 for desired -10 mV", "cmdZeroAdjOK").Waits(1500).Clicks("cmdZeroAdjOK");
+    WaitsForWords("lblZeroAdj", "Wait for +10 mV", "cmdZeroAdjAccept")
+        .Waits(1500)
+        .Does([] { EXPECT_EQ(Text("lblZeroAdjDistance"), "0"); })
+        .Clicks("cmdZeroAdjAccept");
+    WaitsForWords("lblZeroAdj", "Remove the DC jumper", "cmdZeroAdj").Clicks("cmdZeroAdj");
+    WaitsForWords("lblZeroAdj", "Adjust R25", "cmdDone(4)").Clicks("cmdDone(4)").WaitsFor("cmdTrimStart");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(CurrentStepId, Step::TrimR13R14);
+}
+
+TEST_F(SimulatedTrims, ResistorsAreNamedForReadingsAHundredCountsApart)
+{
+    Establishes(kAc2Code, 0x80);
+    person->Clicks(ButtonOf(Step::TrimR13R14)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
+    WaitsForWords("lblTrimMsg(0)", "Wait for +200 mV", "cmdTrimOK").Waits(1500).Clicks("cmdTrimOK");
+    WaitsForWords("lblTrimMsg(0)", "Wait for -200 mV", "cmdTrimOK").Waits(1500).Clicks("cmdTrimOK");
+    person->WaitsFor("cmdDone(5)").Does([] {
+        EXPECT_EQ(Text("lblTrimRdg(0)"), "80000");
+        EXPECT_EQ(Text("lblTrimRdg(1)"), "80100");
+        EXPECT_EQ(Text("lblTrimMsg(0)"), "Add to R13 --- 10M\nAdd to R14 --- 4.3M");
+        EXPECT_EQ(Text("lblBoardParts"), "On the board (R13,R14,DC)");
+        EXPECT_EQ(Text("cmdTrimStart"), "Repeat");
+        EXPECT_TRUE(HasFocus("cmdDone(5)"));
+    });
+    person->Clicks("cmdTrimStart");
+    WaitsForWords("lblTrimMsg(0)", "Wait for +200 mV", "cmdTrimOK").Does([] {
+        EXPECT_EQ(Text("lblTrimRdg(1)"), "") << "blank again";
+        EXPECT_EQ(Text("lblBoardParts"), "On the board (DC)");
+    });
+    person->Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(CurrentStepId, Step::TrimR13R14);
+}
+
+TEST_F(SimulatedTrims, NegativeGainReadsBothAlikeAndEndsByAccept)
+{
+    Establishes(kAc3Code, 0x80);
+    person->Clicks(ButtonOf(Step::MinusGainTrim)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
+    WaitsForWords("lblTrimMsg(0)", "Wait for +200 mV", "cmdTrimOK").Waits(1500).Clicks("cmdTrimOK");
+    WaitsForWords("lblTrimMsg(0)", "Adjust R12 (B)", "cmdTrimOK").Waits(1500).Does([] {
+        EXPECT_EQ(Text("lblTrimTarget"), "80000");
+        EXPECT_EQ(Text("lblTrimDistance"), "0");
+        EXPECT_EQ(Text("cmdTrimOK"), "Accept");
+        EXPECT_FALSE(Sees("cmdDone(5)"));
+    });
+    person->Clicks("cmdTrimOK").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(CurrentStepId, Step::Gnd);
+}
+
+TEST_F(SimulatedTrims, R38ReadsTenCountsLowAtOnce)
+{
+    Establishes(kAc3Code, 0x80);
+    person->Clicks(ButtonOf(Step::TrimR38)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
+    WaitsForWords("lblTrimMsg(0)", "Using the Gold screwdriver", "cmdTrimOK").Waits(1500).Does([] {
+        EXPECT_EQ(Text("lblTrimMsg(0)"), "Using the Gold screwdriver, adjust R38 until the 2 V 10 KHz\nreading is "
+                                         "79990 (10 counts low), then click \"Accept\"");
+        EXPECT_EQ(Text("lblTrimRdg(1)"), "79990");
+        EXPECT_EQ(Text("lblTrimDistance"), "0");
+        EXPECT_EQ(Text("lblBoardParts"), "On the board (R38)");
+    });
+    person->Clicks("cmdTrimOK").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(CurrentStepId, Step::Range20V);
+    EXPECT_FALSE(Sees("fraBoardParts")) << "they go with their page";
 }
 
 TEST_F(SimulatedPage, TheBalanceLoopComesToTwoEqualReadings)
