@@ -5,6 +5,7 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "session/state.h"
+#include "support/bench_log.h"
 #include "support/bench_station.h"
 
 #include <gmock/gmock.h>
@@ -121,7 +122,9 @@ TEST(FirstCycleByHand, CancelWhileTheMeterIsPreparedAsksForNoSignal)
     ASSERT_TRUE(station.Establishes());
     std::vector<std::string> asked;
     station.person.onBox = [&asked](const std::string &title, const std::string &) { asked.push_back(title); };
-    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady").WaitsFor("cmdFCCancel");
+    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    station.person.WaitsUntil("word 51 is written",
+                              [&station] { return !TimesOf(station.bench, "*1W1330000Z").empty(); });
     station.person.Clicks("cmdFCCancel").WaitsUntil("it has ended", HasEnded);
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     EXPECT_THAT(asked, testing::Not(testing::Contains("Apply Input Signal")));

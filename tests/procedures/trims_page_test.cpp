@@ -42,7 +42,8 @@ JournalEvent EventOf(const std::string &kind)
 
 std::vector<std::string> ListOf(const JournalEvent &event, const char *name)
 {
-    return std::get<std::vector<std::string>>(FieldOf(event, name)->is);
+    const JournalValue *value = FieldOf(event, name);
+    return value ? std::get<std::vector<std::string>>(value->is) : std::vector<std::string>();
 }
 
 std::string HowTheStepEnded()
