@@ -166,6 +166,16 @@ void MeasureRealRange()
     Row("  over those", over, "", over <= 1.01, "<= 1.01");
 }
 
+void MeasureFirstCycle()
+{
+    const tour::GatherRun run = tour::GatherFirstCycleInRealTime(
+        {.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH});
+    if (!run.good)
+        throw std::runtime_error("the first cycle on pseudo-terminals did not end well");
+    Row("first cycle, its counts gathered in", run.seconds, "s");
+    Row("  the processor's part meanwhile", run.cpuShare * 100, "%", run.cpuShare < 0.05, "< 5");
+}
+
 }  // namespace
 }  // namespace ombrix::benchmarks
 
@@ -191,6 +201,7 @@ int main(int argc, char **argv)
         MeasureWait();
         MeasureSimulatedRun();
         MeasureRealRange();
+        MeasureFirstCycle();
     } catch (const std::exception &trouble) {
         std::fprintf(stderr, "ombrix-benchmarks: %s\n", trouble.what());
         return 1;

@@ -125,10 +125,15 @@ void ShowWords()
 
 // ---- a trial: what talks to the instruments returns false when the operator has stopped it ----
 
+void ShowExcitation()
+{
+    ShowRatioProgress("Reading at " + page.excitation + "\r\nEsc stops the trial");
+}
+
 bool Excite(const std::string &value)
 {
     page.excitation = value;
-    ShowRatioProgress("Reading at " + value + "\r\nEsc stops the trial");
+    ShowExcitation();
     if (!ApplyInputValue(value) || Abort)
         return false;
     page.asked.push_back(value);
@@ -243,6 +248,7 @@ void RunOffsetTrials()
     BeginTrial(page.ground, kOffsetTarget);
     if (!SendRatioRangeCode())
         return;
+    ShowExcitation();
     if (page.excitation != kExcitation[0] && page.excitation != kExcitation[1]) {
         page.polarity = 0;
         if (!Excite(kExcitation[0]))
@@ -272,6 +278,7 @@ void RunGainTrials()
     BeginTrial(page.divider, RoundHalfEven(static_cast<double>(page.conditions.reading)));
     if (!SendRatioRangeCode())
         return;
+    ShowExcitation();
     if (page.excitation != kGainExcitation && !Excite(kGainExcitation))
         return;
     if (page.divider.first) {

@@ -225,7 +225,11 @@ TEST_F(WiredRatio, AfterAGainTrialTheOffsetBeginsAtElevenVolts)
         EXPECT_EQ(TimesOf("*1CZ").size(), 1u);
         Forget();
     });
-    Gains(3).Does([this] {
+    person->Clicks("cmdGain").WaitsUntil("it runs", [] { return !IsEnabled("cmdOffset"); }).Does([] {
+        EXPECT_EQ(Text("lblRatioProgress"), "Reading at +10 V\nEsc stops the trial");
+    });
+    person->WaitsUntil("tried", HasTried("msgGain", 3)).Does([this] {
+        EXPECT_EQ(Text("lblRatioProgress"), "");
         EXPECT_EQ(Deeds().size(), 1u) << "the excitation stands";
         EXPECT_EQ(Rows("msgGain"), 3);
         Forget();

@@ -24,7 +24,8 @@ void WriteWiring(const Wiring &wiring)
     const std::string meter = wiring.bench.uut ? "0" : "1";
     WriteFile("Ombrix.ini", std::string("[Ports]\nCOM1=") + kMeterDevice + "\nCOM2=" + kCalibratorDevice +
                                 "\n[Comms]\nCALPort=" + calibrator + "\nDPMPort=" + meter +
-                                "\nSwitch=" + (wiring.useSwitch ? "1" : "0") + "\n");
+                                "\nSwitch=" + (wiring.useSwitch ? "1" : "0") + "\n" +
+                                (wiring.theme.empty() ? "" : "[Look]\nTheme=" + wiring.theme + "\n"));
 }
 
 bench::BenchSetup SetupOf(const Wiring &wiring)

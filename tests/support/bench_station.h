@@ -7,6 +7,8 @@
 #include "support/virtual_clock.h"
 #include "testbench/bench.h"
 
+#include <string>
+
 namespace ombrix::test {
 
 struct Wiring {
@@ -14,6 +16,7 @@ struct Wiring {
     bool manual = false;     ///< no calibrator: the operator puts each signal on the bench when the station asks
     bool useSwitch = false;  ///< the second meter serves as output switch
     Painted painted = Painted::No;
+    std::string theme = {};  ///< "light" or "dark"; "" the desktop's
 };
 
 /// After a click on Accept: until the step buttons are free. The page of the ratio step, which may come next, is left again.

@@ -13,6 +13,7 @@
 
 #include <cstdio>
 #include <string>
+#include <sys/resource.h>
 
 namespace ombrix::tour {
 namespace {
@@ -73,12 +74,44 @@ RangeRun CalibrateOneRange(ScriptedOperator &person)
     return run;
 }
 
-}  // namespace
+double CpuSeconds()
+{
+    rusage used{};
+    getrusage(RUSAGE_SELF, &used);
+    const auto seconds = [](const timeval &time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(used.ru_utime) + seconds(used.ru_stime);
+}
 
-RangeRun RunRangeInRealTime(const Options &options)
+GatherRun GatherFirstCycle(ScriptedOperator &person)
+{
+    GatherRun run;
+    std::int64_t start = 0;
+    double cpu = 0;
+    person.Clicks(StepButton(1))
+        .WaitsFor("cmdFCReady")
+        .Clicks("cmdFCReady")
+        .WaitsUntil("point 1", [] { return ScriptedOperator::Text("lblFCProgress").starts_with("Point 1"); })
+        .Does([&] {
+            start = NowMicros();
+            cpu = CpuSeconds();
+        })
+        .WaitsUntil("all is gathered", [] { return ScriptedOperator::Text("lblInst(2)").starts_with("Putting"); })
+        .Does([&] {
+            run.seconds = static_cast<double>(NowMicros() - start) / 1e6;
+            run.cpuShare = (CpuSeconds() - cpu) / run.seconds;
+        })
+        .WaitsFor("cmdFCReady");
+    run.good = person.Runs() && ScriptedOperator::Text("cmdFCReady") == "Repeat";
+    return run;
+}
+
+// What `work` does on a station that has established the bench's program, over pseudo-terminals.
+template <class Run> Run EstablishedInRealTime(const Options &options, Run (*work)(ScriptedOperator &person))
 {
     const test::WorkFolder folder;
-    RangeRun run;
+    Run run;
     const test::BenchProgram bench(options.testbench, QDir::currentPath(), options.board, kSeed);
     if (!bench.Stands()) {
         std::printf("ombrix-testbench doesn't start\n");
@@ -93,13 +126,25 @@ RangeRun RunRangeInRealTime(const Options &options)
         if (person.Runs()) {
             std::printf("%s\n", ScriptedOperator::Text("lblStatus").c_str());
             std::fflush(stdout);
-            run = CalibrateOneRange(person);
+            run = work(person);
         }
         if (!run.good)
             std::printf("%s\n", person.Trouble().c_str());
     }
     CloseStation();
     return run;
+}
+
+}  // namespace
+
+RangeRun RunRangeInRealTime(const Options &options)
+{
+    return EstablishedInRealTime<RangeRun>(options, CalibrateOneRange);
+}
+
+GatherRun GatherFirstCycleInRealTime(const Options &options)
+{
+    return EstablishedInRealTime<GatherRun>(options, GatherFirstCycle);
 }
 
 bool RunUntilKilled(const std::string &guard)

@@ -3,6 +3,7 @@
 
 #include "model/range_tables.h"
 #include "model/step_ids.h"
+#include "platform/clock.h"
 #include "session/state.h"
 #include "support/bench_station.h"
 
@@ -18,6 +19,8 @@ using test::BenchStation;
 using test::ScriptedOperator;
 
 constexpr unsigned kSeed = 7;
+constexpr int kSettleMs = 5000;
+constexpr int kRunsMs = 500;    // into a trial
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
 
 std::string ButtonOf(int step)
@@ -31,7 +34,9 @@ std::string ButtonOf(int step)
 class Walk
 {
 public:
-    Walk(int board, const Options &options) : m_station(WiringOf(board)), m_folder(options.pictures) {}
+    Walk(int board, const Options &options)
+        : m_station(WiringOf(board, options.theme.toStdString())), m_folder(options.pictures)
+    {}
 
     bool Establishes() { return m_station.Establishes(); }
     ScriptedOperator &Person() { return m_station.person; }
@@ -50,12 +55,13 @@ public:
     }
 
 private:
-    static test::Wiring WiringOf(int board)
+    static test::Wiring WiringOf(int board, const std::string &theme)
     {
         test::Wiring wiring;
         wiring.bench.board = board;
         wiring.bench.seed = kSeed;
         wiring.painted = test::Painted::Yes;
+        wiring.theme = theme;
         return wiring;
     }
 
@@ -89,9 +95,69 @@ void WalkRatio(Walk &walk)
         .ClicksCell("msgOffset", 1, 2)
         .WaitsFor("cmdRatioSelect");
     walk.Takes("ratio");
-    walk.Person().Clicks("cmdGain").Waits(3000);
+    walk.Person().Clicks("cmdGain").Waits(kRunsMs);
     walk.Takes("ratio-runs");
     walk.Person().WaitsFor("cmdOffset").Clicks("cmdRatioDone").WaitsFor("cmdSetup");
+}
+
+// The page at a trim, as an operator with a screwdriver in hand sees it.
+void WalkZeroAdjust(Walk &walk)
+{
+    const auto follows = [&walk](const std::string &words, const std::string &button) -> ScriptedOperator & {
+        return walk.Person().WaitsUntil(words, [words, button] {
+            return ScriptedOperator::Text("lblZeroAdj").starts_with(words) && ScriptedOperator::IsEnabled(button);
+        });
+    };
+    walk.Person().Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Clicks("cmdZeroAdj");
+    follows("Connect external", "cmdZeroAdj");
+    walk.Takes("zero-adjust-r3").Clicks("cmdZeroAdj");
+    follows("Remove the TP1", "cmdZeroAdj")
+        .Does([&walk] { walk.Station().bench.InstallDcJumper(true, NowMicros()); })
+        .Clicks("cmdZeroAdj");
+    follows("Wait for +10 mV", "cmdZeroAdjOK").Waits(kSettleMs).Clicks("cmdZeroAdjOK");
+    follows("Wait for -10 mV", "cmdZeroAdjOK").Waits(kSettleMs).Clicks("cmdZeroAdjOK");
+    follows("Adjust R10", "cmdZeroAdjOK").Waits(kSettleMs);
+    walk.Takes("zero-adjust");
+    walk.Person().Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
+}
+
+void WalkResistors(Walk &walk)
+{
+    const auto settles = [&walk](const std::string &words) {
+        walk.Person()
+            .WaitsUntil(words,
+                        [words] {
+                            return ScriptedOperator::Text("lblTrimMsg(0)").starts_with(words) &&
+                                   ScriptedOperator::IsEnabled("cmdTrimOK");
+                        })
+            .Waits(kSettleMs)
+            .Clicks("cmdTrimOK");
+    };
+    walk.Person().Clicks(ButtonOf(Step::TrimR13R14)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
+    settles("Wait for +200 mV");
+    settles("Wait for -200 mV");
+    walk.Person().WaitsFor("cmdDone(5)");
+    walk.Takes("trim-resistors").Clicks("cmdDone(5)").WaitsFor("cmdSetup");
+}
+
+bool WalkDc(const Options &options)
+{
+    Walk walk(kDc, options);
+    if (!walk.Establishes())
+        return false;
+    WalkFirstCycle(walk);
+    WalkRatio(walk);
+    return walk.Ends();
+}
+
+bool WalkAc2(const Options &options)
+{
+    Walk walk(kAc2, options);
+    if (!walk.Establishes())
+        return false;
+    WalkZeroAdjust(walk);
+    WalkResistors(walk);
+    return walk.Ends();
 }
 
 }  // namespace
@@ -102,12 +168,7 @@ bool RunProcedures(const Options &options)
         return true;
     Options there = options;
     there.pictures = QDir(options.pictures).absolutePath();
-    Walk dc(kDc, there);
-    if (!dc.Establishes())
-        return false;
-    WalkFirstCycle(dc);
-    WalkRatio(dc);
-    return dc.Ends();
+    return WalkDc(there) && WalkAc2(there);
 }
 
 }  // namespace ombrix::tour

@@ -48,6 +48,14 @@ RangeRun RunRangeOnVirtualTime(const Options &options);
 /// and again, under this guard, until it is killed. False when something keeps it from going on.
 bool RunUntilKilled(const std::string &guard);
 
+/// A first cycle gathered from the emulated meter's stream, in real time.
+struct GatherRun {
+    bool good = false;
+    double seconds = 0;   ///< from the first point to the last
+    double cpuShare = 0;  ///< of one core, by this program alone
+};
+GatherRun GatherFirstCycleInRealTime(const Options &options);
+
 /// Both, printed: counts before and after, and the time over its floor.
 bool RunBench(const Options &options);
 
