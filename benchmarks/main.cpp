@@ -172,7 +172,7 @@ void MeasureFirstCycle()
         {.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH});
     if (!run.good)
         throw std::runtime_error("the first cycle on pseudo-terminals did not end well");
-    Row("first cycle, its counts gathered in", run.seconds, "s");
+    Row("first cycle, its counts gathered for", run.seconds, "s");
     Row("  the processor's part meanwhile", run.cpuShare * 100, "%", run.cpuShare < 0.05, "< 5");
 }
 

@@ -6,6 +6,7 @@
 #include "session/delays.h"
 #include "session/outlets.h"
 #include "shell/station.h"
+#include "support/bench_station.h"
 #include "support/scripted_operator.h"
 #include "support/station.h"
 
@@ -27,7 +28,8 @@ void CalibrateRange(test::ScriptedOperator &person, int position, int &accepted)
     person.WaitsFor("cmdReady").Clicks("cmdReady");
     person.WaitsFor("cmdRepeat").Clicks("cmdRepeat");
     person.WaitsFor("cmdRepeat").Clicks("cmdAccept");
-    person.WaitsFor(button).Does([&accepted] { ++accepted; });
+    test::LeavesRange(person);
+    person.Does([&accepted] { ++accepted; });
 }
 
 }  // namespace

@@ -51,8 +51,9 @@ bool RunUntilKilled(const std::string &guard);
 /// A first cycle gathered from the emulated meter's stream, in real time.
 struct GatherRun {
     bool good = false;
-    double seconds = 0;   ///< from the first point to the last
-    double cpuShare = 0;  ///< of one core, by this program alone
+    bool throughout = false;  ///< it went on to the end of the measured time
+    double seconds = 0;
+    double cpuShare = 0;  ///< of one core, by the station in this program alone
 };
 GatherRun GatherFirstCycleInRealTime(const Options &options);
 
