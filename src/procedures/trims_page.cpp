@@ -200,7 +200,8 @@ bool TrimStep(State state, std::size_t place, const std::string &value)
     LiveReading live = DisplayInAdjustment();
     live.simulated = [place] { return Counts(page.trim->simulated[place]); };
     FollowReading(live, [state, place](const std::string &text) { ShowReading(state, place, text); });
-    Freeze(view.lblTrimRdg[place]);
+    if (page.taken[place])
+        Freeze(view.lblTrimRdg[place]);  // else what says why there is none stays
     return page.ok && !Abort;
 }
 
@@ -222,7 +223,7 @@ void RunTrim()
 
 Prompt PromptOfResistors()
 {
-    if (page.taken[0] && page.taken[1])
+    if (IsRead())
         page.found = ResistorsForReadings(page.readings[0], page.readings[1]);
     if (!page.found) {
         page.added = kPromptError.text;

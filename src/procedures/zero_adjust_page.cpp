@@ -171,6 +171,13 @@ void ShowReading(std::size_t place, const std::string &text)
     ShowLive(view.lblZeroAdjRdg[place], text);
 }
 
+// Its reading is followed no more; what says why there is none stays.
+void Rest(std::size_t place)
+{
+    if (page.taken[place])
+        Freeze(view.lblZeroAdjRdg[place]);
+}
+
 bool IsRead()
 {
     return page.taken[0] && page.taken[1];
@@ -211,7 +218,7 @@ bool ZeroAdjStep(State state, int polarity)
     page.wish = Wish::None;
     ShowBoard(state);
     ShowPageState(view.states, state, PromptOfRound(state, polarity, told));
-    Freeze(view.lblZeroAdjRdg[1 - place]);
+    Rest(1 - place);
     view.lblTarget->setText(state == kAdjust && aim ? Caption(told) : "");
     LiveReading live = DisplayInAdjustment();
     live.simulated = [place] { return Counts(page.readings[place]); };
@@ -219,7 +226,7 @@ bool ZeroAdjStep(State state, int polarity)
         ShowReading(place, text);
         view.lblDistance->setText(aim && !text.empty() ? Caption(Counts(page.readings[place] - *aim)) : "");
     });
-    Freeze(view.lblZeroAdjRdg[place]);
+    Rest(place);
     page.accepted = page.wish == Wish::Accept && IsRead();
     return page.wish != Wish::None && !Abort;
 }

@@ -328,7 +328,10 @@ TEST_F(HandTrims, AnAcceptWithoutAReadingAcceptsNothing)
         .Clicks("cmdTrimOK")
         .WaitsUntil("R12", [] { return Text("lblTrimMsg(0)").starts_with("Adjust R12") && IsEnabled("cmdTrimOK"); })
         .WaitsUntil("it is silent", [] { return Text("lblTrimRdg(1)Mark") == "silent"; })
-        .Does([] { EXPECT_EQ(Text("lblTrimTarget"), "") << "there is none to turn to"; })
+        .Does([] {
+            EXPECT_EQ(Text("lblTrimTarget"), "") << "there is none to turn to";
+            EXPECT_EQ(Text("lblTrimRdg(0)Mark"), "silent") << "an old number is no frozen reading";
+        })
         .Clicks("cmdTrimOK")
         .WaitsFor("cmdSetup");
     ASSERT_TRUE(person->Runs());
@@ -357,6 +360,7 @@ TEST_F(HandTrims, ABalanceWithoutAReadingRecommendsNothingAndAcceptsNothing)
         .Does([] {
             EXPECT_TRUE(Text("lblZeroAdj").ends_with("Recommended reading:  none"));
             EXPECT_EQ(Text("lblZeroAdjTarget"), "");
+            EXPECT_EQ(Text("lblZeroAdjRdg(0)Mark"), "silent");
             EXPECT_EQ(Text("lblZeroAdjDistance"), "");
         })
         .Clicks("cmdZeroAdjOK");
