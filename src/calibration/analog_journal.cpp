@@ -47,13 +47,6 @@ void RecordWith(std::string_view kind, int point, const JournalFields &more)
     Record(kind, fields);
 }
 
-std::string TextOf(WordsHeld held)
-{
-    if (held == WordsHeld::Silent)
-        return Quitting ? "quit" : Abort ? "stopped" : "no answer";
-    return held == WordsHeld::Yes ? "held" : "other words";
-}
-
 }  // namespace
 
 bool NoteAnalogWordWritten(int point)
@@ -75,6 +68,13 @@ void NoteAnalogWordsWritten(const WordRun &run)
     }
 }
 
+std::string TextOf(WordsHeld held)
+{
+    if (held == WordsHeld::Silent)
+        return Abort ? "stopped" : "no answer";
+    return held == WordsHeld::Yes ? "held" : "other words";
+}
+
 void RecordAnalogOpened(int point)
 {
     RecordWith("step opened", point,
@@ -92,7 +92,7 @@ void RecordAnalogRound(int point, const AnalogRound &round)
                 {"wordBefore", HexText(round.before, 4)},
                 {"wordAfter", HexText(round.word, 4)},
                 {"limited", round.limited},
-                {"readBack", TextOf(round.held)},
+                {"readBack", round.readBack},
                 {"asFound", round.asFound}});
 }
 

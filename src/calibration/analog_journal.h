@@ -21,6 +21,9 @@ void RecordAnalogOpened(int point);
 bool NoteAnalogWordWritten(int point);
 void NoteAnalogWordsWritten(const WordRun &run);
 
+/// As it is now: a stop that has ended the wait is told as such, until it is forgotten.
+std::string TextOf(WordsHeld held);
+
 /// One typed reading, the word that was written for it, and what reading it back told.
 struct AnalogRound {
     int number = 1;
@@ -29,7 +32,7 @@ struct AnalogRound {
     std::uint16_t word = 0;
     bool limited = false;
     bool asFound = false;  ///< the first of a visit to write the word
-    WordsHeld held = WordsHeld::Silent;
+    std::string readBack = "not read";
 };
 void RecordAnalogRound(int point, const AnalogRound &round);
 

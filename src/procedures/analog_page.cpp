@@ -31,6 +31,8 @@ constexpr int kCounterOutputMs = 500;
 constexpr int kEitherConnector = 4;  // the cable of a dual DAC
 constexpr std::int32_t kHighestValue = 16777215;
 
+const Prompt kPromptOwed = {"The meter's own settings are not back: click \"Done\" again", true};
+
 AnalogPage &page = analogPage;
 
 std::uint16_t &WordOf(int point)
@@ -50,6 +52,14 @@ bool IsCounter()
 
 // ---- how work begins and ends ----
 
+// The round in work, also one that was broken off, while its point is known.
+void TellRound()
+{
+    if (page.round)
+        RecordAnalogRound(page.point, *page.round);
+    page.round.reset();
+}
+
 // A stop leaves nothing put out. Which mode and which cable there are is not known any more.
 void LeaveStopped()
 {
@@ -65,6 +75,7 @@ void LeaveStopped()
 
 void LeaveWork(Ended ended)
 {
+    TellRound();
     if (ended == Ended::Stopped)
         LeaveStopped();
     if (ended == Ended::Fault)
@@ -159,13 +170,6 @@ WordsHeld WriteWord(std::uint16_t word)
     return held;
 }
 
-void TellRound()
-{
-    if (page.round)
-        RecordAnalogRound(page.point, *page.round);
-    page.round.reset();
-}
-
 // A correction never starts from a word that the meter may not hold.
 bool KnowsWord()
 {
@@ -196,9 +200,9 @@ void TakeReading(const std::string &typed, float reading)
     work.open = true;
     page.round = {
         ++work.rounds, typed, before, correction.word, !correction.overflow.empty(), NoteAnalogWordWritten(page.point)};
-    page.round->held = WriteWord(correction.word);
-    TellWord(page.round->held, correction);
-    TellRound();
+    const WordsHeld held = WriteWord(correction.word);
+    page.round->readBack = TextOf(held);
+    TellWord(held, correction);
     ClearTypedReading();
 }
 
@@ -260,17 +264,16 @@ void cmdAccept_Click()
 // Behind Done no step follows: the next one would calibrate all over again.
 void cmdDone_Click()
 {
-    RunPageProcedure(
-        [] { page.told = {}; },
-        [](Ended) {
-            ClosePoint();
-            page.verify = false;
-            GiveMeterBack();
-            if (!AnalogSettingsBorrowed())
-                return OpenStep(kNoStep);
-            ShowPoint();
-            ShowAnalogState(kAnalogSilent, {"The meter's own settings are not back: click \"Done\" again", true});
-        });
+    RunPageProcedure([] { page.told = {}; },
+                     [](Ended) {
+                         ClosePoint();
+                         page.verify = false;
+                         GiveMeterBack();
+                         if (!AnalogSettingsBorrowed())
+                             return OpenStep(kNoStep);
+                         ShowPoint();
+                         ShowAnalogState(kAnalogSilent, kPromptOwed);
+                     });
 }
 
 // ---- from point to point ----
@@ -410,7 +413,7 @@ void OpenTab()
     if (owed) {
         GiveMeterBack();
         if (AnalogSettingsBorrowed())
-            return ShowAnalogState(kAnalogSilent);
+            return ShowAnalogState(kAnalogSilent, kPromptOwed);
     }
     if (PrepareMeter())
         ShowPlace();

@@ -313,6 +313,19 @@ TEST_F(AnalogTrouble, ADacThatNeedsAnotherCableAsksForItInTheSameMode)
     ASSERT_TRUE(person->Runs()) << "once";
 }
 
+TEST_F(AnalogTrouble, SettingsThatAreStillOwedAreToldAsSuch)
+{
+    Opens();
+    bench->SwitchFault("silent-meter", true);
+    person->onBox = [](const std::string &, const std::string &) {};
+    Leaves("cmdAnaCal(1)");
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("own settings are not back"));
+    EXPECT_EQ(Fill("shpInst(12)"), "#ff0000");
+    EXPECT_TRUE(IsEnabled("cmdAnaCal(1)"));
+    EXPECT_FALSE(IsEnabled("cmdAnaCal(0)"));
+    bench->SwitchFault("silent-meter", false);
+}
+
 // ---- the journal ----
 
 TEST_F(AnalogTrouble, TheJournalKeepsTheSettingsThatWereFoundAlsoBehindQuit)
@@ -345,7 +358,7 @@ TEST_F(AnalogTrouble, TheJournalHasTheRoundThatQuitBrokeOff)
     person->Types("txtRead", "10010").PressesAtOnce(Qt::Key_Return).Waits(500).Clicks("cmdQuit");
     person->Runs();
     ASSERT_EQ(Of(events, "round").size(), 1U);
-    EXPECT_EQ(TextOf(Of(events, "round")[0], "readBack"), "quit");
+    EXPECT_EQ(TextOf(Of(events, "round")[0], "readBack"), "not read");
     ASSERT_EQ(Of(events, "step ended").size(), 1U);
     EXPECT_EQ(TextOf(Of(events, "step ended")[0], "stays"), TextOf(Of(events, "round")[0], "wordAfter"));
 }
