@@ -73,14 +73,19 @@ void LeaveStopped()
     page.told = {"Stopped: no point is put out any more"};
 }
 
+void Leave(Ended ended)
+{
+    if (ended == Ended::Fault)
+        page.told = {FaultWords(), true};
+    ShowPlace();
+}
+
 void LeaveWork(Ended ended)
 {
     TellRound();
     if (ended == Ended::Stopped)
         LeaveStopped();
-    if (ended == Ended::Fault)
-        page.told = {FaultWords(), true};
-    ShowPlace();
+    Leave(ended);
 }
 
 // What a click starts between the way in and Done.
@@ -258,7 +263,7 @@ void AcceptWords()
 
 void cmdAccept_Click()
 {
-    RunPageProcedure(AcceptWords, [](Ended) { ShowPlace(); });
+    RunPageProcedure(AcceptWords, Leave);
 }
 
 // Behind Done no step follows: the next one would calibrate all over again.
