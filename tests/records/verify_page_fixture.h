@@ -11,12 +11,19 @@
 
 #include <QDir>
 
+#include <cerrno>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 namespace ombrix::test {
 
 inline constexpr char kTempFile[] = "Vfy$Temp.txt";
+inline constexpr const char *kRed = "#ff0000";
+inline constexpr const char *kPromptReady =
+    "Set jumpers and apply input as shown and click \"Ready\" to start range, or select "
+    "a different range";
+inline constexpr const char *kPromptOk = "Click \"OK\" when DPM reading has settled";
 
 inline std::string VerifyStep()
 {
@@ -94,6 +101,36 @@ protected:
     }
 
     static void WritesFile(const std::string &name, const std::string &bytes) { ASSERT_EQ(WriteFile(name, bytes), ""); }
+};
+
+class VerifyPage : public WiredVerify
+{
+protected:
+    void SetUp() override { Opens(kDc); }
+
+    // A full DC file but for these records.
+    static std::string FileWithout(const std::vector<int> &records)
+    {
+        std::string file = EmptyVerifyFile();
+        for (int record = 1; record <= 27; ++record)
+            file.replace(VerifyPlaceOf(record), 6, VerifyRecordText(std::to_string(1000 + record)));
+        for (const int record : records)
+            file.replace(VerifyPlaceOf(record), 6, "      ");
+        return file;
+    }
+
+    static void OneCallFails(int failing)
+    {
+        UseFileFaults([failing, calls = 0](FileCall) mutable { return FileFault{calls++ == failing ? EIO : 0, 0}; });
+    }
+
+    // Root may do all.
+    static void BecomeUser()
+    {
+        if (getuid() == 0) {
+            ASSERT_EQ(seteuid(65534), 0);
+        }
+    }
 };
 
 }  // namespace ombrix::test
