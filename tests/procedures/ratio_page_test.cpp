@@ -409,6 +409,8 @@ TEST_F(WiredRatio, EscEndsATrialOnASilentMeterAndNothingIsWrittenAfterIt)
         .Waits(20000)
         .Does([this] {
             EXPECT_FALSE(IsEnabled("cmdOffset"));
+            EXPECT_THAT(Text("lblInst(6)"), HasSubstr("The meter does not answer"));
+            EXPECT_EQ(Fill("shpInst(6)"), kRed);
             Forget();
         })
         .Presses(Qt::Key_Escape)
