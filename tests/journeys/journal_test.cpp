@@ -132,6 +132,39 @@ TEST(JournalOfASession, TellsAStepThatQuitEnded)
     EXPECT_EQ(std::stoi(TextOf(ends[0], "stays"), nullptr, 16), station.bench.Nvm()[32]);
 }
 
+struct QuitRow {
+    int board;
+    int position;
+    const char *start;   // button
+    const char *detail;  // kind of the event that comes before the step's end
+    const char *stays;   // the word, where the page writes one
+};
+
+TEST(JournalOfASession, TellsOfEachPageThatQuitEnded)
+{
+    const QuitRow rows[] = {{kDc, 1, "cmdFCReady", "first cycle", "0000"},
+                            {kAc3, 1, "cmdZeroAdj", "zero adjust", ""},
+                            {kAc3, 2, "cmdTrimStart", "trim", ""},
+                            {kDc, 12, "cmdOffset", "ratio trial", nullptr}};
+    for (const QuitRow &row : rows) {
+        SCOPED_TRACE(row.detail);
+        Wiring wiring;
+        wiring.bench.board = row.board;
+        BenchStation station(wiring);
+        ASSERT_TRUE(station.Establishes());
+        station.person.Clicks(StepButton(row.position)).WaitsFor(row.start).Clicks(row.start).Waits(6000);
+        station.person.Clicks("cmdQuit");
+        station.person.Runs();
+        const auto ends = EventsOf("step ended");
+        ASSERT_EQ(ends.size(), 1U) << station.person.Trouble();
+        EXPECT_EQ(TextOf(ends[0], "how"), "quit");
+        EXPECT_EQ(EventsOf(row.detail).size(), 1U);
+        if (row.stays != nullptr) {
+            EXPECT_EQ(TextOf(ends[0], "stays"), row.stays);
+        }
+    }
+}
+
 TEST(JournalOfASession, KeepsTheRoundThatAStopBrokeOffBehindItsWriteAndCallsNoLaterOneAsFound)
 {
     BenchStation station(Wiring{});
