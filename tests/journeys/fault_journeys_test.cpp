@@ -73,9 +73,9 @@ PageScript RangeScript(int position)
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kGnd), Stride(17))),
+INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kGnd), Stride(31))),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kRef), Stride(37))),
+INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kRef), Stride(71))),
                          NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(InARound, QuitLoop,
@@ -129,7 +129,7 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(FaultCases(PageScript(), Stride(7))),
+INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(FaultCases(PageScript(), Stride(13))),
                          NameOfFaultCase);
 
 TEST(DeadCalibrator, IsGivenUpAtOnceByEscWhileTheInputIsRemoved)

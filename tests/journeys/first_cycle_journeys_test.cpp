@@ -83,14 +83,9 @@ PageScript FirstCycleScript()
 // Those that reach a meter while it streams; each of them is taken by the long walk.
 std::vector<FaultCase> FaultsOfAStream()
 {
-    std::vector<FaultCase> cases = FaultCases(FirstCycleScript(), Stride(13));
-    if (Stride(13) > 1)
-        std::erase_if(cases, [](const FaultCase &each) {
-            return !each.lasting || (each.fault != "silent-meter" && each.fault != "meter-port-gone" &&
-                                     each.fault != "calibrator-port-gone" && each.fault != "never-operating" &&
-                                     each.fault != "meter-restarts" && each.fault != "junk");
-        });
-    return cases;
+    return LastingFaultCases(
+        FirstCycleScript(), 17,
+        {"silent-meter", "meter-port-gone", "calibrator-port-gone", "never-operating", "meter-restarts", "junk"});
 }
 
 }  // namespace

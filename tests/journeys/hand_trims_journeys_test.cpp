@@ -229,14 +229,9 @@ PageScript ScriptOf(const Trim &trim)
 // Those that reach a reading that goes on; each of them is taken by the long walk.
 std::vector<FaultCase> FaultsOf(const Trim &trim, int every)
 {
-    std::vector<FaultCase> cases = FaultCases(ScriptOf(trim), Stride(every));
-    if (Stride(every) > 1)
-        std::erase_if(cases, [](const FaultCase &each) {
-            return !each.lasting || (each.fault != "silent-meter" && each.fault != "silent-calibrator" &&
-                                     each.fault != "meter-port-gone" && each.fault != "calibrator-port-gone" &&
-                                     each.fault != "never-operating" && each.fault != "over-range");
-        });
-    return cases;
+    return LastingFaultCases(ScriptOf(trim), every,
+                             {"silent-meter", "silent-calibrator", "meter-port-gone", "calibrator-port-gone",
+                              "never-operating", "over-range"});
 }
 
 }  // namespace

@@ -146,7 +146,7 @@ PageScript InitScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(), Stride(4))), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(), Stride(7))), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InInit, QuitLoop,
                          testing::ValuesIn(QuitCases(InitScript(), {0, 100, 300, 1500, 2300, 3000, 4500})),
                          NameOfQuitCase);
@@ -267,7 +267,7 @@ TEST(Configuration, OfACustomerGoesIntoACalibratedMeterWhichThenReadsWhatItsTest
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(FaultCases(SendFileScript(), Stride(9))),
+INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(LastingFaultCases(SendFileScript(), 9)),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InSendFile, QuitLoop,
                          testing::ValuesIn(QuitCases(SendFileScript(), {0, 100, 1000, 2000, 4000, 9000})),

@@ -282,9 +282,11 @@ TEST(ConfigurationOfACounter, ThatTheMeterDoesNotTakeIsShownInRedWhereItDiffers)
     EXPECT_EQ(StateOfFile(kFile), FileState::Readable);
 }
 
-INSTANTIATE_TEST_SUITE_P(OnTheMeterType, FaultLoop, testing::ValuesIn(LastingFaults(TypeScript(), 2)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnNominalize, FaultLoop, testing::ValuesIn(LastingFaults(GainsScript(), 2)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, FaultLoop, testing::ValuesIn(LastingFaults(ConfigurationScript(), 3)),
+INSTANTIATE_TEST_SUITE_P(OnTheMeterType, FaultLoop, testing::ValuesIn(LastingFaultCases(TypeScript(), 2)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnNominalize, FaultLoop, testing::ValuesIn(LastingFaultCases(GainsScript(), 2)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, FaultLoop, testing::ValuesIn(LastingFaultCases(ConfigurationScript(), 3)),
                          NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(OnTheMeterType, QuitLoop, testing::ValuesIn(QuitCases(TypeScript(), {0, 500, 2000, 2600})),

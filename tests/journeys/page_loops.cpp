@@ -6,6 +6,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstdlib>
 #include <memory>
 #include <ostream>
@@ -52,6 +53,17 @@ std::vector<FaultCase> FaultCases(const PageScript &script, int every)
         for (const bool lasting : {false, true})
             cases.push_back({fault, lasting, every, script});
     }
+    return cases;
+}
+
+std::vector<FaultCase> LastingFaultCases(const PageScript &script, int shortWalk, const std::vector<std::string> &names)
+{
+    std::vector<FaultCase> cases = FaultCases(script, Stride(shortWalk));
+    if (Stride(shortWalk) > 1)
+        std::erase_if(cases, [&names](const FaultCase &each) {
+            return !each.lasting ||
+                   (!names.empty() && std::find(names.begin(), names.end(), each.fault) == names.end());
+        });
     return cases;
 }
 

@@ -44,6 +44,10 @@ struct FaultCase {
 
 /// Each fault that the bench knows, once and lasting.
 std::vector<FaultCase> FaultCases(const PageScript &script, int every);
+/// The same with Stride(shortWalk); the short walk takes only the lasting ones, and of them those with these names when
+/// there are any: those that reach what is special about the page.
+std::vector<FaultCase> LastingFaultCases(const PageScript &script, int shortWalk,
+                                         const std::vector<std::string> &names = {});
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
 

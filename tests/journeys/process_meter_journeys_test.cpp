@@ -230,9 +230,10 @@ PageScript CurrentScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaults(DiodeScript(), 31)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaults(VfScript(), 83)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(LastingFaults(CurrentScript(), 15)),
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaultCases(DiodeScript(), 31)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaultCases(VfScript(), 83)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(LastingFaultCases(CurrentScript(), 15)),
                          NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(OnTheDiode, QuitLoop,

@@ -89,12 +89,4 @@ void TakesTheTempBoard(BenchStation &station)
     station.person.WaitsUntil("it is a Temp board", [] { return SCType == kTemp && NavigationIsFree(); });
 }
 
-std::vector<FaultCase> LastingFaults(const PageScript &script, int every)
-{
-    std::vector<FaultCase> cases = FaultCases(script, Stride(every));
-    if (Stride(every) != 1)
-        std::erase_if(cases, [](const FaultCase &each) { return !each.lasting; });
-    return cases;
-}
-
 }  // namespace ombrix::test

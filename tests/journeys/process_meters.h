@@ -30,7 +30,4 @@ void ClicksUntil(BenchStation &station, const char *button, const char *number, 
 /// Establish leaves a Temp meter's word 16 as a DC meter's, so the next one may find that; the chooser is the way back.
 void TakesTheTempBoard(BenchStation &station);
 
-/// Every fault that lasts, in the short walk; those that come once too when each exchange is taken.
-std::vector<FaultCase> LastingFaults(const PageScript &script, int every);
-
 }  // namespace ombrix::test

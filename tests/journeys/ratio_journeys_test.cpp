@@ -118,14 +118,9 @@ PageScript RatioScript()
 // Those that reach a trial; each of them is taken by the long walk.
 std::vector<FaultCase> FaultsOfATrial()
 {
-    std::vector<FaultCase> cases = FaultCases(RatioScript(), Stride(17));
-    if (Stride(17) > 1)
-        std::erase_if(cases, [](const FaultCase &each) {
-            return !each.lasting || (each.fault != "silent-meter" && each.fault != "silent-calibrator" &&
-                                     each.fault != "meter-port-gone" && each.fault != "calibrator-port-gone" &&
-                                     each.fault != "never-operating" && each.fault != "wrong-length");
-        });
-    return cases;
+    return LastingFaultCases(RatioScript(), 17,
+                             {"silent-meter", "silent-calibrator", "meter-port-gone", "calibrator-port-gone",
+                              "never-operating", "wrong-length"});
 }
 
 }  // namespace

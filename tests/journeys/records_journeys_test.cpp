@@ -229,7 +229,7 @@ static std::vector<FaultCase> FaultsOfWords(int every)
     return cases;
 }
 
-INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(FaultCases(VerifyScript(), Stride(97))),
+INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(LastingFaultCases(VerifyScript(), 97)),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultsOfWords(Stride(5))), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnVerify, QuitLoop,
