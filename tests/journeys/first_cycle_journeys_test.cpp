@@ -22,14 +22,6 @@ namespace {
 
 constexpr int kPatience = 120;  // seconds
 
-std::string FirstCycleButton()
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != Step::FirstCycle)
-        ++position;
-    return StepButton(position);
-}
-
 bool HasEnded()
 {
     return ScriptedOperator::IsEnabled("cmdFCReady");
@@ -65,14 +57,14 @@ PageScript FirstCycleScript()
 {
     PageScript script;
     script.works = [](BenchStation &station, const std::string &) {
-        Leaves(station, FirstCycleButton(), 20);
+        Leaves(station, ButtonOf(Step::FirstCycle), 20);
         station.person.Does([&station] { Collects(station); });
     };
     script.begins = [](BenchStation &station) {
-        station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+        station.person.Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
     };
     script.proves = [](BenchStation &station) {
-        station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+        station.person.Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
         station.person.WaitsUntil("it has ended", HasEnded);
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
         EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0);
@@ -100,7 +92,7 @@ TEST_P(FirstCycleJourney, FindsTheWordThatTheUnitHides)
     BenchStation station(wiring);
     ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
     ASSERT_NE(station.bench.RemainingError("First Cycle"), 0) << "as it came";
-    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    station.person.Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
     station.person.WaitsUntil("it has ended", HasEnded);
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0) << ScriptedOperator::Text("lblInst(2)");
@@ -117,7 +109,7 @@ TEST(FirstCycleByHand, CancelWhileTheMeterIsPreparedAsksForNoSignal)
     ASSERT_TRUE(station.Establishes());
     std::vector<std::string> asked;
     station.person.onBox = [&asked](const std::string &title, const std::string &) { asked.push_back(title); };
-    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    station.person.Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
     station.person.WaitsUntil("word 51 is written",
                               [&station] { return !TimesOf(station.bench, "*1W1330000Z").empty(); });
     station.person.Clicks("cmdFCCancel").WaitsUntil("it has ended", HasEnded);
@@ -139,7 +131,7 @@ TEST(FirstCycleByHand, AStreamAtFullSpeedThatRanForMinutesIsNotTakenForTheNextPo
     station.bench.SpoilStream("full-speed");
     const auto obeys = station.person.onBox;
     station.person.onBox = nullptr;
-    station.person.Clicks(FirstCycleButton()).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
+    station.person.Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Clicks("cmdFCReady");
     for (const char *value : {"200 mV, 300 Hz", "100 mV, 300 Hz", "1 mV, 300 Hz"}) {
         station.person.WaitsUntil(value,
                                   [value] { return ScriptedOperator::BoxText().find(value) != std::string::npos; });

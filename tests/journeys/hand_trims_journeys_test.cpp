@@ -46,14 +46,6 @@ const Trim kResistors = {kAc2, Step::TrimR13R14, "R13/R14 Trim", kThreshold, kTh
 const Trim kNegativeGain = {kAc3, Step::MinusGainTrim, "- Gain Trim", 20, 3};
 const Trim kR38 = {kAc3, Step::TrimR38, "R38 Trim", 20, 3};
 
-std::string ButtonOf(int step)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != step)
-        ++position;
-    return StepButton(position);
-}
-
 std::string Text(const char *label)
 {
     return ScriptedOperator::Text(label);

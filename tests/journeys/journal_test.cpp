@@ -3,11 +3,11 @@
 #include "session/journal.h"
 
 #include "platform/text.h"
-#include "session/journal_reader.h"
 #include "session/outlets.h"
 #include "session/state.h"
 #include "shell/station.h"
 #include "support/bench_station.h"
+#include "support/journal_events.h"
 #include "testbench/boards.h"
 
 #include <gmock/gmock.h>
@@ -27,15 +27,6 @@ using testing::IsEmpty;
 using testing::StartsWith;
 
 constexpr int k2Volts = 4;  // position on the DC board
-
-std::vector<JournalEvent> EventsOf(const std::string &kind)
-{
-    std::vector<JournalEvent> found;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == kind)
-            found.push_back(event);
-    return found;
-}
 
 bool Flag(const JournalEvent &event, const std::string &name)
 {

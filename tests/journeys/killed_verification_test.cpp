@@ -28,14 +28,6 @@ namespace {
 constexpr std::size_t kRecord = 6;
 const std::string kEmpty(162, ' ');
 
-std::string ButtonOf(int step)
-{
-    for (int position = 0; position < kPositions; ++position)
-        if (StepIdAtPosition(position) == step)
-            return StepButton(position);
-    return "";
-}
-
 std::string LabelOf(int slot)
 {
     return "lblVfyRdg(" + std::to_string(slot) + ")";

@@ -78,14 +78,6 @@ std::string Path(const std::string &file)
     return QDir::current().filePath(QString::fromStdString(file)).toStdString();
 }
 
-std::string ButtonOf(int step)
-{
-    for (int position = 0; position < kPositions; ++position)
-        if (StepIdAtPosition(position) == step)
-            return StepButton(position);
-    return "";
-}
-
 class MeterLife : public testing::TestWithParam<Life>
 {
 protected:

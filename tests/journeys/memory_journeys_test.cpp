@@ -38,23 +38,6 @@ constexpr int kRestart = 3000;  // milliseconds: who has just restarted by himse
 constexpr int kRemoval = 60;
 constexpr int kSending = 120;
 
-int PositionOf(int stepId)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != stepId)
-        ++position;
-    return position;
-}
-
-std::string WordsOf(const BenchStation &station, int top, int count)
-{
-    const auto words = station.bench.Nvm();
-    std::string text;
-    for (int word = top; word > top - count; --word)
-        text += HexText(words[static_cast<std::size_t>(word)], 4);
-    return text;
-}
-
 std::string ImageIn(const BenchStation &station, int board)
 {
     return board == kVf ? WordsOf(station, 49, 6) + WordsOf(station, 40, 23) + WordsOf(station, 17, 18)
@@ -178,7 +161,7 @@ std::string CustomersFile()
 
 void SendsTheFile(BenchStation &station)
 {
-    station.person.Clicks(StepButton(PositionOf(Step::SendFile))).WaitsFor("cmdSendFile").Clicks("cmdSendFile");
+    station.person.Clicks(ButtonOf(Step::SendFile)).WaitsFor("cmdSendFile").Clicks("cmdSendFile");
     station.person.WaitsFor("cmdSFSkipOK");
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
 }
@@ -209,7 +192,7 @@ PageScript SendFileScript()
         if (!std::filesystem::exists("zsc1.dpm"))
             PutSamples();
         auto start = std::make_shared<std::int64_t>();
-        Leaves(station, StepButton(PositionOf(Step::SendFile)), kStepEntry);
+        Leaves(station, ButtonOf(Step::SendFile), kStepEntry);
         station.person.Does([&station, start] { *start = station.clock.Elapsed(); })
             .Clicks("cmdSendFile")
             .WaitsUntil("the test is offered or the line is gone",
@@ -221,7 +204,7 @@ PageScript SendFileScript()
     };
     script.begins = [](BenchStation &station) {
         PutSamples();
-        station.person.Clicks(StepButton(PositionOf(Step::SendFile))).WaitsFor("cmdSendFile").Clicks("cmdSendFile");
+        station.person.Clicks(ButtonOf(Step::SendFile)).WaitsFor("cmdSendFile").Clicks("cmdSendFile");
         station.person.WaitsFor("cmdSFSkipOK").Clicks("cmdSendFile");
     };
     script.proves = [](BenchStation &station) {

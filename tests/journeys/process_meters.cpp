@@ -36,23 +36,6 @@ Wiring WiringOf(int board, Route route, unsigned seed)
     return wiring;
 }
 
-std::string ButtonOf(int step)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != step)
-        ++position;
-    return StepButton(position);
-}
-
-std::string WordsOf(const BenchStation &station, int top, int count)
-{
-    const auto words = station.bench.Nvm();
-    std::string text;
-    for (int word = top; word > top - count; --word)
-        text += HexText(words[static_cast<std::size_t>(word)], 4);
-    return text;
-}
-
 void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
                  const std::function<void()> &then)
 {

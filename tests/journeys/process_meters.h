@@ -14,11 +14,6 @@ enum class Route { Direct, Uut, Manual };
 const char *NameOf(Route route);
 Wiring WiringOf(int board, Route route, unsigned seed);
 
-/// The button of the board's first step of that id.
-std::string ButtonOf(int step);
-/// Words of the meter's memory from `top` downward.
-std::string WordsOf(const BenchStation &station, int top, int count);
-
 /// Both words of a thermocouple type ("0" J, "1" T), from "Ready" to "Accept".
 void TrimsTheDiode(BenchStation &station, const std::string &type);
 /// From "Calibrate" to "Done".

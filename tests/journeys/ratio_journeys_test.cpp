@@ -28,14 +28,6 @@ constexpr int kTrials = 3;
 
 enum class Route { Direct, Uut, Manual };
 
-std::string RatioButton()
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != Step::Ratio)
-        ++position;
-    return StepButton(position);
-}
-
 // Also where the meter is lost: then its page offers the way out alone.
 bool IsAtRest()
 {
@@ -50,7 +42,7 @@ void Tries(BenchStation &station, const std::string &button)
 
 void CalibratesRatio(BenchStation &station)
 {
-    station.person.Clicks(RatioButton()).WaitsUntil("the page stands", IsAtRest);
+    station.person.Clicks(ButtonOf(Step::Ratio)).WaitsUntil("the page stands", IsAtRest);
     Tries(station, "cmdOffset");
     Tries(station, "cmdGain");
     station.person.Clicks("cmdRatioDone").WaitsUntil("the page is left", NavigationIsFree);
@@ -100,7 +92,7 @@ PageScript RatioScript()
     PageScript script;
     script.works = [](BenchStation &station, const std::string &fault) {
         const int seconds = fault == "over-range" ? kGlance : kPatience;
-        station.person.Clicks(RatioButton()).WaitsFor("cmdRatioDone").Does([&station, seconds] {
+        station.person.Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdRatioDone").Does([&station, seconds] {
             TriesPatiently(station, "cmdOffset", seconds, [&station, seconds] {
                 TriesPatiently(station, "cmdGain", seconds, [&station] {
                     station.person.Waits(kLook).Does([&station] { Leaves(station, "cmdRatioDone", 80); });
@@ -109,7 +101,7 @@ PageScript RatioScript()
         });
     };
     script.begins = [](BenchStation &station) {
-        station.person.Clicks(RatioButton()).WaitsFor("cmdOffset").Clicks("cmdOffset");
+        station.person.Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdOffset").Clicks("cmdOffset");
     };
     script.proves = CalibratesRatio;
     return script;

@@ -31,14 +31,6 @@ constexpr int kRemoval = 60;
 constexpr int kRestart = 3000;  // milliseconds, more than any restart
 constexpr int kPatience = 60;   // what the operator waits for a reading before he presses Esc
 
-std::string ButtonOf(int step)
-{
-    for (int position = 0; position < kPositions; ++position)
-        if (StepIdAtPosition(position) == step)
-            return StepButton(position);
-    return "";
-}
-
 std::string Path(const std::string &file)
 {
     return QDir::current().filePath(QString::fromStdString(file)).toStdString();

@@ -1,7 +1,7 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 namespace ombrix::test {
@@ -15,19 +15,6 @@ using testing::Not;
 
 constexpr const char *kGreen = "#00ff00";
 constexpr const char *kRed = "#ff0000";
-
-int PositionOf(int step)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != step)
-        ++position;
-    return position;
-}
-
-std::string Button()
-{
-    return StepButton(PositionOf(Step::FirstCycle));
-}
 
 std::vector<std::string> Heads(const std::string &grid)
 {
@@ -59,15 +46,6 @@ bool HasEnded()
     return ScriptedOperator::IsEnabled("cmdFCReady");
 }
 
-std::vector<JournalEvent> EventsOf(const std::string &kind)
-{
-    std::vector<JournalEvent> found;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == kind)
-            found.push_back(event);
-    return found;
-}
-
 // ---- in simulation ----
 
 using SimulatedFirstCycle = SimulatedPage;
@@ -75,7 +53,7 @@ using SimulatedFirstCycle = SimulatedPage;
 TEST_F(SimulatedFirstCycle, WaitsForReadyWithItsPointsAndBlankCells)
 {
     Establishes();
-    person->Clicks(Button()).WaitsFor("cmdFCReady");
+    person->Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_TRUE(Sees("fraCalib(3)"));
     EXPECT_EQ(Text("lblAA(2)"), "FIRST CYCLE CORRECTION");
@@ -96,7 +74,10 @@ TEST_F(SimulatedFirstCycle, WaitsForReadyWithItsPointsAndBlankCells)
 TEST_F(SimulatedFirstCycle, FindsMTwoAndBFiveFromCountsThatAreAllTheSame)
 {
     Establishes();
-    person->Clicks(Button()).WaitsFor("cmdFCReady").Clicks("cmdFCReady").WaitsUntil("it has ended", HasEnded);
+    person->Clicks(ButtonOf(Step::FirstCycle))
+        .WaitsFor("cmdFCReady")
+        .Clicks("cmdFCReady")
+        .WaitsUntil("it has ended", HasEnded);
     ASSERT_TRUE(person->Runs());
     for (int point = 0; point < 5; ++point)
         EXPECT_THAT(Row("msgFCAvg", point),
@@ -118,7 +99,10 @@ TEST_F(SimulatedFirstCycle, RepeatBlanksTheGridsBeforeItBegins)
 {
     Establishes();
     bool blank = false;
-    person->Clicks(Button()).WaitsFor("cmdFCReady").Clicks("cmdFCReady").WaitsUntil("it has ended", HasEnded);
+    person->Clicks(ButtonOf(Step::FirstCycle))
+        .WaitsFor("cmdFCReady")
+        .Clicks("cmdFCReady")
+        .WaitsUntil("it has ended", HasEnded);
     person->Clicks("cmdFCReady")
         .WaitsUntil("it runs", [] { return !HasEnded(); })
         .Does([&] { blank = Text("lblM") == "M" && IsBlank("msgFC"); })
@@ -131,7 +115,7 @@ TEST_F(SimulatedFirstCycle, RepeatBlanksTheGridsBeforeItBegins)
 TEST_F(SimulatedFirstCycle, DoneOpensTheNextStep)
 {
     Establishes();
-    person->Clicks(Button()).WaitsFor("cmdDone(1)").Clicks("cmdDone(1)").WaitsFor("cmdReady");
+    person->Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdDone(1)").Clicks("cmdDone(1)").WaitsFor("cmdReady");
     ASSERT_TRUE(person->Runs());
     EXPECT_EQ(CurrentStepId, Step::Gnd);
 }
@@ -139,7 +123,7 @@ TEST_F(SimulatedFirstCycle, DoneOpensTheNextStep)
 TEST_F(SimulatedFirstCycle, OnTheAcTabTakesThreePointsAndHasNothingToGoOnTo)
 {
     Establishes(0x02, 0x80);
-    person->Clicks(Button()).WaitsFor("cmdFCReady").Does([] {
+    person->Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Does([] {
         EXPECT_THAT(Heads("msgFCAvg"), ElementsAre("200 mV", "100 mV", "1 mV"));
         EXPECT_FALSE(Sees("cmdDone(1)"));
     });
@@ -169,7 +153,7 @@ protected:
 
     ScriptedOperator &Opens()
     {
-        return person->Clicks(Button()).WaitsFor("cmdFCReady").Does([this] { Forget(); });
+        return person->Clicks(ButtonOf(Step::FirstCycle)).WaitsFor("cmdFCReady").Does([this] { Forget(); });
     }
     ScriptedOperator &Collects() { return Opens().Clicks("cmdFCReady").WaitsUntil("it has ended", HasEnded); }
 

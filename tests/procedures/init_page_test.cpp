@@ -1,11 +1,11 @@
 #include "platform/fault.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "shell/main_window.h"
 #include "support/factory_images.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 #include <QCoreApplication>
@@ -32,15 +32,6 @@ std::string SimulatedWords(int top, int count)
     for (int word = top; word > top - count; --word)
         text += HexText(SimNvm[static_cast<std::size_t>(word)], 4);
     return text;
-}
-
-std::vector<JournalEvent> EventsOf(const std::string &kind)
-{
-    std::vector<JournalEvent> found;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == kind)
-            found.push_back(event);
-    return found;
 }
 
 std::vector<std::string> ListOf(const JournalEvent &event, const std::string &name)

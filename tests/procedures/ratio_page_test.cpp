@@ -17,14 +17,6 @@ using testing::Not;
 
 constexpr const char *kRed = "#ff0000";
 
-std::string Button()
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != Step::Ratio)
-        ++position;
-    return StepButton(position);
-}
-
 std::string Cell(const std::string &grid, int row, int column)
 {
     return ScriptedOperator::Cell(grid, row, column);
@@ -45,7 +37,7 @@ std::function<bool()> HasTried(const std::string &grid, int rows)
 class SimulatedRatio : public SimulatedPage
 {
 protected:
-    ScriptedOperator &Opens() { return person->Clicks(Button()).WaitsFor("cmdOffset"); }
+    ScriptedOperator &Opens() { return person->Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdOffset"); }
 };
 
 TEST_F(SimulatedRatio, BeginsWithItsOffsetAndHoldsTheNavigation)
@@ -126,7 +118,7 @@ protected:
         Establishes();
     }
 
-    ScriptedOperator &Opens() { return person->Clicks(Button()).WaitsFor("cmdOffset"); }
+    ScriptedOperator &Opens() { return person->Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdOffset"); }
     ScriptedOperator &Offsets(int rows)
     {
         return person->Clicks("cmdOffset").WaitsUntil("tried", HasTried("msgOffset", rows));
@@ -160,7 +152,7 @@ protected:
 TEST_F(WiredRatio, EntryReadsTheWordsAndSwitchesRatioModeOn)
 {
     bench->SetWord(47, 0x0000);
-    person->Clicks(Button()).WaitsFor("cmdOffset");
+    person->Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdOffset");
     ASSERT_TRUE(person->Runs());
     EXPECT_THAT(Said(), ElementsAre("*1X110Z", "*1X432", "*1W12F009CZ", "*1W305000000100001"));
 }
@@ -168,7 +160,7 @@ TEST_F(WiredRatio, EntryReadsTheWordsAndSwitchesRatioModeOn)
 TEST_F(WiredRatio, EntryLeavesAModeThatIsOnAlone)
 {
     bench->SetWord(47, 0x009C);
-    person->Clicks(Button()).WaitsFor("cmdOffset");
+    person->Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdOffset");
     ASSERT_TRUE(person->Runs());
     EXPECT_THAT(Said(), ElementsAre("*1X110Z", "*1X432", "*1W305000000100001"));
 }
@@ -176,7 +168,9 @@ TEST_F(WiredRatio, EntryLeavesAModeThatIsOnAlone)
 TEST_F(WiredRatio, AMeterThatDoesNotTellItsWordsIsNotWrittenTo)
 {
     bench->AnswerNext(bench::Line::Meter, "", "X432");
-    person->Clicks(Button()).WaitsUntil("it says so", [] { return Fill("shpInst(6)") == kRed; }).WaitsFor("cmdSetup");
+    person->Clicks(ButtonOf(Step::Ratio))
+        .WaitsUntil("it says so", [] { return Fill("shpInst(6)") == kRed; })
+        .WaitsFor("cmdSetup");
     ASSERT_TRUE(person->Runs());
     EXPECT_THAT(ToMeter(), ElementsAre("*1X110Z", "*1X432"));
     EXPECT_FALSE(IsEnabled("cmdOffset"));

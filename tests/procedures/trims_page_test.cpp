@@ -17,14 +17,6 @@ using testing::HasSubstr;
 
 constexpr const char *kRed = "#ff0000";
 
-std::string ButtonOf(int step)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != step)
-        ++position;
-    return StepButton(position);
-}
-
 double Number(const std::string &label)
 {
     return Val(ScriptedOperator::Text(label));

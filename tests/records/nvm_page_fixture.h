@@ -4,8 +4,8 @@
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
 #include "session/page_frame.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 #include <QLineEdit>
@@ -35,14 +35,6 @@ inline std::string ToolTipOf(const std::string &name)
 class WiredNvm : public WiredPage
 {
 protected:
-    static int PositionOf(int step)
-    {
-        for (int position = 0; position < kPositions; ++position)
-            if (StepIdAtPosition(position) == step)
-                return position;
-        return -1;
-    }
-
     /// A meter of a board, established, its words on the page.
     void Opens(int board)
     {
@@ -56,7 +48,7 @@ protected:
 
     void OpensThePage()
     {
-        person->Clicks(StepButton(PositionOf(Step::ViewNvm))).WaitsUntil("the meter was read", [] {
+        person->Clicks(ButtonOf(Step::ViewNvm)).WaitsUntil("the meter was read", [] {
             return ScriptedOperator::IsEnabled("cmdSetup");
         });
         ASSERT_TRUE(person->Runs()) << person->Trouble();
@@ -81,15 +73,6 @@ protected:
             if (frame.size() > 2 && frame[2] == 'W')
                 writes.push_back(frame);
         return writes;
-    }
-
-    static std::vector<JournalEvent> EventsOf(const std::string &kind)
-    {
-        std::vector<JournalEvent> found;
-        for (const JournalEvent &event : ReadJournal("."))
-            if (event.kind == kind)
-                found.push_back(event);
-        return found;
     }
 };
 

@@ -50,7 +50,7 @@ TEST_F(NvmPage, ReadsTwentyAndNineteenWordsWithOneRestart)
 {
     OpensThePage();
     Forget();
-    person->Clicks(StepButton(PositionOf(Step::ViewNvm))).WaitsFor("cmdSetup");
+    person->Clicks(ButtonOf(Step::ViewNvm)).WaitsFor("cmdSetup");
     Runs();
     EXPECT_THAT(ToMeter(), ElementsAre("*1XK3FZ", "*1XJ2B")) << bench->LastWords();
 }

@@ -4,11 +4,11 @@
 #include "model/step_ids.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
 #include "session/live_output.h"
 #include "session/outlets.h"
 #include "session/procedure.h"
 #include "shell/main_window.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 #include "support/samples.h"
 
@@ -34,23 +34,6 @@ constexpr const char *kOffered =
     "Set jumpers and apply input as shown, then\nclick \"Test\", or click \"Skip\" to omit this test";
 constexpr const char *kComplete = "Send File operation complete";
 
-std::string SendFileButton()
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != Step::SendFile)
-        ++position;
-    return StepButton(position);
-}
-
-std::vector<JournalEvent> EventsOf(const std::string &kind)
-{
-    std::vector<JournalEvent> found;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == kind)
-            found.push_back(event);
-    return found;
-}
-
 // A sample with other digits from a place on.
 std::string With(const std::string &sample, std::size_t place, const std::string &digits)
 {
@@ -73,7 +56,9 @@ protected:
 
     ScriptedOperator &Opens()
     {
-        return person->Clicks(SendFileButton()).WaitsUntil("the page is open", [] { return Sees("lblSFStatus(0)"); });
+        return person->Clicks(ButtonOf(Step::SendFile)).WaitsUntil("the page is open", [] {
+            return Sees("lblSFStatus(0)");
+        });
     }
     /// Opens the page on the DC board and writes a file there.
     ScriptedOperator &Sends(const std::string &text)
@@ -112,7 +97,7 @@ protected:
         PutSamples();
         ASSERT_NO_FATAL_FAILURE(Establishes());
         ASSERT_EQ(SCType, setup.board);
-        person->Clicks(SendFileButton()).WaitsFor("cmdSendFile");
+        person->Clicks(ButtonOf(Step::SendFile)).WaitsFor("cmdSendFile");
         ASSERT_TRUE(person->Runs()) << person->Trouble();
         Forget();
     }
@@ -460,7 +445,7 @@ TEST_F(WiredFile, OfAnExtendedMeterGoesOnWithItsByteAndItsWord)
 {
     ASSERT_NO_FATAL_FAILURE(Opens());
     Puts("zsc1.dpm", With("zsc1.dpm", 13, "Z1100000"));
-    person->Clicks(SendFileButton()).WaitsFor("cmdSendFile").Clicks("cmdSendFile").AnswersBox("OK");
+    person->Clicks(ButtonOf(Step::SendFile)).WaitsFor("cmdSendFile").Clicks("cmdSendFile").AnswersBox("OK");
     person->WaitsFor("cmdSFSkipOK");
     ASSERT_TRUE(person->Runs()) << person->Trouble();
     const auto frames = ToMeter();

@@ -6,7 +6,7 @@
 #include "model/verify_file.h"
 #include "platform/file_faults.h"
 #include "platform/safe_file.h"
-#include "session/journal_reader.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 #include <QDir>
@@ -25,13 +25,6 @@ inline constexpr const char *kPromptReady =
     "a different range";
 inline constexpr const char *kPromptOk = "Click \"OK\" when DPM reading has settled";
 
-inline std::string VerifyStep()
-{
-    for (int position = 0; position < kPositions; ++position)
-        if (StepIdAtPosition(position) == Step::Verify)
-            return StepButton(position);
-    return "";
-}
 /// In the folder of the test; "" stays "".
 inline std::string Path(const std::string &file)
 {
@@ -75,7 +68,7 @@ protected:
         if (outputSwitch)
             person->Clicks("optSwYes");
         Establishes();
-        person->Clicks(VerifyStep()).WaitsFor("chkTempFile");
+        person->Clicks(ButtonOf(Step::Verify)).WaitsFor("chkTempFile");
         Runs();
     }
 
@@ -90,15 +83,6 @@ protected:
 
     /// The display from now on.
     void Shows(const std::string &text) { bench->ShowNext({text}); }
-
-    static std::vector<JournalEvent> EventsOf(const std::string &kind)
-    {
-        std::vector<JournalEvent> found;
-        for (const JournalEvent &event : ReadJournal("."))
-            if (event.kind == kind)
-                found.push_back(event);
-        return found;
-    }
 
     static void WritesFile(const std::string &name, const std::string &bytes) { ASSERT_EQ(WriteFile(name, bytes), ""); }
 };

@@ -401,7 +401,7 @@ TEST_F(SimulatedVerify, ReadsTheRangesTargetAndNothingOfTheStepBeforeShowsThroug
 {
     Establishes();
     person->Clicks(StepButton(7)).Clicks("cmdReady").WaitsFor("cmdRepeat").Clicks("cmdStopReset").WaitsFor("cmdSetup");
-    person->Clicks(VerifyStep()).Clicks("chkTempFile").WaitsFor("cmdVfyReady").Clicks(RangeButton(1));
+    person->Clicks(ButtonOf(Step::Verify)).Clicks("chkTempFile").WaitsFor("cmdVfyReady").Clicks(RangeButton(1));
     person->Clicks("cmdVfyReady").Clicks("cmdVfyOK").WaitsFor("cmdVfyOK").Clicks("cmdVfyOK").WaitsFor("cmdVfyReady");
     ASSERT_TRUE(person->Runs()) << person->Trouble();
     EXPECT_NEAR(std::stoi(RecordOf(3)), 80000, 100);

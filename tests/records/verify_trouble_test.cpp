@@ -101,13 +101,15 @@ TEST_F(VerifyPage, ADisplayOverRangeIsToldUntilItReads)
 TEST_F(VerifyPage, ASilentMeterThatCouldNotBeSetUpIsNotVerified)
 {
     bench->SwitchFault("silent-meter", true);
-    person->Clicks(VerifyStep()).WaitsUntil("it is told", [] { return Fill("shpInst(8)") == kRed; }).Does([] {
+    person->Clicks(ButtonOf(Step::Verify)).WaitsUntil("it is told", [] { return Fill("shpInst(8)") == kRed; }).Does([] {
         EXPECT_EQ(Text("lblInst(8)"), "The meter did not answer:\ncheck its line, then click the step again");
         EXPECT_FALSE(IsEnabled("cmdFileSpec"));
         EXPECT_FALSE(IsEnabled("chkTempFile"));
         EXPECT_TRUE(IsEnabled(StepButton(4)));
     });
-    person->Does([this] { bench->SwitchFault("silent-meter", false); }).Clicks(VerifyStep()).WaitsFor("cmdFileSpec");
+    person->Does([this] { bench->SwitchFault("silent-meter", false); })
+        .Clicks(ButtonOf(Step::Verify))
+        .WaitsFor("cmdFileSpec");
     Runs();
     EXPECT_NE(Fill("shpInst(8)"), kRed);
 }
@@ -192,7 +194,7 @@ TEST_F(VerifyPage, EnteredAgainItBeginsAfresh)
 {
     Chooses("unit.vfy");
     GetsReady().Types("txtDpmID", "A7").Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
-    person->Clicks(VerifyStep()).WaitsUntil("it is open", [] { return Text("lblFileSpec").empty(); });
+    person->Clicks(ButtonOf(Step::Verify)).WaitsUntil("it is open", [] { return Text("lblFileSpec").empty(); });
     person->WaitsFor("cmdFileSpec");
     Runs();
     EXPECT_EQ(Text("txtDpmID"), "");

@@ -4,6 +4,7 @@
 
 #include "platform/clock.h"
 #include "platform/safe_file.h"
+#include "platform/text.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "shell/station.h"
@@ -60,6 +61,15 @@ void LeavesRange(ScriptedOperator &person)
                 qobject_cast<QAbstractButton *>(ScriptedOperator::Find("cmdRatioDone"))->click();
         })
         .WaitsFor("cmdSetup");
+}
+
+std::string WordsOf(const BenchStation &station, int top, int count)
+{
+    const auto words = station.bench.Nvm();
+    std::string text;
+    for (int word = top; word > top - count; --word)
+        text += HexText(words[static_cast<std::size_t>(word)], 4);
+    return text;
 }
 
 BenchStation::BenchStation(const Wiring &wiring)

@@ -43,4 +43,7 @@ public:
     bool Calibrates(int position, int rounds);
 };
 
+/// Words of the meter's memory from `top` downward, as the protocol writes them.
+std::string WordsOf(const BenchStation &station, int top, int count);
+
 }  // namespace ombrix::test

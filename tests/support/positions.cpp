@@ -14,9 +14,22 @@ std::vector<int> RangePositions()
     return positions;
 }
 
+int PositionOfStep(int stepId)
+{
+    for (int position = 0; position < kPositions; ++position)
+        if (StepIdAtPosition(position) == stepId)
+            return position;
+    return -1;
+}
+
 std::string StepButton(int position)
 {
     return "cmdCalib(" + std::to_string(position) + ")";
+}
+
+std::string ButtonOf(int stepId)
+{
+    return StepButton(PositionOfStep(stepId));
 }
 
 }  // namespace ombrix::test

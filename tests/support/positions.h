@@ -9,7 +9,11 @@ namespace ombrix::test {
 /// Positions of the present board that trim a word.
 std::vector<int> RangePositions();
 
-/// Name of a step button.
+/// Where a step stands on the present board, -1 where it has none.
+int PositionOfStep(int stepId);
+
+/// Name of a step button, by its position and by its step.
 std::string StepButton(int position);
+std::string ButtonOf(int stepId);
 
 }  // namespace ombrix::test

@@ -23,14 +23,6 @@ constexpr int kSettleMs = 5000;
 constexpr int kRunsMs = 500;    // into a trial
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
 
-std::string ButtonOf(int step)
-{
-    int position = 0;
-    while (position < kPositions && StepIdAtPosition(position) != step)
-        ++position;
-    return test::StepButton(position);
-}
-
 class Walk
 {
 public:
@@ -72,7 +64,7 @@ private:
 void WalkFirstCycle(Walk &walk)
 {
     walk.Person()
-        .Clicks(ButtonOf(Step::FirstCycle))
+        .Clicks(test::ButtonOf(Step::FirstCycle))
         .WaitsFor("cmdFCReady")
         .Clicks("cmdFCReady")
         .WaitsUntil("point 3", [] { return ScriptedOperator::Text("lblFCProgress").starts_with("Point 3"); });
@@ -84,7 +76,7 @@ void WalkFirstCycle(Walk &walk)
 void WalkRatio(Walk &walk)
 {
     walk.Person()
-        .Clicks(ButtonOf(Step::Ratio))
+        .Clicks(test::ButtonOf(Step::Ratio))
         .WaitsFor("cmdOffset")
         .Clicks("cmdOffset")
         .WaitsFor("cmdOffset")
@@ -108,7 +100,7 @@ void WalkZeroAdjust(Walk &walk)
             return ScriptedOperator::Text("lblZeroAdj").starts_with(words) && ScriptedOperator::IsEnabled(button);
         });
     };
-    walk.Person().Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Clicks("cmdZeroAdj");
+    walk.Person().Clicks(test::ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Clicks("cmdZeroAdj");
     follows("Connect external", "cmdZeroAdj");
     walk.Takes("zero-adjust-r3").Clicks("cmdZeroAdj");
     follows("Remove the TP1", "cmdZeroAdj")
@@ -133,7 +125,7 @@ void WalkResistors(Walk &walk)
             .Waits(kSettleMs)
             .Clicks("cmdTrimOK");
     };
-    walk.Person().Clicks(ButtonOf(Step::TrimR13R14)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
+    walk.Person().Clicks(test::ButtonOf(Step::TrimR13R14)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart");
     settles("Wait for +200 mV");
     settles("Wait for -200 mV");
     walk.Person().WaitsFor("cmdDone(5)");

@@ -115,25 +115,20 @@ void ScriptRange(ScriptedOperator &person, int position, const std::string &prog
     person.Does([&results] { results.back().accepted = true; });
 }
 
-std::string ButtonOfStep(int step)
-{
-    for (int position = 0; position < kPositions; ++position)
-        if (StepIdAtPosition(position) == step)
-            return ButtonOf(position);
-    return "";
-}
-
 // One range verified, a word changed and given back, four words by their number.
 void ScriptRecords(ScriptedOperator &person, const Pictures &pictures)
 {
     const auto take = [&person, &pictures](const QString &name) {
         person.Waits(pictures.QuietMs()).Does([&pictures, name] { pictures.Take(name); });
     };
-    person.Clicks(ButtonOfStep(Step::Verify)).WaitsFor("chkTempFile").Types("txtDpmID", "A1234").Clicks("chkTempFile");
+    person.Clicks(test::ButtonOf(Step::Verify))
+        .WaitsFor("chkTempFile")
+        .Types("txtDpmID", "A1234")
+        .Clicks("chkTempFile");
     person.Clicks("cmdVfyReady").Clicks("cmdVfyOK").WaitsFor("cmdVfyOK");
     take("verify");
     person.Clicks("cmdVfyOK").WaitsFor("cmdVfyReady").Clicks("cmdVfyDone").WaitsFor("cmdVfyReady");
-    person.Clicks(ButtonOfStep(Step::ViewNvm)).WaitsFor("txtNVM(7)").Types("txtNVM(7)", "8A2F");
+    person.Clicks(test::ButtonOf(Step::ViewNvm)).WaitsFor("txtNVM(7)").Types("txtNVM(7)", "8A2F");
     take("view-nvm");
     person.Clicks("cmdNVMcancel(0)").Clicks("cmdNVMWord(0)").Types("txtNVMWord(0)", "28").Clicks("optNVMLen(3)");
     person.Clicks("cmdNVMWord(2)").WaitsFor("txtNVMWord(1)");
@@ -144,7 +139,7 @@ void ScriptRecords(ScriptedOperator &person, const Pictures &pictures)
 // The factory image goes into the meter before any range is calibrated.
 void ScriptInit(ScriptedOperator &person, const Pictures &pictures)
 {
-    person.Clicks(ButtonOfStep(Step::InitNvm))
+    person.Clicks(test::ButtonOf(Step::InitNvm))
         .WaitsFor("cmdInitStartRetry")
         .Waits(pictures.QuietMs())
         .Does([&] { pictures.Take("init"); })
@@ -157,7 +152,7 @@ void ScriptInit(ScriptedOperator &person, const Pictures &pictures)
 // A configuration behind the calibration, and the test of its range.
 void ScriptSendFile(ScriptedOperator &person, const Pictures &pictures)
 {
-    person.Clicks(ButtonOfStep(Step::SendFile))
+    person.Clicks(test::ButtonOf(Step::SendFile))
         .WaitsFor("cmdSendFile")
         .Waits(pictures.QuietMs())
         .Does([&] { pictures.Take("send-file"); })
