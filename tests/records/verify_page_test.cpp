@@ -368,7 +368,8 @@ TEST_F(VerifyPage, PrintsTheFileAndNotTheScreen)
 
 TEST_F(VerifyPage, PrintsToAPdfWithoutAPrinter)
 {
-    UsesTheTemporaryFile();
+    WritesFile("unit.vfy", FileWithout({}));
+    Chooses("unit.vfy").Types("txtDpmID", "A1234");
     person->Clicks("cmdVfyPrint").PrintsTo(Path("table.pdf")).WaitsFor("cmdVfyPrint");
     Runs();
     EXPECT_GT(QFileInfo("table.pdf").size(), 1000);
