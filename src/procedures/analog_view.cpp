@@ -52,8 +52,6 @@ template <class Array> void Add(std::vector<QWidget *> &list, const Array &widge
     list.insert(list.end(), widgets.begin(), widgets.end());
 }
 
-const Prompt kPromptOfPoint;  // the page says it
-
 std::vector<PageState> TableOfStates()
 {
     std::vector<QWidget *> idle = {view.cmdUp, view.cmdDown, view.cmdAccept, view.cmdWord, view.cmdDone};
@@ -74,7 +72,7 @@ std::vector<PageState> TableOfStates()
         {kAnalogSilent,   {view.cmdDone},  nullptr,          kPromptSilent,   value},
         {kAnalogAway,     {view.cmdUp},    view.cmdUp,       kPromptNoPoint,  value},
         {kAnalogNoPoint,  idle,            view.cmdUp,       kPromptNoPoint,  value},
-        {kAnalogPoint,    point,           view.txtRead,     kPromptOfPoint,  value},
+        {kAnalogPoint,    point,           view.txtRead,     {},              value},
         {kAnalogWorking,  {},              nullptr,          kPromptWorking,  {view.fraModal}},
         {kAnalogCable,    {view.cmdModal}, view.cmdModal,    kPromptCable,    {view.shpSetMeter, view.shpMeterVal, view.fraReading}},
         {kAnalogVerify,   verify,          view.txtMeterVal, kPromptVerify,   {view.fraModal, view.fraReading}},
