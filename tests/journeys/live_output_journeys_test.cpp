@@ -3,10 +3,10 @@
 #include "journeys/page_loops.h"
 #include "links/calibrator.h"
 #include "platform/clock.h"
-#include "session/journal_reader.h"
 #include "session/state.h"
 #include "shell/main_window.h"
 #include "support/bench_station.h"
+#include "support/journal_events.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -91,11 +91,8 @@ protected:
 
 std::string HowTheLastStepEnded()
 {
-    std::string how;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == "step ended")
-            how = TextOf(event, "how");
-    return how;
+    const auto ends = EventsOf("step ended");
+    return ends.empty() ? "" : TextOf(ends.back(), "how");
 }
 
 // A way on that the operator may take under the alert.

@@ -3,7 +3,7 @@
 #include "model/station_settings.h"
 #include "model/step_ids.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 namespace ombrix::test {
@@ -459,10 +459,7 @@ TEST_F(WiredRatio, GoesIntoTheJournalTrialByTrial)
     Opens().Does([this] { Shows({" 80000.", " 80010.", " 80000.", " 80005."}); });
     Offsets(2);
     ASSERT_TRUE(person->Runs());
-    std::vector<JournalEvent> trials;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == "ratio trial")
-            trials.push_back(event);
+    const auto trials = EventsOf("ratio trial");
     ASSERT_EQ(trials.size(), 1u);
     const auto list = [&](const char *name) {
         return std::get<std::vector<std::string>>(FieldOf(trials[0], name)->is);
@@ -486,10 +483,7 @@ TEST_F(WiredRatio, AStoppedTrialTellsTheJournalWhichWordItHasWritten)
         .Presses(Qt::Key_Escape)
         .WaitsFor("cmdOffset");
     ASSERT_TRUE(person->Runs());
-    std::vector<JournalEvent> trials;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == "ratio trial")
-            trials.push_back(event);
+    const auto trials = EventsOf("ratio trial");
     ASSERT_EQ(trials.size(), 1u);
     EXPECT_EQ(TextOf(trials[0], "wordBefore"), "0660");
     EXPECT_EQ(TextOf(trials[0], "wordAfter"), "074F");

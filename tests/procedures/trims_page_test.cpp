@@ -4,7 +4,7 @@
 #include "model/step_ids.h"
 #include "platform/clock.h"
 #include "platform/text.h"
-#include "session/journal_reader.h"
+#include "support/journal_events.h"
 #include "support/page_test.h"
 
 #include <cmath>
@@ -25,11 +25,8 @@ double Number(const std::string &label)
 // The last event of a kind; an empty one when there is none.
 JournalEvent EventOf(const std::string &kind)
 {
-    JournalEvent last;
-    for (const JournalEvent &event : ReadJournal("."))
-        if (event.kind == kind)
-            last = event;
-    return last;
+    const auto events = EventsOf(kind);
+    return events.empty() ? JournalEvent() : events.back();
 }
 
 std::vector<std::string> ListOf(const JournalEvent &event, const char *name)
