@@ -183,6 +183,12 @@ void SerialPort::TellLine(int handle) const
         onLine(handle);
 }
 
+void SerialPort::TellBytes(ByteWay way, std::string_view bytes) const
+{
+    if (onBytes && !bytes.empty())
+        onBytes(way, bytes);
+}
+
 void SerialPort::Close()
 {
     Leave();
@@ -196,18 +202,26 @@ std::size_t SerialPort::BytesWaiting() const
 
 std::string SerialPort::ReadAll()
 {
-    return m_device ? m_device->ReadAll() : std::string();
+    std::string bytes = m_device ? m_device->ReadAll() : std::string();
+    TellBytes(ByteWay::Received, bytes);
+    return bytes;
 }
 
 std::string SerialPort::Drop()
 {
-    return m_device ? m_device->Drop() : std::string();
+    std::string bytes = m_device ? m_device->Drop() : std::string();
+    TellBytes(ByteWay::Dropped, bytes);
+    return bytes;
 }
 
+// Told first: when a write ends the line, what was sent stands before that.
 void SerialPort::Write(std::string_view bytes)
 {
-    if (m_device)
-        m_device->Write(bytes);
+    if (!m_device)
+        return;
+    if (!m_device->IsGone())
+        TellBytes(ByteWay::Sent, bytes);
+    m_device->Write(bytes);
 }
 
 void SerialPort::SetRts(bool on)

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>
@@ -40,6 +41,9 @@ public:
     std::function<void()> onGone = [] {};
 };
 
+/// What became of bytes. Mark: there are none, only words about the line.
+enum class ByteWay : std::uint8_t { Sent, Received, Dropped, Mark };
+
 /// Makes the device of the next Open. nullptr brings back the operating system's port.
 using SerialDeviceMaker = std::function<std::unique_ptr<SerialDevice>()>;
 void UseSerialDevices(SerialDeviceMaker maker);
@@ -71,11 +75,14 @@ public:
     std::function<void()> onGone;
     /// Told the handle of each line that was opened, and -1 before it closes and when it has gone.
     std::function<void(int handle)> onLine;
+    /// Told all bytes that the line took or gave, before whoever asked for them has them.
+    std::function<void(ByteWay way, std::string_view bytes)> onBytes;
 
 private:
     void Take(const std::string &device);
     void Leave();
     void TellLine(int handle) const;
+    void TellBytes(ByteWay way, std::string_view bytes) const;
 
     std::unique_ptr<SerialDevice> m_device;
     std::string m_name;

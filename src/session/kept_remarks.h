@@ -6,7 +6,7 @@
 
 namespace ombrix {
 
-enum class Subject { Settings, Board, Journal, Guard, Attempts };
+enum class Subject { Settings, Board, Journal, Trace, Guard, Attempts };
 
 /// Nothing is kept.
 void InitKeptRemarks();

@@ -98,6 +98,33 @@ TEST(SerialPort, CarriesBytesBothWays)
     EXPECT_EQ(port.BytesWaiting(), 0u);
 }
 
+TEST(SerialPort, TellsAllThatItTookAndGave)
+{
+    Pty pty;
+    SerialPort port;
+    std::string told;
+    port.onBytes = [&told](ByteWay way, std::string_view bytes) {
+        told += "<>x"[static_cast<int>(way)] + std::string(bytes) + " ";
+    };
+    port.Write("nobody hears it");
+    port.Open(pty.Name());
+    port.Write("*1B1\r");
+    pty.Says("12.");
+    WaitForBytes(port, 3, 500);
+    port.ReadAll();
+    port.ReadAll();
+    pty.Says("345\r");
+    WaitForBytes(port, 4, 500);
+    port.Drop();
+    EXPECT_EQ(told, "<*1B1\r >12. x345\r ");
+    pty.HangsUp();
+    const Deadline limit(500);
+    while (!port.IsGone() && !limit.Passed())
+        PumpEvents(limit.LeftMs());
+    port.Write("*1B1\r");
+    EXPECT_EQ(told, "<*1B1\r >12. x345\r ") << "lost, so not sent";
+}
+
 TEST(SerialPort, AllEightBitsPassUnchanged)
 {
     Pty pty;

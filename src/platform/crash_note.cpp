@@ -1,0 +1,109 @@
+#include "platform/crash_note.h"
+
+#include "platform/wire_trace.h"
+
+#include <array>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <exception>
+#include <execinfo.h>
+#include <fcntl.h>
+#include <string_view>
+#include <unistd.h>
+
+namespace ombrix {
+namespace {
+
+constexpr int kFrames = 64;
+constexpr std::size_t kStack = std::size_t{64} << 10;  // for the handler: the program's own may be used up
+
+struct DeadlySignal {
+    int number;
+    std::string_view name;
+};
+constexpr std::array<DeadlySignal, 4> kDeadly = {
+    {{SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"}, {SIGFPE, "SIGFPE"}}};
+
+// All of it stands before a crash: in it nothing can be asked for.
+std::array<char, 4096> notePath{};
+std::array<char, 256> lastException{};
+std::array<char, kStack> handlerStack{};
+std::array<void *, kFrames> frames{};
+
+void Say(int file, std::string_view text)
+{
+    [[maybe_unused]] const auto written = write(file, text.data(), text.size());
+}
+
+std::string_view NameOf(int number)
+{
+    for (const DeadlySignal &one : kDeadly)
+        if (one.number == number)
+            return one.name;
+    return "a signal";
+}
+
+void LeaveNote(int number)
+{
+    const int file = open(notePath.data(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (file < 0)
+        return;
+    Say(file, "Died of ");
+    Say(file, NameOf(number));
+    Say(file, "\n");
+    if (lastException[0] != '\0') {
+        Say(file, "Nobody caught: ");
+        Say(file, lastException.data());
+        Say(file, "\n");
+    }
+    Say(file, "\nBacktrace:\n");
+    backtrace_symbols_fd(frames.data(), backtrace(frames.data(), kFrames), file);
+    Say(file, "\nThe lines, in UTC:\n");
+    WriteTraceTail(file);
+    close(file);
+}
+
+extern "C" void HandleCrash(int number)
+{
+    std::signal(number, SIG_DFL);  // a fault in here ends the program at once
+    LeaveNote(number);
+    raise(number);
+}
+
+[[noreturn]] void NoteException()
+{
+    try {
+        if (const auto exception = std::current_exception())
+            std::rethrow_exception(exception);
+    } catch (const std::exception &fault) {
+        std::strncpy(lastException.data(), fault.what(), lastException.size() - 1);
+    } catch (...) {
+        std::strncpy(lastException.data(), "an exception without words", lastException.size() - 1);
+    }
+    std::abort();
+}
+
+}  // namespace
+
+void WatchCrashes(const std::string &path)
+{
+    if (path.size() >= notePath.size())
+        return;
+    std::strncpy(notePath.data(), path.c_str(), notePath.size() - 1);
+    backtrace(frames.data(), 1);  // the first call loads a library
+    stack_t stack{};
+    stack.ss_sp = handlerStack.data();
+    stack.ss_size = handlerStack.size();
+    sigaltstack(&stack, nullptr);
+    struct sigaction action {
+    };
+    action.sa_handler = HandleCrash;
+    sigemptyset(&action.sa_mask);
+    action.sa_flags = SA_ONSTACK | SA_NODEFER;
+    for (const DeadlySignal &one : kDeadly)
+        sigaction(one.number, &action, nullptr);
+    std::set_terminate(NoteException);
+}
+
+}  // namespace ombrix

@@ -1,0 +1,103 @@
+#include "platform/crash_note.h"
+
+#include "platform/safe_file.h"
+#include "platform/wire_trace.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <QFile>
+
+#include <csignal>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+using namespace ombrix;
+using testing::HasSubstr;
+
+namespace {
+
+// What another process leaves that does this, and of which signal it dies.
+struct Death {
+    int signal = 0;
+    std::string note;
+};
+
+Death After(const std::function<void()> &life)
+{
+    QFile::remove(kCrashFile);
+    const pid_t child = fork();
+    if (child == 0) {
+        const rlimit none{0, 0};
+        setrlimit(RLIMIT_CORE, &none);
+        OpenTrace(".");
+        Trace(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
+        WatchCrashes(kCrashFile);
+        life();
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    return {WIFSIGNALED(status) ? WTERMSIG(status) : 0, ReadFile(kCrashFile).value_or("none")};
+}
+
+// As deep as it goes: the stack is used up.
+int Deeper(int depth)
+{
+    volatile char room[4096] = {};
+    room[depth % 4096] = 1;
+    return depth < 0 ? 0 : Deeper(depth + 1) + room[0];
+}
+
+void MeetsAFault()
+{
+    throw std::runtime_error("no such word");
+}
+
+// From here nothing gets out.
+void Ends(void (*work)()) noexcept
+{
+    work();
+}
+
+class CrashBy : public testing::TestWithParam<int>
+{
+};
+
+}  // namespace
+
+TEST_P(CrashBy, LeavesABacktraceAndTheLastWordsOnTheLinesAndDiesOfTheSame)
+{
+    const Death death = After([] { kill(getpid(), GetParam()); });
+    EXPECT_EQ(death.signal, GetParam());
+    EXPECT_THAT(death.note, HasSubstr("\nBacktrace:\n"));
+    EXPECT_THAT(death.note, HasSubstr("platform_tests"));
+    EXPECT_THAT(death.note, testing::EndsWith("  meter       sent      *1B1\\r\n"));
+}
+
+INSTANTIATE_TEST_SUITE_P(Signals, CrashBy, testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE));
+
+TEST(Crash, OfAStackThatIsUsedUpIsTold)
+{
+    const Death death = After([] { Deeper(0); });
+    EXPECT_EQ(death.signal, SIGSEGV);
+    EXPECT_THAT(death.note, HasSubstr("Died of SIGSEGV"));
+}
+
+TEST(Crash, ByAnExceptionThatNobodyCatchesTellsItsWords)
+{
+    const Death death = After([] { Ends(MeetsAFault); });
+    EXPECT_EQ(death.signal, SIGABRT);
+    EXPECT_THAT(death.note, HasSubstr("Died of SIGABRT\nNobody caught: no such word\n"));
+}
+
+TEST(Crash, ThatDoesNotHappenLeavesNothing)
+{
+    const Death death = After([] {});
+    EXPECT_EQ(death.signal, 0);
+    EXPECT_EQ(death.note, "none");
+}
