@@ -7,6 +7,7 @@
 #include "platform/clock.h"
 #include "platform/line_guard.h"
 #include "platform/text.h"
+#include "platform/wire_trace.h"
 #include "session/live_output.h"
 #include "session/state.h"
 
@@ -143,6 +144,17 @@ void Ask(CalibratorQuestion question)
     openQuestions.push_back({question, outputNumber, NowMicros()});
 }
 
+// A trace is read for what went wrong. After a stop nobody waited long enough to know.
+void MarkAnswer(CalibratorQuestion question, const CalibratorAnswer &answer)
+{
+    if (Abort || !answer.line.empty())
+        return;
+    const char *words = comCAL.IsGone() ? "The calibrator did not answer: its line has gone; asked "
+                        : answer.silent ? "The calibrator did not answer "
+                                        : "The calibrator answered something else to ";
+    MarkTrace(TraceLine::Calibrator, words + std::string(CommandOf(question)));
+}
+
 bool OpenCalibratorAgain()
 {
     if (!comCAL.OpenAgain())
@@ -164,6 +176,7 @@ void InitCalibratorLine()
     openQuestions.clear();
     comCAL.onGone = NoteOutputLineGone;
     comCAL.onLine = GuardLine;
+    comCAL.onBytes = [](ByteWay way, std::string_view bytes) { Trace(TraceLine::Calibrator, way, bytes); };
 }
 
 bool CalibratorLineIsGone()
@@ -256,6 +269,7 @@ CalibratorAnswer AskCalibrator(CalibratorQuestion question)
             break;
     }
     answer.silent = bytesHeard == before;
+    MarkAnswer(question, answer);
     return answer;
 }
 

@@ -7,6 +7,7 @@
 #include "links/uut.h"
 #include "platform/clock.h"
 #include "platform/text.h"
+#include "platform/wire_trace.h"
 #include "session/outlets.h"
 #include "session/state.h"
 
@@ -55,6 +56,18 @@ const SerialPort &LineOfRoute()
     return MeterPort == 0 ? comCAL : comDPM;
 }
 
+// A trace is read for what went wrong. After a stop nobody waited long enough to know.
+void MarkReply(const std::string &reply)
+{
+    if (Abort || HoldsLine(reply))
+        return;
+    const char *words = streams             ? "The meter streams, no answer"
+                        : MeterLineIsGone() ? "The meter did not answer: its line has gone"
+                        : reply.empty()     ? "The meter did not answer"
+                                            : "The meter did not end its answer";
+    MarkTrace(MeterPort == 0 ? TraceLine::Calibrator : TraceLine::Meter, words);
+}
+
 }  // namespace
 
 void InitMeterProtocol()
@@ -63,6 +76,7 @@ void InitMeterProtocol()
     MeterReply.clear();
     streams = false;
     LastRestartMicros = 0;
+    comDPM.onBytes = [](ByteWay way, std::string_view bytes) { Trace(TraceLine::Meter, way, bytes); };
 }
 
 bool Simulated()
@@ -133,6 +147,7 @@ std::string ReadMeterLine()
         reply += chunk;
     }
     streams = reply.size() > kReplyLimit || reply.find(kRecordEnd) != std::string::npos;
+    MarkReply(reply);
     return MeterReply = LineOf(reply);
 }
 

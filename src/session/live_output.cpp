@@ -1,6 +1,7 @@
 #include "session/live_output.h"
 
 #include "platform/text.h"
+#include "platform/wire_trace.h"
 #include "session/journal.h"
 #include "session/state.h"
 
@@ -37,8 +38,10 @@ void ShowAlert()
     SetDangerFlag(std::max(shownLevel, live.Level));
     const std::string words = Words();
     outlets.showAlert(words);
-    if (words != std::exchange(told, words))
-        Record("warned", {{"of", words}});
+    if (words == std::exchange(told, words))
+        return;
+    Record("warned", {{"of", words}});
+    MarkTrace(TraceLine::Calibrator, words);
 }
 
 // "-200.0 mV" is 0.2 of "V".
