@@ -15,6 +15,7 @@
 #include "shell/status_line.h"
 #include "shell/step_buttons.h"
 #include "shell/tab_strip.h"
+#include "shell/trace_window.h"
 #include "shell/window_icon.h"
 #include "version.h"
 #include "widgets/page_kit.h"
@@ -266,6 +267,7 @@ void BuildMainWindow()
     BuildStatusLine(frmOmbrix->statusBar());
     frmOmbrix->setWindowIcon(WindowIcon());
     Everywhere(frmOmbrix, "F1", [] { OpenGuide(QCoreApplication::applicationDirPath()); });
+    Everywhere(frmOmbrix, "F12", ShowTraceWindow);
     if (const QScreen *screen = QGuiApplication::primaryScreen())
         frmOmbrix->resize(FirstSize(screen->availableSize()));
 }

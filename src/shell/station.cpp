@@ -47,6 +47,7 @@
 #include "shell/summary_window.h"
 #include "shell/tab_strip.h"
 #include "shell/theme.h"
+#include "shell/trace_start.h"
 #include "version.h"
 
 #include <QMainWindow>
@@ -171,6 +172,7 @@ void CloseStation()
     EndGuard();
     StopFollowingSteps();
     EndJournal();
+    EndTrace();
     frameHooks = FrameHooks();  // before the window that they reach
     DestroyMainWindow();
     outlets = Outlets();

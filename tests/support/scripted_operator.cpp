@@ -20,6 +20,7 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QTabBar>
+#include <QTableView>
 #include <QTableWidget>
 #include <QTimer>
 
@@ -398,21 +399,20 @@ std::string ScriptedOperator::Text(const std::string &name)
 
 std::string ScriptedOperator::Cell(const std::string &grid, int row, int column)
 {
-    const auto *table = qobject_cast<QTableWidget *>(Find(grid));
-    const QTableWidgetItem *item = table ? table->item(row, column) : nullptr;
-    return item ? item->text().toStdString() : "";
+    const auto *table = qobject_cast<QTableView *>(Find(grid));
+    return table ? table->model()->index(row, column).data().toString().toStdString() : "";
 }
 
 int ScriptedOperator::Rows(const std::string &grid)
 {
-    const auto *table = qobject_cast<QTableWidget *>(Find(grid));
-    return table ? table->rowCount() : 0;
+    const auto *table = qobject_cast<QTableView *>(Find(grid));
+    return table ? table->model()->rowCount() : 0;
 }
 
 int ScriptedOperator::Columns(const std::string &grid)
 {
-    const auto *table = qobject_cast<QTableWidget *>(Find(grid));
-    return table ? table->columnCount() : 0;
+    const auto *table = qobject_cast<QTableView *>(Find(grid));
+    return table ? table->model()->columnCount() : 0;
 }
 
 std::string ScriptedOperator::Fill(const std::string &name)
