@@ -4,6 +4,7 @@
 #include "program.h"
 #include "screen.h"
 #include "simulated_run.h"
+#include "trace_writes.h"
 
 #include "support/station.h"
 #include "tour/toolkit_noise.h"
@@ -146,6 +147,14 @@ void MeasureJournal(const StationFolder &folder)
     Row("  syncs meanwhile", busy.syncs, "");
 }
 
+void MeasureTrace(const StationFolder &folder)
+{
+    const TraceWrites traced = TimeTrace(folder.Path().string());
+    Row("a chunk traced, median", traced.medianMs, "ms");
+    Row("  99 of 100 within", traced.p99Ms, "ms", traced.p99Ms < 0.01, "< 0.01");
+    Row("  all within", traced.maxMs, "ms");
+}
+
 void MeasureWait()
 {
     const test::WorkFolder folder;
@@ -193,6 +202,7 @@ int main(int argc, char **argv)
         MeasureStart(screen, folder);
         MeasureIdle(screen, folder);
         MeasureJournal(folder);
+        MeasureTrace(folder);
 
         // From here on the station runs inside this program.
         qputenv("QT_QPA_PLATFORM", "offscreen");

@@ -19,6 +19,7 @@
 #include <vector>
 
 using namespace ombrix;
+using testing::EndsWith;
 
 namespace {
 
@@ -38,14 +39,19 @@ protected:
         }
     }
 
-    // Returns when it listens to SIGTERM, which is the last thing of its start.
-    bool Starts()
+    void Launch(const QStringList &options)
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory("/");  // not its own folder
-        process.start(path, QStringList());
+        process.start(path, options);
+    }
+
+    // Returns when it listens to SIGTERM, which is the last thing of its start.
+    bool Starts(const QStringList &options = {})
+    {
+        Launch(options);
         QElapsedTimer timer;
         timer.start();
         while (process.waitForStarted() && process.state() == QProcess::Running && !CatchesTerminate()) {
@@ -74,6 +80,17 @@ protected:
         ASSERT_TRUE(process.waitForFinished(kEndMs));
         EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
         EXPECT_EQ(process.exitCode(), 0);
+    }
+
+    // It ends by itself with this exit code before it has begun; what it said to standard error.
+    std::string Refuses(const QStringList &options, int code)
+    {
+        Launch(options);
+        EXPECT_TRUE(process.waitForFinished(kStartMs));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        EXPECT_EQ(process.exitCode(), code);
+        EXPECT_FALSE(QFile::exists(folder.filePath("Ombrix.ini"))) << "it began to work";
+        return process.readAllStandardError().toStdString();
     }
 
     std::string Ini() const { return folder.filePath("Ombrix.ini").toStdString(); }
@@ -107,7 +124,8 @@ TEST_F(Program, EndsWellByTerminateAndLeavesItsSettingsWhereItStands)
 {
     ASSERT_TRUE(Starts());
     EndsBy(SIGTERM);
-    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files, QDir::Name), QStringList({"Ombrix.ini", "ombrix"}));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files, QDir::Name),
+              QStringList({"Ombrix.ini", "Ombrix.trace", "ombrix"}));
     EXPECT_THAT(Sections(ReadFile(Ini()).value_or("")),
                 testing::ElementsAre("[Comms]", "[Gains]", "[CalibValues]", "[Ratio]", "[QuasiDiode]", "[Filter]",
                                      "[SFNames]", "[Ports]", "[AnaCal]"));
@@ -126,4 +144,29 @@ TEST_F(Program, EndsWellByInterruptAndWritesNothingTheSecondTime)
     EndsBy(SIGINT);
     EXPECT_EQ(ReadFile(Ini()).value_or(""), first);
     EXPECT_EQ(IniIdentity(), identity) << "and a session without a change neither";
+}
+
+TEST_F(Program, OpensTheFileOfItsTraceWhereItIsToldTo)
+{
+    const QString trace = folder.filePath("said.txt");
+    ASSERT_TRUE(Starts({"--trace", trace}));
+    EXPECT_TRUE(QFile::exists(trace));
+    EndsBy(SIGTERM);
+}
+
+TEST_F(Program, RefusesWhatItDoesNotUnderstand)
+{
+    EXPECT_THAT(Refuses({"--trade", "x"}, 2),
+                EndsWith("ombrix: Unknown option 'trade'. ombrix --help lists the options.\n"));
+    EXPECT_THAT(Refuses({"DC"}, 2), EndsWith("ombrix: 'DC' is too much. ombrix --help lists the options.\n"));
+    EXPECT_THAT(Refuses({"--trace"}, 2), EndsWith("'--trace'. ombrix --help lists the options.\n"));
+    EXPECT_THAT(
+        Refuses({"--trace", "/no-such-folder/said.txt"}, 2),
+        EndsWith("ombrix: the trace can't be written to /no-such-folder/said.txt: No such file or directory\n"));
+}
+
+TEST_F(Program, TellsItsOptions)
+{
+    Refuses({"--help"}, 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(), testing::HasSubstr("--trace <file>"));
 }

@@ -2,9 +2,11 @@
 
 #include "model/range_tables.h"
 #include "platform/clock.h"
+#include "platform/crash_note.h"
 #include "platform/text.h"
 #include "session/state.h"
 #include "shell/station.h"
+#include "shell/trace_start.h"
 #include "support/bench_program.h"
 #include "support/bench_station.h"
 #include "support/scripted_operator.h"
@@ -188,6 +190,8 @@ GatherRun GatherFirstCycleInRealTime(const Options &options)
 bool RunUntilKilled(const std::string &guard)
 {
     test::OpenWholeStation();
+    BeginTrace(".");
+    WatchCrashes(kCrashFile);
     OpenGuard(guard);
     ScriptedOperator person;
     person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
