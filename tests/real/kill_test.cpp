@@ -44,13 +44,22 @@ int Kills()
     return soak != nullptr && *soak == '1' ? 50 : 1;
 }
 
-// A guard that isn't only waiting to be buried by whoever inherited it.
-bool AnyGuardLives()
+// The guard of this station: other tests have theirs beside it. 0 when it has none.
+pid_t GuardOf(qint64 station)
 {
-    for (const QString &number : QDir("/proc").entryList(QDir::Dirs))
-        if (QFile::symLinkTarget("/proc/" + number + "/exe") == OMBRIX_GUARD)
-            return true;
-    return false;
+    for (const QString &number : QDir("/proc").entryList(QDir::Dirs)) {
+        QFile status("/proc/" + number + "/status");
+        if (QFile::symLinkTarget("/proc/" + number + "/exe") == OMBRIX_GUARD && status.open(QIODevice::ReadOnly) &&
+            status.readAll().contains("\nPPid:\t" + QByteArray::number(station) + "\n"))
+            return number.toInt();
+    }
+    return 0;
+}
+
+// More than only waiting to be buried by whoever inherited it.
+bool Lives(pid_t guard)
+{
+    return QFile::symLinkTarget(QString("/proc/%1/exe").arg(guard)) == OMBRIX_GUARD;
 }
 
 class KilledStation : public testing::TestWithParam<bool>
@@ -90,10 +99,12 @@ protected:
         ASSERT_TRUE(Until([this] { return Operates(); }, kToOutput)) << station.readAll().toStdString();
         Until([] { return false; }, moment);
         const bool stood = Operates();
+        const pid_t guard = GuardOf(station.processId());
+        ASSERT_NE(guard, 0) << "no guard stands beside the station";
         ::kill(static_cast<pid_t>(station.processId()), SIGKILL);
         station.waitForFinished();
         under += stood ? 1 : 0;
-        ASSERT_TRUE(Until([] { return !AnyGuardLives(); }, kPatience)) << "a guard is left behind";
+        ASSERT_TRUE(Until([guard] { return !Lives(guard); }, kPatience)) << "a guard is left behind";
         Until([this] { return !Operates() && Now() - lastByte > kWire; }, kPatience);
         EXPECT_FALSE(Operates());
         EXPECT_EQ(bench.CalibratorNow().output, "0 V, 0 Hz");
