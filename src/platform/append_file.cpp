@@ -1,6 +1,5 @@
 #include "platform/append_file.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -82,12 +81,9 @@ bool AppendFile::Append(std::string_view bytes) const
 {
     if (m_handle < 0)
         return false;
-    const FileFault fault = FaultOf(FileCall::Write);
-    if (fault.error != 0 && fault.taken == 0) {
-        errno = fault.error;
+    const std::size_t count = BytesTaken(bytes.size());
+    if (count == 0 && !bytes.empty())
         return false;
-    }
-    const std::size_t count = fault.error == 0 ? bytes.size() : std::min(fault.taken, bytes.size());
     return write(m_handle, bytes.data(), count) == static_cast<ssize_t>(bytes.size());
 }
 

@@ -1,5 +1,6 @@
 #include "platform/file_faults.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -26,6 +27,15 @@ bool Fails(FileCall call)
     if (error != 0)
         errno = error;
     return error != 0;
+}
+
+std::size_t BytesTaken(std::size_t count)
+{
+    const FileFault fault = FaultOf(FileCall::Write);
+    if (fault.error == 0)
+        return count;
+    errno = fault.error;
+    return std::min(fault.taken, count);
 }
 
 }  // namespace ombrix

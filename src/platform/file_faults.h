@@ -7,7 +7,7 @@
 namespace ombrix {
 
 /// What is asked of the system.
-enum class FileCall { MakeFolder, Open, Look, Size, Read, Write, Sync };
+enum class FileCall { MakeFolder, Open, Look, Size, Read, Write, Sync, Rename };
 
 /// How a call to the system fails: after so many bytes written, with an error of errno.h.
 struct FileFault {
@@ -23,5 +23,7 @@ void UseFileFaults(std::function<FileFault(FileCall)> faults);
 FileFault FaultOf(FileCall call);
 /// True, with errno set, when the call is not to reach the system.
 bool Fails(FileCall call);
+/// One write of so many bytes: how many of them are to reach the system. 0, with errno set, when it fails.
+std::size_t BytesTaken(std::size_t count);
 
 }  // namespace ombrix

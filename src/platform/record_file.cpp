@@ -59,11 +59,9 @@ public:
 
     bool Write(std::size_t place, std::string_view bytes) const
     {
-        const FileFault fault = FaultOf(FileCall::Write);
-        errno = fault.error;
-        if (fault.error != 0 && fault.taken == 0)
+        const std::size_t count = BytesTaken(bytes.size());
+        if (count == 0 && !bytes.empty())
             return false;
-        const std::size_t count = fault.error == 0 ? bytes.size() : std::min(fault.taken, bytes.size());
         const ssize_t taken = pwrite(m_handle, bytes.data(), count, static_cast<off_t>(place));
         if (taken == static_cast<ssize_t>(bytes.size()))
             return true;

@@ -15,8 +15,9 @@ FileState StateOfFile(const std::string &path);
 /// The file's bytes; nothing when it is missing or can't be read.
 std::optional<std::string> ReadFile(const std::string &path);
 
-/// Writes through a temporary file in the same folder and a rename. "" on success, otherwise the system's words, and
-/// the old file is as it was.
+/// Writes a file `.<name>.new` beside it, has it on the disk and renames it. "" on success, otherwise the system's
+/// words, and the old file is as it was. A program that was killed may leave the file beside it; the next one that writes
+/// takes it away.
 std::string WriteFile(const std::string &path, const std::string &bytes);
 
 /// Holds a folder for this program until it lets go or ends, in whatever way. Nothing is written into the folder.
