@@ -65,10 +65,12 @@ void BecomesNobody()
         _exit(kEnded);
 }
 
-void FilesEndAt(unsigned bytes)
+void FilesEndAt(std::uint64_t bytes)
 {
-    const rlimit limit = {bytes, bytes};
-    if (std::signal(SIGXFSZ, SIG_IGN) == SIG_ERR || setrlimit(RLIMIT_FSIZE, &limit) != 0)
+    rlimit limit{};
+    const bool known = std::signal(SIGXFSZ, SIG_IGN) != SIG_ERR && getrlimit(RLIMIT_FSIZE, &limit) == 0;
+    limit.rlim_cur = bytes == kNoEnd ? limit.rlim_max : bytes;
+    if (!known || setrlimit(RLIMIT_FSIZE, &limit) != 0)
         _exit(kEnded);
 }
 

@@ -1,6 +1,7 @@
 // What another process does until it is killed, or to its end.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 
 namespace ombrix::test {
@@ -19,7 +20,8 @@ void InAnotherProcess(const std::function<void()> &life);
 /// The calling process is a user without rights from now on; one that never had any stays who it is.
 void BecomesNobody();
 
-/// The disk is full when a file of the calling process has reached so many bytes.
-void FilesEndAt(unsigned bytes);
+/// To the calling process the disk is full when a file has reached so many bytes; kNoEnd gives it room again.
+void FilesEndAt(std::uint64_t bytes);
+constexpr std::uint64_t kNoEnd = ~std::uint64_t{0};
 
 }  // namespace ombrix::test
