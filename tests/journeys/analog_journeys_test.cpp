@@ -193,10 +193,14 @@ void ProvesAPoint(BenchStation &station)
     station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGain)).WaitsFor("txtRead");
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     for (int reading = 0; reading < 3; ++reading) {
+        station.person.Waits(kLookMs);
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
         station.person.Types("txtRead", Format(station.bench.AnalogOut(1).value, 2)).PressesAtOnce(Qt::Key_Return);
         station.person.WaitsFor("txtRead");
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     }
+    station.person.Waits(kLookMs);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     EXPECT_LE(std::fabs(station.bench.AnalogOut(1).value - 10000), 1.25);
     station.person.Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
@@ -213,11 +217,11 @@ std::vector<int> OwnWords(const BenchStation &station, int kind)
     return own;
 }
 
-PageScript Script(int board, int kind)
+PageScript Script(int board, Route route)
 {
     PageScript script;
-    script.wiring.bench.board = board;
-    script.wiring.bench.kind = kind;
+    script.wiring = WiringOf(board, route, 1);
+    const int kind = script.wiring.bench.kind;
     auto found = std::make_shared<std::vector<int>>();  // by the first run of all; all of them have the same meter
     script.works = [found, kind](BenchStation &station, const std::string &) {
         if (found->empty())
@@ -251,12 +255,22 @@ std::vector<FaultCase> FaultsOfTheMetersLine(const PageScript &script, int every
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutput, FaultLoop,
-                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kDc, kDpm), Stride(11))), NameOfFaultCase);
+                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kDc, Route::Direct), Stride(11))),
+                         NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounter, FaultLoop,
-                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kVf, kCtr), Stride(19))), NameOfFaultCase);
+                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kVf, Route::Direct), Stride(19))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAnalogOutputElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes([](Route route) { return Script(kDc, route); },
+                                                       {Route::Uut, "silent-meter", 23})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounterElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes([](Route route) { return Script(kVf, route); },
+                                                       {Route::Manual, "garbage", 31})),
+                         NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutput, QuitLoop,
-                         testing::ValuesIn(QuitCases(Script(kDc, kDpm), {0, 20, 900, 1760, 2470, 3000})),
+                         testing::ValuesIn(QuitCases(Script(kDc, Route::Direct), {0, 20, 900, 1760, 2470, 3000})),
                          NameOfQuitCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounter, QuitLoop,
-                         testing::ValuesIn(QuitCases(Script(kVf, kCtr), {0, 500, 1990, 2100, 4000, 5000})),
+                         testing::ValuesIn(QuitCases(Script(kVf, Route::Direct), {0, 500, 1990, 2100, 4000, 5000})),
                          NameOfQuitCase);

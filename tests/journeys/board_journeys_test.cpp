@@ -1,5 +1,6 @@
 // Whole sessions: each board, Establish and each of its range steps, on each route and with several units.
 
+#include "journeys/page_loops.h"
 #include "model/range_tables.h"
 #include "session/state.h"
 #include "support/bench_station.h"
@@ -17,27 +18,10 @@ using namespace ombrix::test;
 
 namespace {
 
-enum class Route { Direct, Uut, Manual };
-
-const char *NameOf(Route route)
-{
-    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
-}
-
 using Journey = std::tuple<int, Route, unsigned>;
 
 class BoardJourney : public testing::TestWithParam<Journey>
 {
-protected:
-    static Wiring WiringOf(const Journey &journey)
-    {
-        Wiring wiring;
-        wiring.bench.board = std::get<0>(journey);
-        wiring.bench.seed = std::get<2>(journey);
-        wiring.bench.uut = std::get<1>(journey) == Route::Uut;
-        wiring.manual = std::get<1>(journey) == Route::Manual;
-        return wiring;
-    }
 };
 
 std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
@@ -50,7 +34,7 @@ std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
 
 TEST_P(BoardJourney, EveryRangeStepEndsWithinTwoCountsAfterThreeRounds)
 {
-    BenchStation station(WiringOf(GetParam()));
+    BenchStation station(std::apply(WiringOf, GetParam()));
     ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
     // The board byte that Establish writes may turn the meter into another one; the chooser is the way back.
     ASSERT_EQ(SCType, std::get<0>(GetParam()));

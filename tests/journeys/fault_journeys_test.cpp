@@ -2,6 +2,8 @@
 // and lasting. And the end of the program at any moment of a range.
 
 #include "journeys/page_loops.h"
+#include "model/range_tables.h"
+#include "platform/text.h"
 #include "session/state.h"
 #include "support/bench_station.h"
 
@@ -19,29 +21,45 @@ namespace {
 constexpr int kGnd = 2;  // positions on the DC board
 constexpr int kRef = 3;
 constexpr int k2Volts = 4;
+constexpr int kAc2Volts = 2;  // on the AC board
 
 // Seconds that the station's own waits may add up to. A reply that is never whole is asked for 20 times; a calibrator
 // that answers nothing is given 1 s for its errors, one poll of 10.5 s and 1 s for the read-back.
 constexpr int kStepEntry = 20;
 constexpr int kRemoval = 60;
 constexpr int kEstablish = 30;
-constexpr int kPatience = 300;  // what the operator waits for a round before he clicks Stop
-constexpr int kGlance = 20;     // before a display that says at once that it is over range
-constexpr int kLook = 1000;     // milliseconds for which he watches its end
+constexpr int kPatience = 300;     // what the operator waits for a round before he clicks Stop
+constexpr int kGlance = 20;        // before a display that says at once that it is over range
+constexpr int kLook = 1000;        // milliseconds for which he watches its end
+constexpr double kFar = 1000;      // counts, beyond which nobody believes a reading
+constexpr double kSameCounts = 3;  // the display's flicker, and its rounding
 
 bool RoundHasEnded()
 {
     return ScriptedOperator::IsEnabled("cmdRepeat");
 }
 
-void CalibratesTheRange(BenchStation &station, int patience)
+// What he accepts is what the grid says, unless the display itself lies or the page says that something else is wrong.
+void ExpectTheErrorToBeTrue(BenchStation &station, int position)
 {
+    const int row = ScriptedOperator::Rows("msgCalibGrid") - 1;
+    const std::string told = ScriptedOperator::Cell("msgCalibGrid", row, ScriptedOperator::Columns("msgCalibGrid") - 1);
+    if (std::fabs(Val(told)) > kFar)
+        return;
+    EXPECT_NEAR(station.bench.RemainingError(position), Val(told), kSameCounts) << "told: " << told;
+}
+
+void CalibratesTheRange(BenchStation &station, int position, const std::string &fault)
+{
+    const int patience = fault == "over-range" ? kGlance : kPatience;
     const std::int64_t start = station.clock.Elapsed();
     station.person.Clicks("cmdReady").WaitsUntil("the round ends or lasts too long", [&station, start, patience] {
         return RoundHasEnded() || NavigationIsFree() || station.clock.Elapsed() > start + patience * 1000;
     });
-    station.person.Does([&station] {
+    station.person.Does([&station, position, fault] {
         if (RoundHasEnded()) {
+            if (!DisplayLies(fault))
+                ExpectTheErrorToBeTrue(station, position);
             station.person.Waits(kLook);
             Leaves(station, "cmdAccept", 2 + kRemoval + kStepEntry);
         } else if (!NavigationIsFree()) {
@@ -51,14 +69,15 @@ void CalibratesTheRange(BenchStation &station, int patience)
 }
 
 // Takes a range of the DC board as far as it goes, and stops it when it goes no further.
-PageScript RangeScript(int position)
+PageScript RangeScript(int board, int position, Route route)
 {
     PageScript script;
+    script.wiring = WiringOf(board, route, 1);
     script.works = [position](BenchStation &station, const std::string &fault) {
         Leaves(station, StepButton(position), kStepEntry);
-        station.person.Does([&station, fault] {
+        station.person.Does([&station, position, fault] {
             if (ScriptedOperator::IsEnabled("cmdReady"))
-                CalibratesTheRange(station, fault == "over-range" ? kGlance : kPatience);
+                CalibratesTheRange(station, position, fault);
         });
     };
     script.begins = [position](BenchStation &station) {
@@ -73,13 +92,40 @@ PageScript RangeScript(int position)
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kGnd), Stride(31))),
+namespace {
+
+PageScript GndScript(Route route)
+{
+    return RangeScript(kDc, kGnd, route);
+}
+
+PageScript RefScript(Route route)
+{
+    return RangeScript(kDc, kRef, route);
+}
+
+PageScript AcScript(Route route)
+{
+    return RangeScript(kAc, kAc2Volts, route);
+}
+
+}  // namespace
+
+INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(GndScript(Route::Direct), Stride(31))),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(FaultCases(RangeScript(kRef), Stride(71))),
+INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(FaultCases(RefScript(Route::Direct), Stride(71))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnGndElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(GndScript, {Route::Uut, "wrong-length", 47})), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnRefElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(RefScript, {Route::Manual, "silent-meter", 29})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAnAcRangeElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(AcScript, {Route::Uut, "calibrator-port-gone", 71})),
                          NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(InARound, QuitLoop,
-                         testing::ValuesIn(QuitCases(RangeScript(k2Volts),
+                         testing::ValuesIn(QuitCases(RangeScript(kDc, k2Volts, Route::Direct),
                                                      {0,     1,     100,   450,   600,   1100,  1600,  2100, 2600,
                                                       3000,  3700,  4300,  5000,  6100,  7000,  8000,  9000, 10000,
                                                       12000, 14000, 16000, 18000, 20000, 25000, 30000, 40000})),
@@ -130,6 +176,15 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
 }
 
 INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(FaultCases(PageScript(), Stride(13))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(WhileEstablishingElsewhere, EstablishFaultLoop,
+                         testing::ValuesIn(OtherRoutes(
+                             [](Route route) {
+                                 PageScript script;
+                                 script.wiring = WiringOf(kDc, route, 1);
+                                 return script;
+                             },
+                             {Route::Uut, "junk", 7})),
                          NameOfFaultCase);
 
 TEST(DeadCalibrator, IsGivenUpAtOnceByEscWhileTheInputIsRemoved)

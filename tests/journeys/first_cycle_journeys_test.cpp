@@ -50,12 +50,16 @@ void Collects(BenchStation &station)
     station.person.Does([&station] {
         if (!HasEnded())
             Leaves(station, "cmdFCCancel", 80);
+        else if (ScriptedOperator::Text("lblInst(2)") == "M and B entered into Nonvolatile Memory") {
+            EXPECT_EQ(station.bench.RemainingError("First Cycle"), 0) << "the page was content";
+        }
     });
 }
 
-PageScript FirstCycleScript()
+PageScript FirstCycleScript(Route route)
 {
     PageScript script;
+    script.wiring = WiringOf(kDc, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         Leaves(station, ButtonOf(Step::FirstCycle), 20);
         station.person.Does([&station] { Collects(station); });
@@ -76,7 +80,7 @@ PageScript FirstCycleScript()
 std::vector<FaultCase> FaultsOfAStream()
 {
     return LastingFaultCases(
-        FirstCycleScript(), 17,
+        FirstCycleScript(Route::Direct), 17,
         {"silent-meter", "meter-port-gone", "calibrator-port-gone", "never-operating", "meter-restarts", "junk"});
 }
 
@@ -157,7 +161,10 @@ INSTANTIATE_TEST_SUITE_P(ByHand, FirstCycleJourney,
                          testing::Combine(testing::Values(kDc, kAc, kTc), testing::Values(true), testing::Values(4u)),
                          NameOfJourney);
 INSTANTIATE_TEST_SUITE_P(InFirstCycle, FaultLoop, testing::ValuesIn(FaultsOfAStream()), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InFirstCycleElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(FirstCycleScript, {Route::Manual, "wrong-length", 13})),
+                         NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InFirstCycle, QuitLoop,
-                         testing::ValuesIn(QuitCases(FirstCycleScript(),
+                         testing::ValuesIn(QuitCases(FirstCycleScript(Route::Direct),
                                                      {0, 1000, 2500, 4200, 7000, 16000, 20000, 24000})),
                          NameOfQuitCase);

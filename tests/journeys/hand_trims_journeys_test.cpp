@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <functional>
 #include <string>
 #include <tuple>
 #include <vector>
@@ -126,11 +127,11 @@ std::string WorksTrim(bench::Bench &bench)
 // ---- the operator ----
 
 // Looks, does something, looks again, until the step is left. What he tells inside Does comes behind all told before.
-void WorksOn(BenchStation &station, std::int64_t until)
+void WorksOn(BenchStation &station, std::int64_t until, const std::function<void()> &then)
 {
-    station.person.Waits(kLook).Does([&station, until] {
+    station.person.Waits(kLook).Does([&station, until, then] {
         if (NavigationIsFree())
-            return;
+            return then();
         const bool zero = ScriptedOperator::Sees("fraCalib(16)");
         if (station.clock.Elapsed() > until) {
             if (ScriptedOperator::IsEnabled("cmdDone(5)"))
@@ -142,20 +143,21 @@ void WorksOn(BenchStation &station, std::int64_t until)
             if (!button.empty() && ScriptedOperator::IsEnabled(button))
                 station.person.Clicks(button);
         }
-        WorksOn(station, until);
+        WorksOn(station, until, then);
     });
 }
 
-void Works(BenchStation &station, const Trim &trim, int seconds)
+void Works(
+    BenchStation &station, const Trim &trim, int seconds, const std::function<void()> &then = [] {})
 {
     station.person.Clicks(ButtonOf(trim.step)).WaitsUntil("the page stands", NavigationIsFree);
-    station.person.Does([&station, &trim, seconds] {
+    station.person.Does([&station, &trim, seconds, then] {
         const char *start = trim.step == Step::ZeroAdjust ? "cmdZeroAdj" : "cmdTrimStart";
         station.bench.InstallDcJumper(trim.step != Step::ZeroAdjust || trim.board == kAc3, NowMicros());
         if (!ScriptedOperator::IsEnabled(start))
             return;  // the meter did not answer
         station.person.Clicks(start);
-        WorksOn(station, station.clock.Elapsed() + seconds * 1000);
+        WorksOn(station, station.clock.Elapsed() + seconds * 1000, then);
     });
 }
 
@@ -169,7 +171,6 @@ void ExpectTrimmed(BenchStation &station, const Trim &trim)
 
 // ---- every unit on every route ----
 
-enum class Route { Direct, Uut, Manual };
 using Journey = std::tuple<Trim, Route, unsigned>;
 
 class HandTrim : public testing::TestWithParam<Journey>
@@ -178,34 +179,26 @@ class HandTrim : public testing::TestWithParam<Journey>
 
 std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
 {
-    constexpr const char *kRoutes[] = {"Direct", "ThroughUut", "Manual"};
     const Trim &trim = std::get<0>(info.param);
     std::string name = BoardName(trim.board) + trim.title;
     std::erase_if(name, [](char c) { return std::isalnum(static_cast<unsigned char>(c)) == 0; });
-    return name + kRoutes[static_cast<std::size_t>(std::get<1>(info.param))] + "Seed" +
-           std::to_string(std::get<2>(info.param));
-}
-
-Wiring WiringOf(int board, Route route, unsigned seed)
-{
-    Wiring wiring;
-    wiring.bench.board = board;
-    wiring.bench.seed = seed;
-    wiring.bench.uut = route == Route::Uut;
-    wiring.manual = route == Route::Manual;
-    return wiring;
+    return name + NameOf(std::get<1>(info.param)) + "Seed" + std::to_string(std::get<2>(info.param));
 }
 
 // ---- for the loops ----
 
-PageScript ScriptOf(const Trim &trim)
+PageScript ScriptOf(const Trim &trim, Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(trim.board, Route::Direct, 1);
+    script.wiring = WiringOf(trim.board, route, 1);
     script.works = [&trim](BenchStation &station, const std::string &fault) {
         const bool hopeless = fault == "over-range" || fault == "never-operating" || fault == "silent-meter" ||
                               fault == "meter-port-gone";
-        Works(station, trim, hopeless ? kGlance : kPatience);
+        Works(station, trim, hopeless ? kGlance : kPatience, [&station, &trim, fault] {
+            if (CurrentStepId != trim.step && !DisplayLies(fault)) {
+                EXPECT_LE(std::fabs(station.bench.RemainingError(trim.title)), trim.limit) << "the page was content";
+            }
+        });
     };
     script.begins = [&trim](BenchStation &station) {
         const char *start = trim.step == Step::ZeroAdjust ? "cmdZeroAdj" : "cmdTrimStart";
@@ -221,9 +214,19 @@ PageScript ScriptOf(const Trim &trim)
 // Those that reach a reading that goes on; each of them is taken by the long walk.
 std::vector<FaultCase> FaultsOf(const Trim &trim, int every)
 {
-    return LastingFaultCases(ScriptOf(trim), every,
+    return LastingFaultCases(ScriptOf(trim, Route::Direct), every,
                              {"silent-meter", "silent-calibrator", "meter-port-gone", "calibrator-port-gone",
                               "never-operating", "over-range"});
+}
+
+std::vector<FaultCase> OneFaultOf(const Trim &trim, const std::string &fault, int every)
+{
+    return LastingFaultCases(ScriptOf(trim, Route::Direct), every, {fault});
+}
+
+std::vector<FaultCase> FaultsElsewhere(const Trim &trim, const ShortWalk &shortWalk)
+{
+    return OtherRoutes([&trim](Route route) { return ScriptOf(trim, route); }, shortWalk);
 }
 
 }  // namespace
@@ -250,7 +253,26 @@ INSTANTIATE_TEST_SUITE_P(OtherRoutes, HandTrim,
 INSTANTIATE_TEST_SUITE_P(InZeroAdjust, FaultLoop, testing::ValuesIn(FaultsOf(kZeroAdjust, 67)), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InTheResistors, FaultLoop, testing::ValuesIn(FaultsOf(kResistors, 41)), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InR38, FaultLoop, testing::ValuesIn(FaultsOf(kR38, 41)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InTheBalance, FaultLoop, testing::ValuesIn(OneFaultOf(kBalance, "never-operating", 83)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InTheNegativeGain, FaultLoop, testing::ValuesIn(OneFaultOf(kNegativeGain, "silent-meter", 83)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InZeroAdjustElsewhere, FaultLoop,
+                         testing::ValuesIn(FaultsElsewhere(kZeroAdjust, {Route::Uut, "silent-calibrator", 97})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InTheBalanceElsewhere, FaultLoop,
+                         testing::ValuesIn(FaultsElsewhere(kBalance, {Route::Manual, "silent-meter", 61})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InTheResistorsElsewhere, FaultLoop,
+                         testing::ValuesIn(FaultsElsewhere(kResistors, {Route::Manual, "meter-port-gone", 61})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InTheNegativeGainElsewhere, FaultLoop,
+                         testing::ValuesIn(FaultsElsewhere(kNegativeGain, {Route::Uut, "trips", 83})), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InR38Elsewhere, FaultLoop,
+                         testing::ValuesIn(FaultsElsewhere(kR38, {Route::Manual, "garbage", 61})), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InTheBalance, QuitLoop,
-                         testing::ValuesIn(QuitCases(ScriptOf(kBalance), {0, 400, 900, 1500, 4000})), NameOfQuitCase);
+                         testing::ValuesIn(QuitCases(ScriptOf(kBalance, Route::Direct), {0, 400, 900, 1500, 4000})),
+                         NameOfQuitCase);
 INSTANTIATE_TEST_SUITE_P(InTheResistors, QuitLoop,
-                         testing::ValuesIn(QuitCases(ScriptOf(kResistors), {0, 400, 900, 1500, 4000})), NameOfQuitCase);
+                         testing::ValuesIn(QuitCases(ScriptOf(kResistors, Route::Direct), {0, 400, 900, 1500, 4000})),
+                         NameOfQuitCase);

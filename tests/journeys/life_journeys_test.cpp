@@ -32,8 +32,6 @@ using namespace ombrix::test;
 
 namespace {
 
-enum class Route { Direct, Uut, Manual };
-
 constexpr const char *kCyan = "#00ffff";
 constexpr double kGood = 3;  // counts that a calibrated meter may be off
 constexpr const char *kHeader660V = "INPUT   200mV    2V      20V    200V    660V     2mA    20mA    200mA    5A";

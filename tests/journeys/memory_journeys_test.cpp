@@ -103,9 +103,10 @@ void EndsTheInitialisation(BenchStation &station)
     });
 }
 
-PageScript InitScript()
+PageScript InitScript(Route route)
 {
     PageScript script;
+    script.wiring = WiringOf(kDc, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         auto start = std::make_shared<std::int64_t>();
         Leaves(station, StepButton(kInit), kStepEntry);
@@ -129,9 +130,12 @@ PageScript InitScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(), Stride(7))), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(Route::Direct), Stride(7))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnInitElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(InitScript, {Route::Uut, "garbage", 5})), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InInit, QuitLoop,
-                         testing::ValuesIn(QuitCases(InitScript(), {0, 100, 300, 1500, 2300, 3000, 4500})),
+                         testing::ValuesIn(QuitCases(InitScript(Route::Direct), {0, 100, 300, 1500, 2300, 3000, 4500})),
                          NameOfQuitCase);
 
 TEST(Initialisation, OfAMeterThatRestartsInTheMiddleEndsWithTheWholeImage)
@@ -185,9 +189,10 @@ void EndsTheTest(BenchStation &station)
         .Waits(kRestart);
 }
 
-PageScript SendFileScript()
+PageScript SendFileScript(Route route)
 {
     PageScript script;
+    script.wiring = WiringOf(kDc, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         if (!std::filesystem::exists("zsc1.dpm"))
             PutSamples();
@@ -250,8 +255,11 @@ TEST(Configuration, OfACustomerGoesIntoACalibratedMeterWhichThenReadsWhatItsTest
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(LastingFaultCases(SendFileScript(), 9)),
+INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(LastingFaultCases(SendFileScript(Route::Direct), 9)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnSendFileElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(SendFileScript, {Route::Manual, "wrong-length", 9})),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InSendFile, QuitLoop,
-                         testing::ValuesIn(QuitCases(SendFileScript(), {0, 100, 1000, 2000, 4000, 9000})),
+                         testing::ValuesIn(QuitCases(SendFileScript(Route::Direct), {0, 100, 1000, 2000, 4000, 9000})),
                          NameOfQuitCase);

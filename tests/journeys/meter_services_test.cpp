@@ -49,10 +49,10 @@ void ExpectTheTypeToBeTrue(BenchStation &station, const std::string &between)
     EXPECT_EQ(ScriptedOperator::IsOn("optMeterType(0)"), code == kDcCode);
 }
 
-PageScript TypeScript()
+PageScript TypeScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kTc, Route::Direct, 1);
+    script.wiring = WiringOf(kTc, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         const std::string between = WordsOf(station, 20, 4);
         station.person.Does([&station] { FindsADcMeter(station); });
@@ -111,10 +111,10 @@ void ExpectTheResultsToBeTrue(BenchStation &station)
     EXPECT_EQ(WordsOf(station, 198, 3), std::string(kFound).substr(12, 12)) << "a good gain is never written";
 }
 
-PageScript GainsScript()
+PageScript GainsScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kVf, Route::Direct, 1);
+    script.wiring = WiringOf(kVf, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         station.person.Does([&station] { FindsBadGains(station); });
         Leaves(station, ButtonOf(Step::Nominalize), kStepEntry);
@@ -188,10 +188,10 @@ void RestoresIfItCan(BenchStation &station, const std::string &customers)
     });
 }
 
-PageScript ConfigurationScript()
+PageScript ConfigurationScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kVf, Route::Direct, 1);
+    script.wiring = WiringOf(kVf, route, 1);
     script.works = [](BenchStation &station, const std::string &) {
         RestConfigImage.clear();
         ConfiguresForACustomer(station);
@@ -282,16 +282,25 @@ TEST(ConfigurationOfACounter, ThatTheMeterDoesNotTakeIsShownInRedWhereItDiffers)
     EXPECT_EQ(StateOfFile(kFile), FileState::Readable);
 }
 
-INSTANTIATE_TEST_SUITE_P(OnTheMeterType, FaultLoop, testing::ValuesIn(LastingFaultCases(TypeScript(), 2)),
+INSTANTIATE_TEST_SUITE_P(OnTheMeterType, FaultLoop, testing::ValuesIn(LastingFaultCases(TypeScript(Route::Direct), 2)),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnNominalize, FaultLoop, testing::ValuesIn(LastingFaultCases(GainsScript(), 2)),
+INSTANTIATE_TEST_SUITE_P(OnNominalize, FaultLoop, testing::ValuesIn(LastingFaultCases(GainsScript(Route::Direct), 2)),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, FaultLoop, testing::ValuesIn(LastingFaultCases(ConfigurationScript(), 3)),
+INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, FaultLoop,
+                         testing::ValuesIn(LastingFaultCases(ConfigurationScript(Route::Direct), 3)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheMeterTypeElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(TypeScript, {Route::Uut, "wrong-length", 4})), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnNominalizeElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(GainsScript, {Route::Manual, "garbage", 4})), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheConfigurationElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(ConfigurationScript, {Route::Uut, "silent-meter", 7})),
                          NameOfFaultCase);
 
-INSTANTIATE_TEST_SUITE_P(OnTheMeterType, QuitLoop, testing::ValuesIn(QuitCases(TypeScript(), {0, 500, 2000, 2600})),
-                         NameOfQuitCase);
-INSTANTIATE_TEST_SUITE_P(OnNominalize, QuitLoop, testing::ValuesIn(QuitCases(GainsScript(), {0, 600, 1500, 3300})),
+INSTANTIATE_TEST_SUITE_P(OnTheMeterType, QuitLoop,
+                         testing::ValuesIn(QuitCases(TypeScript(Route::Direct), {0, 500, 2000, 2600})), NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(OnNominalize, QuitLoop,
+                         testing::ValuesIn(QuitCases(GainsScript(Route::Direct), {0, 600, 1500, 3300})),
                          NameOfQuitCase);
 INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, QuitLoop,
-                         testing::ValuesIn(QuitCases(ConfigurationScript(), {0, 200, 700, 2500})), NameOfQuitCase);
+                         testing::ValuesIn(QuitCases(ConfigurationScript(Route::Direct), {0, 200, 700, 2500})),
+                         NameOfQuitCase);

@@ -1,8 +1,12 @@
 #include "journeys/page_loops.h"
 
+#include "model/range_tables.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "platform/text.h"
 #include "session/state.h"
+#include "support/bench_log.h"
+#include "testbench/meter_frame.h"
 
 #include <gmock/gmock.h>
 
@@ -15,7 +19,7 @@
 namespace ombrix::test {
 namespace {
 
-constexpr int kRestart = 3000;  // milliseconds, more than any restart: until then a meter is deaf
+constexpr int kRestart = 6000;  // milliseconds, more than any restart: until then a meter is deaf
 
 // Milliseconds from `start` until the calibrator's line carried a text, -1 when it never did.
 std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std::int64_t start)
@@ -27,7 +31,35 @@ std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std:
     return -1;
 }
 
+std::set<int> WordsWritten(const bench::Bench &bench, std::int64_t since)
+{
+    std::set<int> words;
+    for (const std::string &frame : FramesTo(bench, bench::Line::Meter, since)) {
+        const auto command = bench::ParseFrame(frame).command;
+        if (command && command->letter == 'W')
+            for (int word = command->address; word > command->address - command->count; --word)
+                words.insert(word);
+    }
+    return words;
+}
+
 }  // namespace
+
+const char *NameOf(Route route)
+{
+    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
+}
+
+Wiring WiringOf(int board, Route route, unsigned seed)
+{
+    Wiring wiring;
+    wiring.bench.board = board;
+    wiring.bench.kind = board == kVf ? kCtr : kDpm;
+    wiring.bench.seed = seed;
+    wiring.bench.uut = route == Route::Uut;
+    wiring.manual = route == Route::Manual;
+    return wiring;
+}
 
 void Leaves(BenchStation &station, const std::string &button, int seconds)
 {
@@ -67,6 +99,30 @@ std::vector<FaultCase> LastingFaultCases(const PageScript &script, int shortWalk
     return cases;
 }
 
+bool IsOfTheCalibrator(const std::string &fault)
+{
+    for (const char *part : {"calibrator", "operating", "output", "trips"})
+        if (fault.find(part) != std::string::npos)
+            return true;
+    return false;
+}
+
+bool DisplayLies(const std::string &fault)
+{
+    return fault == "never-settling" || fault == "over-range" || fault == "drifting";
+}
+
+std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scriptOn, const ShortWalk &shortWalk)
+{
+    if (Stride(2) > 1)
+        return {{shortWalk.fault, true, shortWalk.every, scriptOn(shortWalk.route)}};
+    std::vector<FaultCase> cases = FaultCases(scriptOn(Route::Manual), 1);
+    std::erase_if(cases, [](const FaultCase &each) { return IsOfTheCalibrator(each.fault); });
+    for (const FaultCase &each : FaultCases(scriptOn(Route::Uut), 1))
+        cases.push_back(each);
+    return cases;
+}
+
 void PrintTo(const FaultCase &each, std::ostream *out)
 {
     *out << each.fault << (each.lasting ? " lasting" : " once");
@@ -81,7 +137,9 @@ std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info)
             name += capital ? static_cast<char>(c - 'a' + 'A') : c;
         capital = c == '-';
     }
-    return name + (info.param.lasting ? "Lasting" : "Once");
+    const Wiring &wiring = info.param.script.wiring;
+    const Route route = wiring.manual ? Route::Manual : wiring.bench.uut ? Route::Uut : Route::Direct;
+    return name + (info.param.lasting ? "Lasting" : "Once") + (route == Route::Direct ? "" : NameOf(route));
 }
 
 FaultLoop::FaultLoop() : station(GetParam().script.wiring)
@@ -100,7 +158,14 @@ void FaultLoop::DropsTheSession()
 {
     if (!Established)
         return;
-    station.person.Clicks("cmdSetup").WaitsFor("optManual").Clicks("optManual").Clicks("optAutomatic");
+    const Wiring &wiring = GetParam().script.wiring;
+    station.person.Clicks("cmdSetup").WaitsFor("optManual");
+    if (wiring.manual)
+        station.person.Clicks("optAutomatic").Clicks("optManual");
+    else if (wiring.bench.uut)
+        station.person.Clicks("optDPM_COM1").Clicks("optDPM_CAL");
+    else
+        station.person.Clicks("optManual").Clicks("optAutomatic");
     ASSERT_NO_FATAL_FAILURE(Runs());
     ASSERT_FALSE(Established);
 }
@@ -121,7 +186,9 @@ void FaultLoop::WorksThePage()
 int FaultLoop::ExchangesOfACleanRun()
 {
     const int before = station.bench.Exchanges();
+    const std::int64_t start = NowMicros();
     WorksThePage();
+    m_ownWords = WordsWritten(station.bench, start);
     return station.bench.Exchanges() - before;
 }
 
@@ -136,14 +203,37 @@ void FaultLoop::EndsTheFault(int exchange)
     station.bench.SwitchFault(GetParam().fault, false);
 }
 
-void FaultLoop::RunsIntoTheFaultAt(int exchange)
+// A line that was pulled carries no standby, so the alert stands; the one that is plugged in again does.
+void FaultLoop::ExpectNoOutputUntold()
 {
-    ASSERT_TRUE(station.bench.FaultAtExchange(GetParam().fault, exchange, GetParam().lasting));
-    WorksThePage();
-    // A line that was pulled carries no standby; the one that is plugged in again does.
+    const bool live = !station.bench.OutputHistory().empty() && station.bench.OutputHistory().back().operate;
     if (!PortGoes()) {
         EXPECT_FALSE(station.bench.CalibratorNow().operating);
+        EXPECT_FALSE(live) << "a signal is left on the terminals";
+    } else if (live) {
+        EXPECT_TRUE(ScriptedOperator::Sees("lblAlert")) << "a live output that nobody is told of";
     }
+}
+
+// What a fault does to a reply must not end up in a word that is none of the page's.
+void FaultLoop::ExpectNoOtherWordChanged(const bench::Words &before)
+{
+    const bench::Words after = station.bench.Nvm();
+    for (std::size_t word = 0; word < after.size(); ++word) {
+        if (!m_ownWords.contains(static_cast<int>(word))) {
+            EXPECT_EQ(HexText(after[word], 4), HexText(before[word], 4)) << "word " << word;
+        }
+    }
+}
+
+void FaultLoop::RunsIntoTheFaultAt(int exchange)
+{
+    const bench::Words before = station.bench.Nvm();
+    ASSERT_TRUE(station.bench.FaultAtExchange(GetParam().fault, exchange, GetParam().lasting));
+    WorksThePage();
+    EXPECT_TRUE(NavigationIsFree()) << "what stands there can be left";
+    ExpectNoOutputUntold();
+    ExpectNoOtherWordChanged(before);
     EndsTheFault(exchange);
     if (PortGoes()) {
         EstablishesAgain();

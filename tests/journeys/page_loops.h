@@ -2,6 +2,8 @@
 //
 // A page tells its script once, as a PageScript, and asks for both loops where its journeys stand:
 //   INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(script, Stride(3))), NameOfFaultCase);
+//   INSTANTIATE_TEST_SUITE_P(OnGndElsewhere, FaultLoop,
+//                            testing::ValuesIn(OtherRoutes(scriptOnRoute, {Route::Uut, "junk", 31})), NameOfFaultCase);
 //   INSTANTIATE_TEST_SUITE_P(OnGnd, QuitLoop, testing::ValuesIn(QuitCases(script, {0, 1, 450})), NameOfQuitCase);
 #pragma once
 
@@ -11,15 +13,22 @@
 
 #include <cstdint>
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace ombrix::test {
 
+/// What stands between the station and the meter; by hand there is no calibrator.
+enum class Route { Direct, Uut, Manual };
+const char *NameOf(Route route);
+Wiring WiringOf(int board, Route route, unsigned seed);
+
 struct PageScript {
     Wiring wiring;
     /// Tells the operator what he does on the page, from the click that opens it until navigation is free again. He is
     /// patient for a time that the fault's name may shorten, and stops what goes no further. Navigation is free before.
+    /// Where he believes what the page says of a word, the bench's truth is asked whether it is so.
     std::function<void(BenchStation &station, const std::string &fault)> works;
     /// Tells him the same up to the click behind which Quit may come at any moment.
     std::function<void(BenchStation &station)> begins;
@@ -48,6 +57,20 @@ std::vector<FaultCase> FaultCases(const PageScript &script, int every);
 /// there are any: those that reach what is special about the page.
 std::vector<FaultCase> LastingFaultCases(const PageScript &script, int shortWalk,
                                          const std::vector<std::string> &names = {});
+/// What the short walk takes of a page on another route.
+struct ShortWalk {
+    Route route;
+    std::string fault;  ///< lasting
+    int every;
+};
+/// The same script through the calibrator's meter port and by hand. The long walk takes each fault that can reach such a
+/// station, the short one what it is told.
+std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scriptOn, const ShortWalk &shortWalk);
+/// A fault of the bench's calibrator, of its output or of its line: a page that applies nothing, and a station without a
+/// calibrator, never meet it.
+bool IsOfTheCalibrator(const std::string &fault);
+/// A fault by which the meter itself shows what isn't so: nobody can read a true value from it.
+bool DisplayLies(const std::string &fault);
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
 
@@ -65,6 +88,7 @@ protected:
     /// What the operator does about a device that was pulled.
     void EstablishesAgain();
 
+    /// Afterwards the loop knows which words the page writes.
     int ExchangesOfACleanRun();
     void RunsIntoTheFaultAt(int exchange);
 
@@ -74,7 +98,11 @@ protected:
 private:
     void WorksThePage();
     void EndsTheFault(int exchange);
+    void ExpectNoOutputUntold();
+    void ExpectNoOtherWordChanged(const bench::Words &before);
     bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
+
+    std::set<int> m_ownWords;  ///< that the page writes
 };
 
 // ---- the end of the program ----

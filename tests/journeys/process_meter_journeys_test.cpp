@@ -5,6 +5,7 @@
 #include "journeys/process_meters.h"
 #include "model/range_tables.h"
 #include "model/station_settings.h"
+#include "model/step_ids.h"
 #include "platform/text.h"
 #include "session/state.h"
 #include "support/bench_station.h"
@@ -31,8 +32,10 @@ constexpr int kVfRanges[] = {2, 3, 4};
 
 constexpr int kStepEntry = 60;  // seconds, most of them for an input that nobody confirms
 constexpr int kRemoval = 70;
-constexpr int kPatience = 120;  // what the operator waits before he ends what goes no further
-constexpr int kRestart = 3000;  // more than any restart: a meter that has just restarted is deaf
+constexpr int kPatience = 120;   // what the operator waits before he ends what goes no further
+constexpr int kRestart = 3000;   // more than any restart: a meter that has just restarted is deaf
+constexpr int kSettling = 2500;  // until a display has settled before his eyes
+constexpr int kGainWord = 29;    // of types J, K, E, N
 
 }  // namespace
 
@@ -119,21 +122,32 @@ void GoesOn(
     });
 }
 
-PageScript DiodeScript()
+// The distance that stands there when he accepts is so, unless the display itself lies.
+void AcceptsTheDiode(BenchStation &station, const std::string &fault)
+{
+    station.person.Waits(kSettling).Does([&station, fault] {
+        const bool on = ScriptedOperator::IsEnabled("cmdQDStop(0)");
+        const std::string distance = ScriptedOperator::Text("lblQDDistance");
+        if (on && ScriptedOperator::Text("lblQDDistanceMark") == "live" && !DisplayLies(fault)) {
+            EXPECT_NEAR(station.bench.RemainingError("Gain/Offset J"), Val(distance) * 10, 2) << "told: " << distance;
+        }
+        Leaves(station, on ? "cmdQDStop(0)" : "cmdQDStop(1)", kRemoval);
+        station.person.Waits(kRestart);
+    });
+}
+
+PageScript DiodeScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kTc, Route::Direct, 1);
-    script.works = [](BenchStation &station, const std::string &) {
+    script.wiring = WiringOf(kTc, route, 1);
+    script.works = [](BenchStation &station, const std::string &fault) {
         Leaves(station, StepButton(kTcGainOffset), kStepEntry);
-        station.person.Does([&station] {
+        station.person.Does([&station, fault] {
             const auto rests = [&station] { station.person.Waits(kRestart); };
             if (!ScriptedOperator::IsEnabled("cmdQDReady"))
                 return rests();
             station.person.Clicks("cmdQDReady");
-            const auto accepts = [&station, rests] {
-                Leaves(station, "cmdQDStop(0)", kRemoval);
-                rests();
-            };
+            const auto accepts = [&station, fault] { AcceptsTheDiode(station, fault); };
             const auto trimsTheOffset = [&station, accepts, rests] {
                 station.person.Clicks("cmdQDOffset");
                 GoesOn(station, "cmdQDStop(0)", "cmdQDStop(1)", accepts, rests);
@@ -158,15 +172,49 @@ PageScript DiodeScript()
     return script;
 }
 
-PageScript VfScript()
+// The word of the offset alone: its page never touches the gain.
+PageScript OffsetOnlyScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kVf, Route::Direct, 1);
+    script.wiring = WiringOf(kTc, route, 1);
+    script.works = [](BenchStation &station, const std::string &fault) {
+        const std::string gain = WordsOf(station, kGainWord, 1);
+        Leaves(station, ButtonOf(Step::OffsetOnly), kStepEntry);
+        station.person.Does([&station, fault, gain] {
+            const auto rests = [&station, gain] {
+                station.person.Waits(kRestart).Does(
+                    [&station, gain] { EXPECT_EQ(WordsOf(station, kGainWord, 1), gain); });
+            };
+            if (!ScriptedOperator::IsEnabled("cmdQDReady"))
+                return rests();
+            station.person.Clicks("cmdQDReady");
+            const auto accepts = [&station, fault] { AcceptsTheDiode(station, fault); };
+            const auto trims = [&station, accepts, rests] {
+                station.person.Clicks("cmdQDOffset");
+                GoesOn(station, "cmdQDStop(0)", "cmdQDStop(1)", accepts, rests);
+            };
+            GoesOn(station, "cmdQDOffset", "cmdQDStop(1)", trims, rests);
+        });
+    };
+    script.proves = [](BenchStation &station) {
+        station.person.Clicks(ButtonOf(Step::OffsetOnly)).WaitsFor("cmdQDReady").Clicks("cmdQDReady");
+        ClicksUntil(station, "cmdQDOffset", "lblQDDistance", 0.05, 0,
+                    [&station] { station.person.Clicks("cmdQDStop(0)").WaitsFor("cmdSetup"); });
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_LE(std::fabs(station.bench.RemainingError("Gain/Offset J")), 2);
+    };
+    return script;
+}
+
+PageScript VfScript(Route route)
+{
+    PageScript script;
+    script.wiring = WiringOf(kVf, route, 1);
     script.wiring.bench.operateDelayMs = 50;  // Quit is through with a counter in 100 ms
-    script.works = [](BenchStation &station, const std::string &) {
+    script.works = [](BenchStation &station, const std::string &fault) {
         VFLow = VFHigh = "3";
         Leaves(station, StepButton(kVfRanges[0]), kStepEntry);
-        station.person.Does([&station] {
+        station.person.Does([&station, fault] {
             // A good run leaves its input; the way to Setup takes it off.
             const auto leaves = [&station] {
                 Leaves(station, "cmdSetup", kRemoval);
@@ -174,8 +222,16 @@ PageScript VfScript()
             };
             if (!ScriptedOperator::IsEnabled("cmdVFRdyRpt"))
                 return leaves();
+            const auto believes = [&station, fault, leaves] {
+                const bool good = ScriptedOperator::Text("cmdVFRdyRpt") == "Repeat" &&
+                                  !ScriptedOperator::Text("lblInst(7)").starts_with("Calculated");
+                if (good && !DisplayLies(fault)) {
+                    EXPECT_LE(std::fabs(station.bench.RemainingError(kVfRanges[0])), 4) << "the page was content";
+                }
+                leaves();
+            };
             station.person.Clicks("cmdVFRdyRpt");
-            GoesOn(station, "cmdVFRdyRpt", "cmdVFStop", leaves, leaves);
+            GoesOn(station, "cmdVFRdyRpt", "cmdVFStop", believes, leaves);
         });
     };
     script.begins = [](BenchStation &station) {
@@ -191,14 +247,23 @@ PageScript VfScript()
     return script;
 }
 
-PageScript CurrentScript()
+// An error that stands there live is so, unless the display itself lies.
+void ExpectTheCurrentToBeTrue(BenchStation &station, const std::string &fault)
+{
+    const std::string counts = ScriptedOperator::Text("lblISError");
+    if (ScriptedOperator::Text("lblISErrorMark") == "live" && !DisplayLies(fault)) {
+        EXPECT_NEAR(station.bench.RemainingError("RTD Current"), Val(counts), 2) << "told: " << counts;
+    }
+}
+
+PageScript CurrentScript(Route route)
 {
     PageScript script;
-    script.wiring = WiringOf(kTemp, Route::Direct, 1);
-    script.works = [](BenchStation &station, const std::string &) {
+    script.wiring = WiringOf(kTemp, route, 1);
+    script.works = [](BenchStation &station, const std::string &fault) {
         TakesTheTempBoard(station);
         Leaves(station, StepButton(kRtdCurrent), kStepEntry);
-        station.person.Does([&station] {
+        station.person.Does([&station, fault] {
             const auto leaves = [&station] {
                 Leaves(station, "cmdSetup", kRemoval);
                 station.person.Waits(kRestart);
@@ -208,9 +273,12 @@ PageScript CurrentScript()
             station.person.Clicks("cmdISCalib");
             GoesOn(
                 station, "cmdISDone", "cmdISDone",
-                [&station, leaves] {
-                    Leaves(station, "cmdISDone", kRemoval);
-                    station.person.Does(leaves);
+                [&station, fault, leaves] {
+                    station.person.Waits(kSettling).Does([&station, fault, leaves] {
+                        ExpectTheCurrentToBeTrue(station, fault);
+                        Leaves(station, "cmdISDone", kRemoval);
+                        station.person.Does(leaves);
+                    });
                 },
                 leaves);
         });
@@ -230,17 +298,36 @@ PageScript CurrentScript()
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaultCases(DiodeScript(), 31)),
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaultCases(DiodeScript(Route::Direct), 31)),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaultCases(VfScript(), 83)), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop, testing::ValuesIn(LastingFaultCases(CurrentScript(), 15)),
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaultCases(VfScript(Route::Direct), 83)),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop,
+                         testing::ValuesIn(LastingFaultCases(CurrentScript(Route::Direct), 15)), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheOffsetAlone, FaultLoop,
+                         testing::ValuesIn(LastingFaultCases(OffsetOnlyScript(Route::Direct), 31, {"wrong-length"})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheDiodeElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(DiodeScript, {Route::Manual, "silent-meter", 31})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheOffsetAloneElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(OffsetOnlyScript, {Route::Uut, "calibrator-port-gone", 43})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAVfRangeElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(VfScript, {Route::Manual, "wrong-length", 83})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrentElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(CurrentScript, {Route::Uut, "silent-meter", 43})),
                          NameOfFaultCase);
 
 INSTANTIATE_TEST_SUITE_P(OnTheDiode, QuitLoop,
-                         testing::ValuesIn(QuitCases(DiodeScript(), {0, 500, 1200, 1900, 2600, 4000})), NameOfQuitCase);
+                         testing::ValuesIn(QuitCases(DiodeScript(Route::Direct), {0, 500, 1200, 1900, 2600, 4000})),
+                         NameOfQuitCase);
 INSTANTIATE_TEST_SUITE_P(OnAVfRange, QuitLoop,
-                         testing::ValuesIn(QuitCases(VfScript(), {0, 900, 3000, 7000, 11000, 14000, 20000})),
+                         testing::ValuesIn(QuitCases(VfScript(Route::Direct),
+                                                     {0, 900, 3000, 7000, 11000, 14000, 20000})),
                          NameOfQuitCase);
 INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, QuitLoop,
-                         testing::ValuesIn(QuitCases(CurrentScript(), {0, 1500, 4000, 6500, 7500, 9000, 12000})),
+                         testing::ValuesIn(QuitCases(CurrentScript(Route::Direct),
+                                                     {0, 1500, 4000, 6500, 7500, 9000, 12000})),
                          NameOfQuitCase);

@@ -20,22 +20,6 @@ double Number(const char *label)
 
 }  // namespace
 
-const char *NameOf(Route route)
-{
-    return route == Route::Direct ? "Direct" : route == Route::Uut ? "ThroughUut" : "Manual";
-}
-
-Wiring WiringOf(int board, Route route, unsigned seed)
-{
-    Wiring wiring;
-    wiring.bench.board = board;
-    wiring.bench.kind = board == kVf ? kCtr : kDpm;
-    wiring.bench.seed = seed;
-    wiring.bench.uut = route == Route::Uut;
-    wiring.manual = route == Route::Manual;
-    return wiring;
-}
-
 void ClicksUntil(BenchStation &station, const char *button, const char *number, double content, int clicks,
                  const std::function<void()> &then)
 {

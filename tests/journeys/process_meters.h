@@ -10,10 +10,6 @@
 
 namespace ombrix::test {
 
-enum class Route { Direct, Uut, Manual };
-const char *NameOf(Route route);
-Wiring WiringOf(int board, Route route, unsigned seed);
-
 /// Both words of a thermocouple type ("0" J, "1" T), from "Ready" to "Accept".
 void TrimsTheDiode(BenchStation &station, const std::string &type);
 /// From "Calibrate" to "Done".

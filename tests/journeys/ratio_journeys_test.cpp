@@ -26,8 +26,6 @@ constexpr int kGlance = 20;    // before a display that says at once that it is 
 constexpr int kLook = 200;     // milliseconds, in which an alert finds its place
 constexpr int kTrials = 3;
 
-enum class Route { Direct, Uut, Manual };
-
 // Also where the meter is lost: then its page offers the way out alone.
 bool IsAtRest()
 {
@@ -59,8 +57,7 @@ class RatioJourney : public testing::TestWithParam<Journey>
 
 std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
 {
-    constexpr const char *kRoutes[] = {"Direct", "ThroughUut", "Manual"};
-    return BoardName(std::get<0>(info.param)) + kRoutes[static_cast<std::size_t>(std::get<1>(info.param))] + "Seed" +
+    return BoardName(std::get<0>(info.param)) + NameOf(std::get<1>(info.param)) + "Seed" +
            std::to_string(std::get<2>(info.param));
 }
 
@@ -87,9 +84,10 @@ void TriesPatiently(BenchStation &station, const std::string &button, int second
     });
 }
 
-PageScript RatioScript()
+PageScript RatioScript(Route route)
 {
     PageScript script;
+    script.wiring = WiringOf(kDc, route, 1);
     script.works = [](BenchStation &station, const std::string &fault) {
         const int seconds = fault == "over-range" ? kGlance : kPatience;
         station.person.Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdRatioDone").Does([&station, seconds] {
@@ -110,7 +108,7 @@ PageScript RatioScript()
 // Those that reach a trial; each of them is taken by the long walk.
 std::vector<FaultCase> FaultsOfATrial()
 {
-    return LastingFaultCases(RatioScript(), 17,
+    return LastingFaultCases(RatioScript(Route::Direct), 17,
                              {"silent-meter", "silent-calibrator", "meter-port-gone", "calibrator-port-gone",
                               "never-operating", "wrong-length"});
 }
@@ -119,13 +117,7 @@ std::vector<FaultCase> FaultsOfATrial()
 
 TEST_P(RatioJourney, EndsWithinTwoCountsAndRemovesTheExcitation)
 {
-    const auto &[board, route, seed] = GetParam();
-    Wiring wiring;
-    wiring.bench.board = board;
-    wiring.bench.seed = seed;
-    wiring.bench.uut = route == Route::Uut;
-    wiring.manual = route == Route::Manual;
-    BenchStation station(wiring);
+    BenchStation station(std::apply(WiringOf, GetParam()));
     ASSERT_TRUE(station.Establishes()) << ScriptedOperator::Text("lblStatus");
     ASSERT_GT(std::abs(station.bench.RemainingError("Ratio Offset")), 8) << "as it came";
     CalibratesRatio(station);
@@ -142,6 +134,10 @@ INSTANTIATE_TEST_SUITE_P(OtherRoutes, RatioJourney,
                                           testing::Values(4u)),
                          NameOfJourney);
 INSTANTIATE_TEST_SUITE_P(InRatio, FaultLoop, testing::ValuesIn(FaultsOfATrial()), NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InRatioElsewhere, FaultLoop,
+                         testing::ValuesIn(OtherRoutes(RatioScript, {Route::Manual, "meter-port-gone", 23})),
+                         NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InRatio, QuitLoop,
-                         testing::ValuesIn(QuitCases(RatioScript(), {0, 1000, 3000, 6000, 9000, 12000, 16000, 30000})),
+                         testing::ValuesIn(QuitCases(RatioScript(Route::Direct),
+                                                     {0, 1000, 3000, 6000, 9000, 12000, 16000, 30000})),
                          NameOfQuitCase);
