@@ -21,8 +21,8 @@ git ls-files -z --cached --others --exclude-standard -- \
     {src,testbench,tests,benchmarks}/'*.h' {src,testbench,tests,benchmarks}/'*.cpp' |
     xargs -0 clang-format --dry-run -Werror || trouble=1
 
-echo "lint: arrows and lengths"
-for check in arrows lengths; do
+echo "lint: arrows, lengths and shells"
+for check in arrows lengths shells; do
     cmake -DROOT="$PWD" -P "cmake/check_$check.cmake" || trouble=1
 done
 

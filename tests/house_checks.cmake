@@ -85,9 +85,29 @@ foreach(file testbench/a.h tests/model/a_test.cpp tests/support/a.h benchmarks/a
   expect(check_lengths ${file} fails)
 endforeach()
 
+macro(shell verdict file text)
+  make(${file} "void A(const char *path)\n{\n    ${text}\;\n}\n")
+  expect(check_shells ${file} ${verdict})
+endmacro()
+
+shell(passes src/platform/line_guard.cpp "posix_spawn(&pid, path, nullptr, nullptr, words, environ)")
+shell(passes src/shell/operator_guide.cpp "QDesktopServices::openUrl(path)")
+shell(passes src/links/a.cpp "operating_system(path), calibrator.system(path), window->exec()")
+
+shell(fails src/platform/line_guard.cpp "posix_spawnp(&pid, path, nullptr, nullptr, words, environ)")
+shell(fails src/platform/line_guard.cpp "std::system(path)")
+shell(fails src/shell/a.cpp    "QDesktopServices::openUrl(path)")
+shell(fails src/model/a.cpp    "system(path)")
+shell(fails src/model/a.h      "const int code = system (path)")
+shell(fails src/records/a.cpp  "popen(path, words)")
+shell(fails guard/main.c       "execl(path, path, 0)")
+shell(fails testbench/program/a.cpp "if(fork() == 0) execv(path, words)")
+shell(fails src/main.cpp       "QProcess process")
+shell(fails src/shell/a.cpp    "Start(\"/bin/sh\", path)")
+
 # A wrong place to look is no clean house.
 make(elsewhere/a.cpp "\n")
-foreach(check check_arrows check_lengths)
+foreach(check check_arrows check_lengths check_shells)
   execute_process(COMMAND ${CMAKE_COMMAND} -DROOT=${TREE} -P ${CHECKS}/${check}.cmake
     RESULT_VARIABLE code OUTPUT_QUIET ERROR_QUIET)
   if(code EQUAL 0)
