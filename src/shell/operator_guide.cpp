@@ -7,18 +7,26 @@
 #include <QUrl>
 
 namespace ombrix {
+namespace {
+
+constexpr const char *kPlaces[] = {"/guide/operator.html", "/../share/ombrix/guide/operator.html", "/operator.md",
+                                   "/docs/operator.md", "/../docs/operator.md"};
+constexpr const char *kTitle = "Operator's Guide";
+
+}  // namespace
 
 void OpenGuide(const QString &programFolder)
 {
-    for (const char *place : {"/operator.md", "/docs/operator.md", "/../docs/operator.md"}) {
+    for (const char *place : kPlaces) {
         const QFileInfo guide(programFolder + place);
         if (!guide.isFile())
             continue;
-        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(guide.canonicalFilePath())))
-            outlets.showRemark("Nothing on this desktop opens " + guide.canonicalFilePath().toStdString());
+        const QString path = guide.canonicalFilePath();
+        if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+            outlets.warnOperator("Nothing on this desktop opens " + path.toStdString(), kTitle);
         return;
     }
-    outlets.showRemark("The operator's guide, operator.md, is not beside the program");
+    outlets.warnOperator("The operator's guide is not beside the program", kTitle);
 }
 
 }  // namespace ombrix

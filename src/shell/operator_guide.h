@@ -5,8 +5,9 @@
 
 namespace ombrix {
 
-/// Opens operator.md, which stands beside the program, in its docs folder or in the docs folder beside it, with the
-/// desktop's reader. A remark says so when it is not there or nothing opens it.
+/// Opens the guide with the desktop's reader: operator.html in the folder guide beside the program or in the installed
+/// ../share/ombrix/guide, else operator.md beside the program, in its docs folder or in the docs folder beside it. A box
+/// says so when it is not there or nothing opens it.
 void OpenGuide(const QString &programFolder);
 
 }  // namespace ombrix

@@ -1,5 +1,6 @@
 #include "shell/main_window.h"
 
+#include "platform/safe_file.h"
 #include "session/outlets.h"
 #include "session/page_frame.h"
 #include "session/state.h"
@@ -12,7 +13,7 @@
 
 #include <QDesktopServices>
 #include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QFrame>
 #include <QMainWindow>
 #include <QTabBar>
@@ -122,29 +123,43 @@ TEST_F(MainWindow, HasAPictureOfItsOwn)
     EXPECT_FALSE(frmOmbrix->windowIcon().pixmap(16, 16).isNull());
 }
 
-TEST_F(MainWindow, F1SaysThatTheGuideIsMissing)
+TEST_F(MainWindow, F1SaysInABoxThatTheGuideIsMissing)
 {
-    station.person.PressesAtOnce(Qt::Key_F1);
+    station.person.PressesAtOnce(Qt::Key_F1)
+        .WaitsUntil("the box is up", [] { return ScriptedOperator::Box() != nullptr; })
+        .Does([] { EXPECT_EQ(ScriptedOperator::BoxText(), "The operator's guide is not beside the program"); })
+        .AnswersBox("OK");
     ASSERT_TRUE(station.person.Runs());
-    EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "The operator's guide, operator.md, is not beside the program");
+}
+
+TEST_F(MainWindow, ABoxNamesTheGuideThatNothingOpens)
+{
+    QDir().mkpath("program");
+    WriteFile("program/operator.md", "# Guide\n");
+    std::string told;
+    station.person.Does([] { OpenGuide(QDir::current().filePath("program")); })
+        .WaitsUntil("the box is up", [] { return ScriptedOperator::Box() != nullptr; })
+        .Does([&told] { told = ScriptedOperator::BoxText(); })
+        .AnswersBox("OK");
+    ASSERT_TRUE(station.person.Runs());
+    EXPECT_EQ(told,
+              "Nothing on this desktop opens " + QFileInfo("program/operator.md").canonicalFilePath().toStdString());
 }
 
 TEST_F(MainWindow, TheGuideIsOpenedWhereItStands)
 {
-    QDir().mkpath("program/docs");
-    QDir().mkpath("docs");
     QTextBrowser reader;
     QDesktopServices::setUrlHandler("file", &reader, "setSource");
-    for (const char *place : {"docs/operator.md", "program/docs/operator.md", "program/operator.md"}) {
-        QFile guide(place);
-        ASSERT_TRUE(guide.open(QIODevice::WriteOnly));
-        guide.write("# Guide\n");
-        guide.close();
+    for (const char *place : {"docs/operator.md", "program/docs/operator.md", "program/operator.md",
+                              "share/ombrix/guide/operator.html", "program/guide/operator.html"}) {
+        QDir().mkpath(QFileInfo(place).path());
+        QDir().mkpath("program");
+        WriteFile(place, "Guide");
         OpenGuide(QDir::current().filePath("program"));
         EXPECT_EQ(reader.source().toLocalFile(), QFileInfo(place).canonicalFilePath()) << place;
     }
     QDesktopServices::unsetUrlHandler("file");
-    EXPECT_EQ(ScriptedOperator::Text("lblRemark"), "");
+    EXPECT_EQ(ScriptedOperator::Box(), nullptr);
 }
 
 }  // namespace
