@@ -27,6 +27,7 @@ int main(int argc, char **argv)
     parser.addOption({"testbench", "With --bench: where ombrix-testbench lies.", "path",
                       QApplication::applicationDirPath() + "/ombrix-testbench"});
     parser.addOption({"until-killed", "In the current folder's station, under <guard>, until it is killed.", "guard"});
+    parser.addOption({"first-meter", "The first chapter of the operator's guide, in real time against the testbench."});
     parser.addOption({"theme", "light or dark.", "theme", "light"});
     parser.addPositionalArgument(
         "board", "With --bench: dc, ac, ac2, ac3, lc, tc, temp or rtd; vf or an for an analog output.", "[board]");
@@ -42,10 +43,12 @@ int main(int argc, char **argv)
         .theme = parser.value("theme"),
         .testbench = parser.value("testbench"),
     };
-    const bool good = parser.isSet("bench")
-                          ? ombrix::tour::RunBench(options)
-                          : ombrix::tour::RunSimulation(options) && ombrix::tour::RunAnalogWalk(options) &&
-                                ombrix::tour::RunProcessMeters(options) && ombrix::tour::RunProcedures(options);
+    const bool good = parser.isSet("bench") ? ombrix::tour::RunBench(options)
+                      : parser.isSet("first-meter")
+                          ? ombrix::tour::RunFirstMeterInRealTime(options)
+                          : ombrix::tour::RunFirstMeter(options) && ombrix::tour::RunSimulation(options) &&
+                                ombrix::tour::RunAnalogWalk(options) && ombrix::tour::RunProcessMeters(options) &&
+                                ombrix::tour::RunProcedures(options);
     std::puts(good ? "The tour ended well." : "The tour FAILED.");
     return good ? 0 : 1;
 }

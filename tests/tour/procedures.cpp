@@ -1,67 +1,22 @@
 // The procedures beyond the ranges, on the bench's instruments: what they look like with real numbers on them.
-#include "tour/tour.h"
+#include "tour/bench_walk.h"
 
 #include "model/range_tables.h"
 #include "model/step_ids.h"
 #include "platform/clock.h"
 #include "session/state.h"
-#include "support/bench_station.h"
 
-#include <QDir>
-
-#include <cstdio>
 #include <string>
 
 namespace ombrix::tour {
 namespace {
 
-using test::BenchStation;
 using test::ScriptedOperator;
 
-constexpr unsigned kSeed = 7;
 constexpr int kSettleMs = 5000;
-constexpr int kRunsMs = 500;    // into a trial
-constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
+constexpr int kRunsMs = 500;  // into a trial
 
-class Walk
-{
-public:
-    Walk(int board, const Options &options)
-        : m_station(WiringOf(board, options.theme.toStdString())), m_folder(options.pictures)
-    {}
-
-    bool Establishes() { return m_station.Establishes(); }
-    ScriptedOperator &Person() { return m_station.person; }
-    BenchStation &Station() { return m_station; }
-    ScriptedOperator &Takes(const QString &name)
-    {
-        return m_station.person.Waits(kQuietMs).Does(
-            [this, name] { ScriptedOperator::TakesPicture(QDir(m_folder).filePath(name + ".png")); });
-    }
-    bool Ends()
-    {
-        const bool good = m_station.person.Runs();
-        if (!good)
-            std::printf("%s\n", m_station.person.Trouble().c_str());
-        return good;
-    }
-
-private:
-    static test::Wiring WiringOf(int board, const std::string &theme)
-    {
-        test::Wiring wiring;
-        wiring.bench.board = board;
-        wiring.bench.seed = kSeed;
-        wiring.painted = test::Painted::Yes;
-        wiring.theme = theme;
-        return wiring;
-    }
-
-    BenchStation m_station;
-    QString m_folder;
-};
-
-void WalkFirstCycle(Walk &walk)
+void WalkFirstCycle(BenchWalk &walk)
 {
     walk.Person()
         .Clicks(test::ButtonOf(Step::FirstCycle))
@@ -73,7 +28,7 @@ void WalkFirstCycle(Walk &walk)
     walk.Takes("first-cycle");
 }
 
-void WalkRatio(Walk &walk)
+void WalkRatio(BenchWalk &walk)
 {
     walk.Person()
         .Clicks(test::ButtonOf(Step::Ratio))
@@ -93,7 +48,7 @@ void WalkRatio(Walk &walk)
 }
 
 // The page at a trim, as an operator with a screwdriver in hand sees it.
-void WalkZeroAdjust(Walk &walk)
+void WalkZeroAdjust(BenchWalk &walk)
 {
     const auto follows = [&walk](const std::string &words, const std::string &button) -> ScriptedOperator & {
         return walk.Person().WaitsUntil(words, [words, button] {
@@ -113,7 +68,7 @@ void WalkZeroAdjust(Walk &walk)
     walk.Person().Presses(Qt::Key_Escape).WaitsFor("cmdSetup");
 }
 
-void WalkResistors(Walk &walk)
+void WalkResistors(BenchWalk &walk)
 {
     const auto settles = [&walk](const std::string &words) {
         walk.Person()
@@ -134,7 +89,7 @@ void WalkResistors(Walk &walk)
 
 bool WalkDc(const Options &options)
 {
-    Walk walk(kDc, options);
+    BenchWalk walk(kDc, options);
     if (!walk.Establishes())
         return false;
     WalkFirstCycle(walk);
@@ -144,7 +99,7 @@ bool WalkDc(const Options &options)
 
 bool WalkAc2(const Options &options)
 {
-    Walk walk(kAc2, options);
+    BenchWalk walk(kAc2, options);
     if (!walk.Establishes())
         return false;
     WalkZeroAdjust(walk);
@@ -156,11 +111,7 @@ bool WalkAc2(const Options &options)
 
 bool RunProcedures(const Options &options)
 {
-    if (options.pictures.isEmpty())
-        return true;
-    Options there = options;
-    there.pictures = QDir(options.pictures).absolutePath();
-    return WalkDc(there) && WalkAc2(there);
+    return options.pictures.isEmpty() || (WalkDc(options) && WalkAc2(options));
 }
 
 }  // namespace ombrix::tour

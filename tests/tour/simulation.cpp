@@ -27,7 +27,8 @@ using test::RangePositions;
 using test::ScriptedOperator;
 
 constexpr int kQuietMs = 1100;  // then the status line says what is, not what was
-constexpr int kRounds = 3;      // Ready and two Repeats: the simulator's noise falls with each correction
+constexpr const char *kGuidesRange = "20 V";
+constexpr int kRounds = 3;  // Ready and two Repeats: the simulator's noise falls with each correction
 
 struct RangeResult {
     std::string title;
@@ -109,6 +110,8 @@ void ScriptRange(ScriptedOperator &person, int position, const std::string &prog
     person.Waits(pictures.QuietMs()).Does([=, &pictures, &results] {
         results.push_back(Judge(position));
         pictures.Take(name);
+        if (results.back().title == kGuidesRange)
+            pictures.Take("range-page");
     });
     person.Clicks("cmdAccept");
     test::LeavesRange(person);
@@ -199,7 +202,7 @@ bool RunSimulation(const Options &options)
     ScriptedOperator person;
     person.Within(60);
     person.Does([&] { pictures.Take("setup"); }).DoubleClicks("lblCalOut").Clicks("cmdEstablish");
-    person.WaitsFor("cmdCalib(2)").Does([&] {
+    person.WaitsFor("cmdCalib(2)").Waits(pictures.QuietMs()).Does([&] {
         std::printf("%s\n", ScriptedOperator::Text("lblStatus").c_str());
         pictures.Take("established");
     });

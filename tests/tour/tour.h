@@ -27,6 +27,11 @@ bool RunAnalogWalk(const Options &options);
 bool RunAnalogBench(const Options &options);
 /// The pages of a simulated Temp meter and counter beyond the ranges.
 bool RunProcessMeters(const Options &options);
+/// What the guide's first chapter tells, on the bench in virtual time. Good when it goes to its summary within ten
+/// minutes. With a folder for pictures also what other chapters show.
+bool RunFirstMeter(const Options &options);
+/// The same against an emulated meter on pseudo-terminals, in real time, without pictures.
+bool RunFirstMeterInRealTime(const Options &options);
 /// With a folder for pictures: the procedures beyond the ranges, on the bench in virtual time.
 bool RunProcedures(const Options &options);
 
