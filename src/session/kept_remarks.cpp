@@ -26,4 +26,10 @@ void KeepRemarkOn(Subject subject, const std::string &text)
     outlets.keepRemark(all);
 }
 
+std::string KeptRemarkOn(Subject subject)
+{
+    const auto kept = keptRemarks.find(subject);
+    return kept == keptRemarks.end() ? "" : kept->second;
+}
+
 }  // namespace ombrix

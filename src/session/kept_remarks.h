@@ -12,5 +12,7 @@ enum class Subject { Settings, Board, Journal, Trace, Guard, Attempts };
 void InitKeptRemarks();
 /// Keeps a remark on a subject in place of the one before; "" takes it away and leaves those of other subjects.
 void KeepRemarkOn(Subject subject, const std::string &text);
+/// The remark that stands on a subject, "" when none does.
+std::string KeptRemarkOn(Subject subject);
 
 }  // namespace ombrix

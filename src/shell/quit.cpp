@@ -5,10 +5,13 @@
 #include "links/meter_link.h"
 #include "links/meter_operations.h"
 #include "links/meter_protocol.h"
+#include "model/ini_store.h"
 #include "model/settings.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "session/delays.h"
+#include "session/journal.h"
+#include "session/kept_remarks.h"
 #include "session/live_output.h"
 #include "session/page_frame.h"
 #include "session/state.h"
@@ -21,6 +24,7 @@
 #include <QMessageBox>
 #include <QPointer>
 #include <QSocketNotifier>
+#include <QStringList>
 #include <QThread>
 
 #include <array>
@@ -83,14 +87,27 @@ void SpeakLastWords()
         DelayAlways(kLastBytesMs);
 }
 
-// ---- the alert ----
+// ---- what must not end unsaid ----
 
 QPointer<QMessageBox> alertBox;
 
-// A box that nobody need answer: the program ends without.
-void ShowAlertBox(const std::string &alert)
+// What the operator could not know otherwise when the window has gone, one thing after the other.
+QStringList PartingWords(const std::string &alert)
 {
-    QMessageBox box(QMessageBox::Critical, "Ombrix", Caption(alert), QMessageBox::Ok, frmOmbrix);
+    QStringList words;
+    if (!alert.empty())
+        words += Caption(alert);
+    if (IniDirty && IniReady)
+        words += Caption(KeptRemarkOn(Subject::Settings));
+    if (JournalIsBehind())
+        words += "What happened last is not recorded: the journal can't be written.";
+    return words;
+}
+
+// A box that nobody need answer: the program ends without.
+void ShowAlertBox(const QString &words)
+{
+    QMessageBox box(QMessageBox::Critical, "Ombrix", words, QMessageBox::Ok, frmOmbrix);
     box.setTextFormat(Qt::PlainText);
     box.setWindowModality(Qt::NonModal);
     alertBox = &box;
@@ -99,13 +116,12 @@ void ShowAlertBox(const std::string &alert)
         PumpEvents(end.LeftMs());
 }
 
-void TellAlert(const std::string &alert, QuitBy by)
+void TellLast(const QStringList &words, QuitBy by)
 {
-    if (alert.empty())
-        return;
-    std::cerr << "ombrix: " << alert << std::endl;
-    if (by == QuitBy::Operator)
-        ShowAlertBox(alert);
+    for (const QString &each : words)
+        std::cerr << "ombrix: " << each.toStdString() << std::endl;
+    if (by == QuitBy::Operator && !words.isEmpty())
+        ShowAlertBox(words.join("\n"));
 }
 
 // The question about what the page in front would lose. Whoever quits while it stands has answered it.
@@ -187,7 +203,7 @@ void Quit(QuitBy by)
         Safely(SpeakLastWords);
         CloseLinks();
         Safely(SaveSettings);
-        TellAlert(alert, by);
+        TellLast(PartingWords(alert), by);
     }
     RequestShutdown();
     frmOmbrix->hide();

@@ -1,10 +1,16 @@
 #include "shell/quit.h"
 
 #include "platform/fault.h"
+#include "platform/file_faults.h"
 #include "platform/text.h"
 #include "session/page_frame.h"
 #include "session/procedure.h"
 #include "shell/quit_fixture.h"
+
+#include <QDir>
+#include <QFile>
+
+#include <cerrno>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -278,6 +284,38 @@ TEST_F(QuitProcedure, SavesEvenWhenALineIsGone)
     ASSERT_TRUE(person.Runs());
     ExpectSaved();
     EXPECT_FALSE(frmOmbrix->isVisible());
+}
+
+TEST_F(QuitProcedure, SettingsThatCannotBeSavedAreToldInABoxThatClosesByItself)
+{
+    static constexpr char kTold[] = "Ombrix.ini can't be written: Is a directory. The settings aren't saved.";
+    EstablishOnLines();
+    Learn();
+    QFile::remove("Ombrix.ini");
+    QDir().mkdir("Ombrix.ini");
+    testing::internal::CaptureStderr();
+    ClicksQuit().WaitsUntil("it is told", [] { return ScriptedOperator::BoxText() == kTold; });
+    person.WaitsUntil("the box is gone", [] { return ScriptedOperator::BoxText().empty(); });
+    ASSERT_TRUE(person.Runs());
+    EXPECT_THAT(testing::internal::GetCapturedStderr(), testing::HasSubstr(std::string("ombrix: ") + kTold));
+    EXPECT_FALSE(frmOmbrix->isVisible());
+}
+
+TEST_F(QuitProcedure, ADiskThatTakesNothingMoreIsToldOfTheSettingsAndOfTheJournal)
+{
+    EstablishOnLines();
+    Learn();
+    UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Write ? ENOSPC : 0, 0}; });
+    Click(StepButton(2));
+    testing::internal::CaptureStderr();
+    SignalComes();
+    person.Runs();
+    UseFileFaults(nullptr);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "ombrix: Ombrix.ini can't be written: No space left on device. The settings aren't saved.\n"
+              "ombrix: What happened last is not recorded: the journal can't be written.\n");
+    EXPECT_FALSE(frmOmbrix->isVisible());
+    EXPECT_LT(clock.Elapsed(), 4000);
 }
 
 TEST_F(QuitProcedure, TheStationOpensAfresh)
