@@ -276,3 +276,9 @@ INSTANTIATE_TEST_SUITE_P(InTheBalance, QuitLoop,
 INSTANTIATE_TEST_SUITE_P(InTheResistors, QuitLoop,
                          testing::ValuesIn(QuitCases(ScriptOf(kResistors, Route::Direct), {0, 400, 900, 1500, 4000})),
                          NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(InZeroAdjust, QuitLoop,
+                         testing::ValuesIn(QuitCases(ScriptOf(kZeroAdjust, Route::Direct), {0, 400, 900, 1500, 4000})),
+                         NameOfQuitCase);
+INSTANTIATE_TEST_SUITE_P(InR38, QuitLoop,
+                         testing::ValuesIn(QuitCases(ScriptOf(kR38, Route::Direct), {0, 400, 900, 1500, 4000})),
+                         NameOfQuitCase);

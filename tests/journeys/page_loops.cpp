@@ -1,25 +1,40 @@
 #include "journeys/page_loops.h"
 
+#include "model/nominals.h"
 #include "model/range_tables.h"
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "platform/safe_file.h"
 #include "platform/text.h"
+#include "session/procedure.h"
 #include "session/state.h"
+#include "shell/main_window.h"
+#include "shell/quit.h"
 #include "support/bench_log.h"
+#include "support/other_process.h"
 #include "testbench/meter_frame.h"
 
 #include <gmock/gmock.h>
 
+#include <QAbstractButton>
+#include <QMainWindow>
+
 #include <algorithm>
+#include <csignal>
 #include <cstdlib>
+#include <map>
 #include <memory>
 #include <ostream>
+#include <random>
 #include <utility>
 
 namespace ombrix::test {
 namespace {
 
-constexpr int kRestart = 6000;  // milliseconds, more than any restart: until then a meter is deaf
+constexpr int kRandomQuits = 2;  // of each page
+constexpr int kRandomQuitsOfSoak = 60;
+constexpr int kSecondThought = 50;  // milliseconds
+constexpr int kRestart = 6000;      // milliseconds, more than any restart: until then a meter is deaf
 
 // Milliseconds from `start` until the calibrator's line carried a text, -1 when it never did.
 std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std::int64_t start)
@@ -261,39 +276,140 @@ TEST_P(FaultLoop, LeavesNoHangAndNoOutputAndThePageWorksAfterwards)
 std::vector<QuitCase> QuitCases(const PageScript &script, const std::vector<int> &moments)
 {
     std::vector<QuitCase> cases;
-    for (const int after : moments)
-        cases.push_back({after, script});
+    for (std::size_t i = 0; i < moments.size(); i += static_cast<std::size_t>(Stride(2)))
+        cases.push_back({moments[i], 0, script});
+    const unsigned random = TimesOfSoak(kRandomQuits, kRandomQuitsOfSoak);
+    for (unsigned seed = 1; seed <= random; ++seed)
+        cases.push_back({0, seed, script});
     return cases;
 }
 
 void PrintTo(const QuitCase &each, std::ostream *out)
 {
-    *out << each.after << " ms";
+    if (each.seed > 0)
+        *out << "seed " << each.seed;
+    else
+        *out << each.after << " ms";
 }
 
 std::string NameOfQuitCase(const testing::TestParamInfo<QuitCase> &info)
 {
-    return "After" + std::to_string(info.param.after) + "Ms";
+    return info.param.seed > 0 ? "AnywhereSeed" + std::to_string(info.param.seed)
+                               : "After" + std::to_string(info.param.after) + "Ms";
 }
 
-TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsAndEndsWithin4Seconds)
+namespace {
+
+enum class Road { Button, CloseBox, Signal };
+
+struct End {
+    Road road = Road::Button;
+    std::int64_t moment = 0;  // 0: the operator clicks
+    std::int64_t came = 0;
+    std::int64_t over = 0;
+};
+
+// What the operator, the desktop or the system does.
+void Comes(Road road)
 {
-    BenchStation station(GetParam().script.wiring);
+    if (road == Road::Button)
+        qobject_cast<QAbstractButton *>(ScriptedOperator::Find("cmdQuit"))->click();
+    else if (road == Road::CloseBox)
+        frmOmbrix->close();
+    else
+        std::raise(SIGTERM);
+}
+
+// Who is asked about what isn't saved means it.
+void ComesTwice(End &end)
+{
+    end.came = NowMicros();
+    CallAfter(kSecondThought, [&end] {
+        if (Quitting)
+            return;
+        end.came = NowMicros();
+        Comes(end.road);
+    });
+    Comes(end.road);
+}
+
+// Milliseconds that a page's whole work takes.
+std::int64_t LengthOfWork(const PageScript &script)
+{
+    BenchStation station(script.wiring);
+    EXPECT_TRUE(station.Establishes());
+    const std::int64_t start = station.clock.Elapsed();
+    script.works(station, "");
+    EXPECT_TRUE(station.person.Runs()) << station.person.Trouble();
+    return station.clock.Elapsed() - start;
+}
+
+// The same for all cases of one page, which follow each other.
+std::int64_t KnownLengthOfWork(const PageScript &script)
+{
+    static std::map<std::string, std::int64_t> lengths;
+    const std::string page = testing::UnitTest::GetInstance()->current_test_info()->test_suite_name();
+    const auto known = lengths.find(page);
+    return known != lengths.end() ? known->second : lengths.emplace(page, LengthOfWork(script)).first->second;
+}
+
+End DrawnEnd(const QuitCase &quit)
+{
+    End end;
+    std::mt19937 random(quit.seed * 7919);
+    end.moment = 1 + static_cast<std::int64_t>(random()) % KnownLengthOfWork(quit.script);
+    end.road = static_cast<Road>(random() % 3);
+    return end;
+}
+
+void Learn()
+{
+    SetNominalSlopeOf(kRtd, 31, 1.5f);
+    SetNominalWordOf(kRtd, 31, "1234");
+}
+
+void ExpectLearnedOnFile()
+{
+    const std::string ini = ReadFile("Ombrix.ini").value_or("");
+    const std::size_t gains = ini.find("[Gains]");
+    const std::size_t words = ini.find("[CalibValues]");
+    EXPECT_LT(ini.find("RTD.1F=1.5000\n", gains), words);
+    EXPECT_NE(ini.find("RTD.1F=1234\n", words), std::string::npos);
+}
+
+}  // namespace
+
+TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsSavesAndEndsWithin4Seconds)
+{
+    const QuitCase &quit = GetParam();
+    End end = quit.seed > 0 ? DrawnEnd(quit) : End();
+    SCOPED_TRACE("road " + std::to_string(static_cast<int>(end.road)) + " at " + std::to_string(end.moment) + " ms");
+    BenchStation station(quit.script.wiring);
     ASSERT_TRUE(station.Establishes());
-    std::int64_t clicked = 0;
-    GetParam().script.begins(station);
-    station.person.Waits(GetParam().after).Does([&] { clicked = NowMicros(); }).Clicks("cmdQuit");
+    Learn();
+    WatchSignals();
+    if (quit.seed > 0) {
+        CallAfter(static_cast<int>(end.moment), [&end] { ComesTwice(end); });
+        quit.script.works(station, "");
+    } else {
+        quit.script.begins(station);
+        station.person.Waits(quit.after).Does([&end] { end.came = NowMicros(); }).Clicks("cmdQuit");
+    }
     station.person.Runs();
-    const std::int64_t ended = (NowMicros() - clicked) / 1000;
-    ASSERT_GT(clicked, 0) << station.person.Trouble();
+    end.over = NowMicros();
+    StopWatchingSignals();
+    ASSERT_GT(end.came, 0) << station.person.Trouble();
     EXPECT_TRUE(Quitting);
-    const std::int64_t standby = HeardAfter(station.bench, "OUT 0 V, 0 Hz ; STBY ; *WAI", clicked);
+    EXPECT_FALSE(ProcedureRunning());
+    EXPECT_FALSE(frmOmbrix->isVisible());
+    const std::int64_t standby = HeardAfter(station.bench, "OUT 0 V, 0 Hz ; STBY ; *WAI", end.came);
     EXPECT_GE(standby, 0);
     EXPECT_LE(standby, 1200);
-    EXPECT_GE(HeardAfter(station.bench, "LOCAL", clicked), standby);
-    EXPECT_LE(ended, 4000);
+    EXPECT_GE(HeardAfter(station.bench, "LOCAL", end.came), standby);
+    EXPECT_LE((end.over - end.came) / 1000, 4000);
     EXPECT_FALSE(station.bench.CalibratorNow().operating);
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+    ExpectLearnedOnFile();
 }
 
 }  // namespace ombrix::test

@@ -108,10 +108,13 @@ private:
 // ---- the end of the program ----
 
 struct QuitCase {
-    int after;  ///< milliseconds behind the script's last click
+    int after;      ///< milliseconds behind the script's last click
+    unsigned seed;  ///< 0, or draws any moment of the whole script and the road on which the end comes
     PageScript script;
 };
 
+/// At these moments by the button, and at random ones of the page's whole work by the button, the window's close box or
+/// a signal. The long walk takes each of these moments and sixty random ones, the short one every second and two.
 std::vector<QuitCase> QuitCases(const PageScript &script, const std::vector<int> &moments);
 void PrintTo(const QuitCase &each, std::ostream *out);
 std::string NameOfQuitCase(const testing::TestParamInfo<QuitCase> &info);
