@@ -7,7 +7,6 @@
 #include "platform/clock.h"
 #include "session/state.h"
 #include "shell/station.h"
-#include "shell/theme.h"
 #include "shell/trace_start.h"
 #include "support/bench_program.h"
 
@@ -83,9 +82,6 @@ bool WalkWindow(const Options &options)
     walk.Person().Clicks("cmdCalib(2)").WaitsFor("cmdReady").PressesAtOnce(Qt::Key_F12).WaitsFor("cmdTraceClose");
     walk.Takes("trace", "dlgTrace");
     walk.Person().Clicks("cmdTraceClose");
-    walk.Person().Does([&options] { ApplyTheme(options.theme == "dark" ? "light" : "dark"); });
-    walk.Takes("other-colours");
-    walk.Person().Does([&options] { ApplyTheme(options.theme.toStdString()); });
     walk.Person().Clicks(ButtonOf(Step::ViewNvm)).WaitsFor("txtNVM(7)").Types("txtNVM(7)", "8A2F").Clicks("cmdQuit");
     walk.Person().WaitsUntil("the question stands", [] { return ScriptedOperator::Box() != nullptr; });
     walk.Takes("quit-unsaved");
@@ -99,12 +95,24 @@ bool WalkWindow(const Options &options)
     return walk.Ends();
 }
 
+bool WalkOtherColours(Options options)
+{
+    options.theme = options.theme == "dark" ? "light" : "dark";
+    BenchWalk walk(kDc, options);
+    if (!walk.Establishes())
+        return false;
+    walk.Person().Clicks("cmdCalib(2)").WaitsFor("cmdReady").Clicks("cmdReady").WaitsFor("cmdRepeat");
+    walk.Takes("other-colours");
+    return walk.Ends();
+}
+
 }  // namespace
 
 bool RunFirstMeter(const Options &options)
 {
     std::printf("The first meter of the guide\n");
-    return WalkFirstMeter(options) && (options.pictures.isEmpty() || WalkWindow(options));
+    return WalkFirstMeter(options) &&
+           (options.pictures.isEmpty() || (WalkWindow(options) && WalkOtherColours(options)));
 }
 
 bool RunFirstMeterInRealTime(const Options &options)
