@@ -7,6 +7,7 @@
 #include <fstream>
 #include <regex>
 #include <sstream>
+#include <utility>
 
 namespace ombrix::test {
 namespace {
@@ -28,7 +29,7 @@ struct Bracket {
 class Reader
 {
 public:
-    Reader(const std::string &source, const std::string &file) : m_source(source), m_file(file) {}
+    Reader(const std::string &source, std::string file) : m_source(source), m_file(std::move(file)) {}
 
     std::vector<Literal> Literals()
     {
@@ -101,6 +102,12 @@ private:
         if (m_previous == "true" && !m_open.empty())
             m_brackets[m_open.back()].hasTrue = true;
     }
+    void TakeBlank(char c)
+    {
+        if (c == '\n')
+            ++m_line;
+        ++m_at;
+    }
     void ReadOne()
     {
         const char c = m_source[m_at];
@@ -109,10 +116,10 @@ private:
         else if (Begins("/*"))
             SkipTo("*/", 2);
         else if (c == '\n' || c == ' ')
-            m_line += m_source[m_at++] == '\n' ? 1 : 0;
+            TakeBlank(c);
         else if (c == '"')
             TakeLiteral();
-        else if (c == '\'' && !std::isdigit(static_cast<unsigned char>(m_previous.back()))) {
+        else if (c == '\'' && std::isdigit(static_cast<unsigned char>(m_previous.back())) == 0) {
             ReadQuoted('\'');
             m_previous = "'";
         } else if (IsNameLetter(c))
@@ -126,14 +133,13 @@ private:
         for (const std::size_t bracket : place)
             if (m_brackets[bracket].kind == '(' && !m_brackets[bracket].name.empty())
                 literal.calls.push_back(m_brackets[bracket].name);
-        for (auto bracket = place.rbegin(); bracket != place.rend(); ++bracket) {
-            const Bracket &around = m_brackets[*bracket];
-            if (around.kind == '(' && around.name.empty())
-                continue;
-            literal.data = around.kind == '{' && !around.hasStatements;
-            literal.red = literal.data && around.hasTrue;
+        const auto around = std::find_if(place.rbegin(), place.rend(), [this](std::size_t bracket) {
+            return m_brackets[bracket].kind != '(' || !m_brackets[bracket].name.empty();
+        });
+        if (around == place.rend())
             return;
-        }
+        literal.data = m_brackets[*around].kind == '{' && !m_brackets[*around].hasStatements;
+        literal.red = literal.data && m_brackets[*around].hasTrue;
     }
 
     const std::string &m_source;
