@@ -9,7 +9,7 @@ QtMessageHandler sayAsBefore = nullptr;
 
 void SayAllButNoise(QtMsgType type, const QMessageLogContext &context, const QString &text)
 {
-    if (text != "This plugin does not support propagateSizeHints()" &&
+    if (text != "This plugin does not support propagateSizeHints()" && text != "This plugin does not support raise()" &&
         !text.startsWith("QStandardPaths: XDG_RUNTIME_DIR not set, defaulting to "))
         sayAsBefore(type, context, text);
 }

@@ -3,8 +3,8 @@
 
 namespace ombrix::tour {
 
-/// From now on two remarks of the toolkit are dropped: that its screenless window takes no size hints, and that
-/// XDG_RUNTIME_DIR isn't set. Everything else is said as before. Call it before there is an application.
+/// From now on three remarks of the toolkit are dropped: that its screenless window takes no size hints and can't be
+/// raised, and that XDG_RUNTIME_DIR isn't set. Everything else is said as before. Call it before there is an application.
 void DropToolkitNoise();
 
 }  // namespace ombrix::tour
