@@ -1,36 +1,44 @@
 // The station is killed while an output stands: the guard takes it off. On real pseudo-terminals, in real time.
 //
-// A few kills; with OMBRIX_SOAK=1 a hundred.
+// One kill a route; with OMBRIX_SOAK=1 a hundred, in ten lanes that may run side by side.
 
+#include "support/other_process.h"
 #include "testbench/bench.h"
 #include "testbench/program/pty_line.h"
 #include "testbench/program/station_folder.h"
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <QDir>
 #include <QProcess>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <functional>
 #include <poll.h>
 #include <random>
 #include <string>
+#include <vector>
 
 using namespace ombrix;
 
 namespace {
 
 constexpr bench::Micros kSecond = 1'000'000;
-constexpr bench::Micros kToOutput = 40 * kSecond;  // from the start to an output, on a machine with much else to do
+constexpr bench::Micros kToOutput = 60 * kSecond;  // from the start to an output, on a machine with much else to do
 constexpr bench::Micros kLongestMoment = 4 * kSecond;
-constexpr bench::Micros kPatience = 3 * kSecond;
-constexpr int kOperateMs = 50;
-// A terminal has the guard's words at once; at 9600 baud the calibrator has their last byte so much later.
-constexpr bench::Micros kWire = 300 * 1042;
+constexpr bench::Micros kPatience = 5 * kSecond;
+constexpr bench::Micros kByte = 1042;
+constexpr bench::Micros kToStandby = kSecond / 5;
+constexpr int kLongestBlock = 200;
+// Less than one of the guard's commands takes on the line: the bench's calibrator begins anew with each.
+constexpr int kOperateMs = 20;
+constexpr char kStandby[] = "OUT 0 V, 0 Hz ; STBY ; *WAI";
 
 bench::Micros Now()
 {
@@ -38,34 +46,58 @@ bench::Micros Now()
     return std::chrono::duration_cast<std::chrono::microseconds>(since).count();
 }
 
-int Kills()
-{
-    const char *soak = std::getenv("OMBRIX_SOAK");
-    return soak != nullptr && *soak == '1' ? 50 : 1;
-}
-
-// The guard of this station: other tests have theirs beside it. 0 when it has none.
-pid_t GuardOf(qint64 station)
+// The guard of a station; "" when it has none. One that only waits to be buried is none.
+QString GuardOf(qint64 station)
 {
     for (const QString &number : QDir("/proc").entryList(QDir::Dirs)) {
         QFile status("/proc/" + number + "/status");
         if (QFile::symLinkTarget("/proc/" + number + "/exe") == OMBRIX_GUARD && status.open(QIODevice::ReadOnly) &&
-            status.readAll().contains("\nPPid:\t" + QByteArray::number(station) + "\n"))
-            return number.toInt();
+            status.readAll().contains("PPid:\t" + QByteArray::number(station) + "\n"))
+            return number;
     }
-    return 0;
+    return "";
 }
 
-// More than only waiting to be buried by whoever inherited it.
-bool Lives(pid_t guard)
+bool Lives(const QString &guard)
 {
-    return QFile::symLinkTarget(QString("/proc/%1/exe").arg(guard)) == OMBRIX_GUARD;
+    return QFile::symLinkTarget("/proc/" + guard + "/exe") == OMBRIX_GUARD;
 }
 
-class KilledStation : public testing::TestWithParam<bool>
+// Bytes that an open block still takes for the meter's, when a command stops behind `said`. Behind a header that isn't
+// whole nobody knows.
+int BytesSwallowed(const std::string &said)
+{
+    const std::size_t block = said.find('#');
+    if (!said.starts_with("UUT_SEND") || block == std::string::npos)
+        return 0;
+    const std::size_t digits = block + 1 < said.size() ? static_cast<std::size_t>(said[block + 1] - '0') : 9;
+    if (said.size() < block + 2 + digits || digits == 0)
+        return kLongestBlock;
+    const int length = std::atoi(said.substr(block + 2, digits).c_str());
+    return std::max(0, length - static_cast<int>(said.size() - block - 2 - digits));
+}
+
+struct Lane {
+    bool uut;
+    int number;
+};
+
+// The rest of a command when its station dies between two of its bytes.
+enum class Rest { Comes, IsLost };
+
+class KilledStation : public testing::TestWithParam<Lane>
 {
 protected:
-    KilledStation() : bench(SetupOf(GetParam())), meter(PathOf("COM1")), calibrator(PathOf("COM2")) {}
+    KilledStation()
+        : bench(SetupOf(GetParam().uut)), meter(PathOf("COM1")), calibrator(PathOf("COM2")),
+          random(static_cast<unsigned>(GetParam().number * 2 + (GetParam().uut ? 2 : 1)))
+    {}
+    ~KilledStation() override
+    {
+        if (station.state() != QProcess::NotRunning)
+            station.kill();
+        station.waitForFinished();
+    }
 
     static bench::BenchSetup SetupOf(bool uut)
     {
@@ -84,69 +116,211 @@ protected:
             pollfd inputs[] = {{meter.Descriptor(), POLLIN, 0}, {calibrator.Descriptor(), POLLIN, 0}};
             poll(inputs, 2, 1);
             Carry(bench::Line::Meter, meter);
-            if (Carry(bench::Line::Calibrator, calibrator))
-                lastByte = Now();
+            Carry(bench::Line::Calibrator, calibrator);
         }
         return done();
     }
+    void LetTimePass(bench::Micros time)
+    {
+        Until([] { return false; }, time);
+    }
     bool Operates() const { return bench.CalibratorNow().operating; }
 
-    void StationIsKilledUnderAnOutput(bench::Micros moment)
+    void Begins()
     {
-        QProcess station;
+        const bench::DevicePaths paths{meter.Link(), calibrator.Link()};
+        ASSERT_EQ(bench::TellStation(folder.path().toStdString(), paths, SetupOf(GetParam().uut)), "");
+        meter.LetOthersIn();
+        calibrator.LetOthersIn();
         station.setWorkingDirectory(folder.path());
         station.start(OMBRIX_TOUR, {"--until-killed", OMBRIX_GUARD});
         ASSERT_TRUE(Until([this] { return Operates(); }, kToOutput)) << station.readAll().toStdString();
-        Until([] { return false; }, moment);
-        const bool stood = Operates();
-        const pid_t guard = GuardOf(station.processId());
-        ASSERT_NE(guard, 0) << "no guard stands beside the station";
+        guard = GuardOf(station.processId());
+        ASSERT_NE(guard, "");
+    }
+
+    void IsKilledAfter(bench::Micros moment)
+    {
+        LetTimePass(moment);
+        Dies();
+    }
+
+    // After a while, with a part of its next command to the calibrator on the line.
+    void IsKilledInsideACommand(bench::Micros moment, Rest rest)
+    {
+        LetTimePass(moment);
+        cutting = true;
+        ASSERT_TRUE(Until([this] { return cut.size() > 1; }, kToOutput)) << "no command came";
+        cutting = false;
+        ::kill(static_cast<pid_t>(station.processId()), SIGSTOP);  // all that follows on the line is the guard's
+        cut += calibrator.ReadAll();
+        const std::size_t part = 1 + random() % (cut.size() - 1);
+        Hears(cut.substr(0, part));
+        LetTimePass(static_cast<bench::Micros>(part) * kByte);
+        if (rest == Rest::Comes)
+            Hears(cut.substr(part));
+        Dies();
+        ++inside;
+    }
+
+    void Dies()
+    {
+        under += Operates() ? 1 : 0;
+        killed = Now();
+        firstOfGuard = 0;
+        stationsEnd = std::max(killed, onWire);
+        swallowed = BytesSwallowed(said);
         ::kill(static_cast<pid_t>(station.processId()), SIGKILL);
         station.waitForFinished();
-        under += stood ? 1 : 0;
-        ASSERT_TRUE(Until([guard] { return !Lives(guard); }, kPatience)) << "a guard is left behind";
-        Until([this] { return !Operates() && Now() - lastByte > kWire; }, kPatience);
+    }
+
+    bench::Micros InStandbySince() const
+    {
+        const std::vector<bench::OutputEvent> history = bench.OutputHistory();
+        bench::Micros since = 0;
+        for (auto each = history.rbegin(); each != history.rend() && !each->operate; ++each)
+            since = each->time;
+        return since;
+    }
+
+    // Judged by what stands on the terminals.
+    void ExpectStandbyInTime()
+    {
+        ASSERT_TRUE(Until([this] { return !Lives(guard); }, kPatience)) << "a guard is left behind";
+        ASSERT_TRUE(Until([this] { return firstOfGuard > 0; }, kPatience)) << "it has said nothing";
+        Until([this] { return !Operates() && Now() > onWire + kToStandby; }, kPatience);
         EXPECT_FALSE(Operates());
         EXPECT_EQ(bench.CalibratorNow().output, "0 V, 0 Hz");
-        ASSERT_FALSE(bench.OutputHistory().empty());
-        EXPECT_LE(bench.OutputHistory().back().time, lastByte + kWire + kSecond / 5);
+        EXPECT_TRUE(said.empty()) << "it ended inside a command";
+        const bench::Micros standby = InStandbySince();
+        const bench::Micros waited = std::max(stationsEnd, firstOfGuard) + swallowed * kByte;
+        EXPECT_LE(standby, waited + kToStandby) << "the last byte to wait for came at " << waited;
+        if (standby > killed)
+            times.push_back((standby - killed) / 1000);
+    }
+
+    void TellFigures()
+    {
+        std::sort(times.begin(), times.end());
+        if (!times.empty())
+            std::printf("%d kills under an output, %d inside a command: standby after %lld ms, at worst %lld ms\n",
+                        under, inside, static_cast<long long>(times[times.size() / 2]),
+                        static_cast<long long>(times.back()));
     }
 
     QTemporaryDir folder;
     bench::Bench bench;
     bench::PtyLine meter;
     bench::PtyLine calibrator;
-    bench::Micros lastByte = 0;
+    std::mt19937 random;
+    QProcess station;
+    QString guard;
+
+    std::string said;          // of the calibrator's line since its last line end
+    bench::Micros onWire = 0;  // when the last byte of the calibrator's line has arrived
+    bool cutting = false;      // what comes on that line is held back
+    std::string cut;           // what was
+    bench::Micros killed = 0;
+    bench::Micros stationsEnd = 0;
+    bench::Micros firstOfGuard = 0;
+    int swallowed = 0;
     int under = 0;
+    int inside = 0;
+    std::vector<bench::Micros> times;  // from a kill to standby, ms
 
 private:
-    bool Carry(bench::Line line, bench::PtyLine &pty)
+    void Carry(bench::Line line, bench::PtyLine &pty)
     {
         const std::string heard = pty.ReadAll();
-        if (!heard.empty())
+        if (line == bench::Line::Calibrator && cutting)
+            cut += heard;
+        else if (line == bench::Line::Calibrator)
+            Hears(heard);
+        else if (!heard.empty())
             bench.Receive(line, heard, Now());
         pty.Write(bench.Collect(line, Now()));
-        return !heard.empty();
+    }
+
+    void Hears(const std::string &bytes)
+    {
+        if (bytes.empty())
+            return;
+        const bench::Micros now = Now();
+        bench.Receive(bench::Line::Calibrator, bytes, now);
+        onWire = std::max(onWire, now) + static_cast<bench::Micros>(bytes.size()) * kByte;
+        firstOfGuard = firstOfGuard == 0 ? now : firstOfGuard;
+        said += bytes;
+        said.erase(0, said.rfind('\n') + 1);
     }
 };
 
-}  // namespace
-
-TEST_P(KilledStation, LeavesTheCalibratorInStandbyWithin200MillisecondsOfTheGuardsLastByte)
+class StationThatIsAskedToQuit : public KilledStation
 {
-    ASSERT_EQ(meter.Open() + calibrator.Open(), "");
-    const bench::DevicePaths paths{meter.Link(), calibrator.Link()};
-    std::mt19937 random(GetParam() ? 2 : 1);
-    for (int n = 0; n < Kills() && !HasFailure(); ++n) {
-        ASSERT_EQ(bench::TellStation(folder.path().toStdString(), paths, SetupOf(GetParam())), "");
-        meter.LetOthersIn();
-        calibrator.LetOthersIn();
-        const auto moment = static_cast<bench::Micros>(random() % kLongestMoment);
-        SCOPED_TRACE("killed " + std::to_string(moment / 1000) + " ms after an output began");
-        StationIsKilledUnderAnOutput(moment);
-    }
-    EXPECT_GT(under, 0) << "no output stood at any of these moments";
+};
+
+std::vector<Lane> Lanes()
+{
+    std::vector<Lane> lanes;
+    for (int number = 0; number < test::TimesOfSoak(1, 10); ++number)
+        for (const bool uut : {false, true})
+            lanes.push_back({uut, number});
+    return lanes;
 }
 
-INSTANTIATE_TEST_SUITE_P(Routes, KilledStation, testing::Values(false, true),
-                         [](const auto &info) { return info.param ? "ThroughUut" : "Direct"; });
+}  // namespace
+
+// Every second kill comes between two bytes of a command, and of these every second loses the command's rest.
+TEST_P(KilledStation, LeavesTheCalibratorInStandbyWithin200MillisecondsOfTheLastByteThatItMustWaitFor)
+{
+    ASSERT_EQ(meter.Open() + calibrator.Open(), "");
+    const int first = GetParam().uut ? 1 : 0;
+    const int kills = test::TimesOfSoak(1, 10);
+    for (int n = first; n < first + kills && !HasFailure(); ++n) {
+        ASSERT_NO_FATAL_FAILURE(Begins());
+        const auto moment = static_cast<bench::Micros>(random() % kLongestMoment);
+        SCOPED_TRACE("kill " + std::to_string(n) + ", " + std::to_string(moment / 1000) + " ms after an output began");
+        cut.clear();
+        if (n % 2 == 0)
+            IsKilledAfter(moment);
+        else
+            IsKilledInsideACommand(moment, n % 4 == 1 ? Rest::IsLost : Rest::Comes);
+        SCOPED_TRACE("inside \"" + cut + "\"");
+        ExpectStandbyInTime();
+    }
+    TellFigures();
+}
+
+// Its own last words end with LOCAL. The guard has nothing to add.
+TEST_P(StationThatIsAskedToQuit, LeavesTheGuardNothingToSay)
+{
+    ASSERT_EQ(meter.Open() + calibrator.Open(), "");
+    ASSERT_NO_FATAL_FAILURE(Begins());
+    LetTimePass(static_cast<bench::Micros>(random() % kLongestMoment));
+    const bench::Micros asked = Now();
+    ::kill(static_cast<pid_t>(station.processId()), SIGTERM);
+    ASSERT_TRUE(
+        Until([this] { return station.waitForFinished(0) || station.state() == QProcess::NotRunning; }, kPatience));
+    EXPECT_EQ(station.exitStatus(), QProcess::NormalExit);
+    EXPECT_EQ(station.exitCode(), 0);
+    EXPECT_FALSE(Lives(guard));
+    LetTimePass(kToStandby);
+    EXPECT_FALSE(Operates());
+    std::vector<std::string> last;
+    for (const auto &each : bench.Transcript())
+        if (each.fromStation && each.line == bench::Line::Calibrator && each.time >= asked &&
+            each.text.find("UUT_SEND") == std::string::npos)
+            last.push_back(each.text);
+    ASSERT_GE(last.size(), 2u);
+    EXPECT_THAT(last[last.size() - 2], testing::HasSubstr(kStandby));
+    EXPECT_THAT(last.back(), testing::HasSubstr("LOCAL"));
+    EXPECT_EQ(std::count_if(last.begin(), last.end(), [](const auto &text) { return text.find("LOCAL") != text.npos; }),
+              1);
+}
+
+static std::string NameOfLane(const testing::TestParamInfo<Lane> &info)
+{
+    return (info.param.uut ? "ThroughUut" : "Direct") + std::to_string(info.param.number);
+}
+
+INSTANTIATE_TEST_SUITE_P(Routes, KilledStation, testing::ValuesIn(Lanes()), NameOfLane);
+INSTANTIATE_TEST_SUITE_P(Routes, StationThatIsAskedToQuit, testing::Values(Lane{false, 0}), NameOfLane);

@@ -5,6 +5,7 @@
 #include "platform/crash_note.h"
 #include "platform/text.h"
 #include "session/state.h"
+#include "shell/quit.h"
 #include "shell/station.h"
 #include "shell/trace_start.h"
 #include "support/bench_program.h"
@@ -193,16 +194,19 @@ bool RunUntilKilled(const std::string &guard)
     BeginTrace(".");
     WatchCrashes(kCrashFile);
     OpenGuard(guard);
+    WatchSignals();
     ScriptedOperator person;
     person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
         return Established && ScriptedOperator::IsEnabled("cmdSetup");
     });
     bool good = person.Runs();
-    while (good)
+    while (good && !Quitting)
         good = CalibrateOneRange(person).good;
     std::printf("%s\n", person.Trouble().c_str());
+    const bool asked = Quitting;
+    StopWatchingSignals();
     CloseStation();
-    return false;
+    return asked;
 }
 
 RangeRun RunRangeOnVirtualTime(const Options &options)

@@ -50,7 +50,7 @@ RangeRun RunRangeInRealTime(const Options &options);
 RangeRun RunRangeOnVirtualTime(const Options &options);
 
 /// In the current folder, whose settings name the lines: establishes, and calibrates the board's first gain step again
-/// and again, under this guard, until it is killed. False when something keeps it from going on.
+/// and again, under this guard, until it is killed or a signal asks it to quit. False when something keeps it from going on.
 bool RunUntilKilled(const std::string &guard);
 
 /// A first cycle gathered from the emulated meter's stream, in real time.
