@@ -93,6 +93,7 @@ struct Follower {
 std::vector<Follower> followers;
 int lastFollower = 0;
 std::function<std::int64_t()> traceClock;
+std::function<void(const std::string &)> traceTrouble;
 
 std::uint64_t Position(std::uint64_t &place)
 {
@@ -115,6 +116,52 @@ void Put(std::uint64_t position, const char *bytes, std::size_t count)
 Ring OwnRing()
 {
     return {ring, kCapacity, kCapacity};
+}
+
+void BeginRing(void *memory)
+{
+    header = static_cast<Header *>(memory);
+    ring = static_cast<char *>(memory) + sizeof(Header);
+    *header = {{}, kCapacity, 0, 0, 0};
+    std::memcpy(header->magic.data(), kMagic.data(), kMagic.size());
+}
+
+void Drop()
+{
+    if (header)
+        munmap(header, kTraceFileBytes);
+    if (handle >= 0)
+        close(handle);
+    header = nullptr;
+    ring = nullptr;
+    handle = -1;
+}
+
+void BeginRingInMemory()
+{
+    void *memory = mmap(nullptr, kTraceFileBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+    if (memory != MAP_FAILED)
+        BeginRing(memory);
+}
+
+// Of a file that somebody else has cut short nothing is mapped any more: a touch would end the program.
+bool FileIsWhole() noexcept
+{
+    struct stat found {
+    };
+    return handle < 0 || (fstat(handle, &found) == 0 && found.st_size >= static_cast<off_t>(kTraceFileBytes));
+}
+
+// Whether there is a ring to be touched. Where its file was cut a new one begins in memory.
+bool RingStands()
+{
+    if (!header || FileIsWhole())
+        return header;
+    Drop();
+    BeginRingInMemory();
+    if (traceTrouble)
+        traceTrouble("somebody else has cut it short");
+    return header;
 }
 
 // The oldest ones go until a record finds room.
@@ -217,25 +264,6 @@ void *MapFile(const std::string &path, std::string &trouble)
     return mmap(nullptr, kTraceFileBytes, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0);
 }
 
-void BeginRing(void *memory)
-{
-    header = static_cast<Header *>(memory);
-    ring = static_cast<char *>(memory) + sizeof(Header);
-    *header = {{}, kCapacity, 0, 0, 0};
-    std::memcpy(header->magic.data(), kMagic.data(), kMagic.size());
-}
-
-void Drop()
-{
-    if (header)
-        munmap(header, kTraceFileBytes);
-    if (handle >= 0)
-        close(handle);
-    header = nullptr;
-    ring = nullptr;
-    handle = -1;
-}
-
 std::vector<TraceRecord> Records(const Ring &source, std::uint64_t oldest, std::uint64_t next, std::size_t most)
 {
     std::size_t skipped = 0;
@@ -277,23 +305,23 @@ TraceOpened OpenTrace(const std::string &folder)
     if (memory == MAP_FAILED) {
         if (opened.trouble.empty())
             opened.trouble = Words();
-        memory = mmap(nullptr, kTraceFileBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-    }
-    if (memory != MAP_FAILED)
+        BeginRingInMemory();
+    } else {
         BeginRing(memory);
+    }
     return opened;
 }
 
 void CloseTrace()
 {
-    if (header)
+    if (header && FileIsWhole())
         SetPosition(header->goodbye, 1);
     Drop();
 }
 
 void Trace(TraceLine line, ByteWay way, std::string_view bytes)
 {
-    if (!header)
+    if (!RingStands())
         return;
     Head head{0, 0, line, way, TraceMicros()};
     for (std::size_t from = 0; from < bytes.size(); from += kLongest) {
@@ -312,7 +340,7 @@ void MarkTrace(TraceLine line, std::string_view words)
 
 std::vector<TraceRecord> LastTraceRecords(std::size_t most)
 {
-    if (!header)
+    if (!RingStands())
         return {};
     return Records(OwnRing(), Position(header->oldest), Position(header->next), most);
 }
@@ -339,6 +367,11 @@ int FollowTrace(TraceFollower follower)
 void StopFollowingTrace(int number)
 {
     std::erase_if(followers, [number](const Follower &one) { return one.number == number; });
+}
+
+void UseTraceTrouble(std::function<void(const std::string &)> told)
+{
+    traceTrouble = std::move(told);
 }
 
 void UseTraceClock(std::function<std::int64_t()> clock)
@@ -432,7 +465,7 @@ void AddRecord(TailText &text, std::uint64_t position, const Head &head)
 
 void WriteTraceTail(int tailHandle) noexcept
 {
-    if (!header)
+    if (!header || !FileIsWhole())
         return;
     const std::uint64_t next = header->next;
     std::array<std::uint64_t, kTail> last{};

@@ -35,6 +35,10 @@ struct TraceOpened {
 };
 /// Begins a new ring in a folder. Without a file (no room, no rights, another program has it) it stands in memory alone.
 TraceOpened OpenTrace(const std::string &folder);
+/// Told why, when the ring has to leave its file because somebody else has cut it short: from then on it stands in
+/// memory, empty at first. nullptr: nobody is told.
+void UseTraceTrouble(std::function<void(const std::string &why)> told);
+
 /// The goodbye. What is traced after it goes nowhere.
 void CloseTrace();
 

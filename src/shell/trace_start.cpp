@@ -27,6 +27,11 @@ bool TakeCrashNote()
            std::rename(note.c_str(), (traceFolder + "/" + kOldCrashFile).c_str()) == 0;
 }
 
+void TellNotKept(const std::string &why)
+{
+    KeepRemarkOn(Subject::Trace, "The trace is not kept in a file: " + why);
+}
+
 void Offer(bool trace, bool note)
 {
     if (!trace && !note)
@@ -47,7 +52,8 @@ void BeginTrace(const std::string &folder)
     const TraceOpened opened = OpenTrace(traceFolder);
     oldIsNews = opened.oldKept;
     if (!opened.trouble.empty())
-        KeepRemarkOn(Subject::Trace, "The trace is not kept in a file: " + opened.trouble);
+        TellNotKept(opened.trouble);
+    UseTraceTrouble(TellNotKept);
     Offer(opened.oldKept, TakeCrashNote());
 }
 
@@ -55,6 +61,7 @@ void EndTrace()
 {
     EndTraceText();
     CloseTrace();
+    UseTraceTrouble(nullptr);
     traceFolder.clear();
     oldIsNews = false;
 }

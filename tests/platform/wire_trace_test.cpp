@@ -2,6 +2,7 @@
 
 #include "platform/file_faults.h"
 #include "platform/safe_file.h"
+#include "support/other_process.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +21,7 @@
 #include <vector>
 
 using namespace ombrix;
+using test::InAnotherProcess;
 
 namespace {
 
@@ -58,6 +60,7 @@ struct WireTrace : testing::Test {
     }
 
     std::int64_t now = 1'000'000;
+    std::vector<std::string> troubles;
 };
 
 TraceRecord Sent(std::int64_t micros, const std::string &bytes)
@@ -329,6 +332,39 @@ TEST_F(WireTrace, WithoutAFileStandsInMemoryAndSaysWhy)
     Trace(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
     EXPECT_EQ(LastTraceRecords(9).size(), 1u);
     EXPECT_NE(OpenTrace("no-such-folder").trouble, "");
+}
+
+TEST_F(WireTrace, WhoseFileIsCutShortByAnotherGoesOnInMemoryAndSaysSo)
+{
+    for (const int length : {0, 100, 8192}) {
+        SCOPED_TRACE("cut to " + std::to_string(length));
+        const auto opens = [this, length] {
+            OpenTrace(".");
+            UseTraceTrouble([this](const std::string &why) { troubles.push_back(why); });
+            Trace(TraceLine::Meter, ByteWay::Sent, "before");
+            ASSERT_EQ(truncate(kTraceFile, length), 0);
+        };
+        InAnotherProcess([&] {
+            opens();
+            Trace(TraceLine::Meter, ByteWay::Sent, "behind");
+            Trace(TraceLine::Meter, ByteWay::Sent, "more");
+            EXPECT_EQ(LastTraceRecords(9).size(), 2u);
+            EXPECT_EQ(LastTraceRecords(9).back().bytes, "more");
+            EXPECT_EQ(troubles, std::vector<std::string>{"somebody else has cut it short"});
+        });
+        InAnotherProcess([&] {
+            opens();
+            EXPECT_TRUE(LastTraceRecords(9).empty());
+        });
+        InAnotherProcess([&] {
+            opens();
+            WriteTraceTail(STDERR_FILENO);
+        });
+        InAnotherProcess([&] {
+            opens();
+            CloseTrace();
+        });
+    }
 }
 
 TEST_F(WireTrace, OfAProgramThatRunsIsLeftAlone)
