@@ -2,6 +2,7 @@
 
 #include "session/journal.h"
 
+#include "platform/file_faults.h"
 #include "platform/text.h"
 #include "session/outlets.h"
 #include "session/state.h"
@@ -13,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cerrno>
+#include <cmath>
 #include <filesystem>
 #include <string>
 #include <utility>
@@ -225,6 +228,28 @@ TEST(StepMarks, StandOnAcceptedStepsUntilTheirWordIsWrittenAgainOrAnotherMeterCo
     station.person.ClicksTab(0).WaitsUntil("the tab is read", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
     ASSERT_TRUE(station.person.Runs());
     EXPECT_EQ(MarkOf(k2Volts), "") << "no meter can tell its number: this may be another one";
+}
+
+// A full disk takes neither events nor settings: the meter is calibrated all the same, and the operator knows.
+TEST(JournalOfASession, ThatFindsNoRoomIsMissedAndTheRangeIsCalibratedAllTheSame)
+{
+    BenchStation station(Wiring{});
+    ASSERT_TRUE(station.Establishes());
+    const std::size_t before = ReadJournal(".").size();
+    UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Write ? ENOSPC : 0, 0}; });
+    ASSERT_TRUE(station.Calibrates(k2Volts, 3)) << station.person.Trouble();
+    EXPECT_LE(std::abs(station.bench.RemainingError(k2Volts)), 2.0);
+    EXPECT_EQ(ScriptedOperator::Text("lblKeptRemark"), "not recorded");
+    EXPECT_EQ(MarkOf(k2Volts), "") << "no mark without its event";
+    EXPECT_EQ(ReadJournal(".").size(), before);
+    UseFileFaults(nullptr);
+    station.person.Clicks(StepButton(k2Volts)).WaitsFor("cmdReady");
+    ASSERT_TRUE(station.person.Runs());
+    EXPECT_EQ(ScriptedOperator::Text("lblKeptRemark"), "");
+    EXPECT_THAT(MarkOf(k2Volts), StartsWith("✓ "));
+    const auto ends = EventsOf("step ended");
+    ASSERT_EQ(ends.size(), 1U) << "what waited is on file, once";
+    EXPECT_EQ(TextOf(ends[0], "how"), "accepted");
 }
 
 TEST(JournalOfASession, AnEarlierWordThatCannotBeWrittenIsNotAccepted)
