@@ -356,8 +356,9 @@ std::int64_t KnownLengthOfWork(const PageScript &script)
 End DrawnEnd(const QuitCase &quit)
 {
     End end;
-    std::mt19937 random(quit.seed * 7919);
-    end.moment = 1 + static_cast<std::int64_t>(random()) % KnownLengthOfWork(quit.script);
+    const std::int64_t length = KnownLengthOfWork(quit.script);
+    std::mt19937 random(quit.seed * 7919 + static_cast<unsigned>(length));
+    end.moment = 1 + static_cast<std::int64_t>(random()) % length;
     end.road = static_cast<Road>(random() % 3);
     return end;
 }

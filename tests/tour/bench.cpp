@@ -196,11 +196,15 @@ bool RunUntilKilled(const std::string &guard)
     OpenGuard(guard);
     WatchSignals();
     ScriptedOperator person;
-    person.Within(120).Clicks("cmdEstablish").WaitsUntil("it is established", [] {
-        return Established && ScriptedOperator::IsEnabled("cmdSetup");
-    });
-    bool good = person.Runs();
-    while (good && !Quitting)
+    // On a machine with much else to do a line may seem dead: the operator tries once more.
+    bool good = true;
+    for (int tries = 0; tries < 3 && good && !Established && !Quitting; ++tries) {
+        person.Within(120).Clicks("cmdEstablish").WaitsUntil("Establish has ended", [] {
+            return ScriptedOperator::IsEnabled("cmdEstablish") || ScriptedOperator::IsEnabled("cmdSetup");
+        });
+        good = person.Runs();
+    }
+    while (good && Established && !Quitting)
         good = CalibrateOneRange(person).good;
     std::printf("%s\n", person.Trouble().c_str());
     const bool asked = Quitting;
