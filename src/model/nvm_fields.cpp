@@ -130,7 +130,8 @@ std::string PaddedDigits(std::string_view text, std::size_t width)
 std::string WithNvmField(std::string image, const NvmField &field, int topWord, std::string_view digits)
 {
     const std::size_t place = NvmFieldPlace(field, topWord);
-    if (place + digits.size() <= image.size())
+    // Of a field above the image the place is beyond all bounds: nothing may be added to it.
+    if (place < image.size() && digits.size() <= image.size() - place)
         image.replace(place, digits.size(), digits);
     return image;
 }

@@ -306,6 +306,17 @@ TEST(NvmFields, OfAMissingImageAreEmpty)
     EXPECT_EQ(WithNvmField("", NvmFieldAt(0, kTabDc, kDc), kTop, "1234"), "");
 }
 
+TEST(NvmFields, AboveAShortImageLeaveItAsItIs)
+{
+    const NvmField rd0 = NvmFieldAt(4, kTabDc, kDc);
+    EXPECT_EQ(WithNvmField("", rd0, -1, "1234"), "");
+    for (int top = 0; top < 20; ++top) {
+        const std::string image(static_cast<std::size_t>(top + 1) * 4, '0');
+        EXPECT_EQ(WithNvmField(image, rd0, top, "ABCDEF"), image) << top;
+        EXPECT_EQ(NvmFieldText(image, rd0, top), "") << top;
+    }
+}
+
 TEST(PaddedDigits, AreTheLastOnesWithZerosInFront)
 {
     const struct {
