@@ -46,6 +46,12 @@ std::string Items(std::string_view text, int count, std::size_t digits)
     return items;
 }
 
+// No instrument and no station says anything else; what else came means nothing that could be shown.
+bool IsPrintable(std::string_view text)
+{
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 std::string Words(int count)
 {
     return count == 1 ? "word " : "words ";
@@ -103,8 +109,11 @@ std::string MeaningOfOutput(std::string_view command)
     return Trim(parts[0]) + (mode == "OPER" ? ", operate" : ", standby");
 }
 
-std::string MeaningOfCommand(std::string_view command)
+std::string MeaningOfCommand(std::string_view text)
 {
+    if (!IsPrintable(text))
+        return "";
+    const std::string command = Trim(text);
     constexpr std::pair<std::string_view, std::string_view> kCommands[] = {
         {"ERR?", "read the next error"},
         {"OPER?", "does it operate?"},
@@ -124,7 +133,7 @@ std::string MeaningOfCommand(std::string_view command)
     if (command.starts_with("OUT "))
         return MeaningOfOutput(command);
     if (command.starts_with("TC_TYPE "))
-        return "thermocouple " + std::string(command.substr(8));
+        return "thermocouple " + command.substr(8);
     if (command.starts_with("UUT_SET "))
         return "the meter's line: " + Split(command.substr(8), ',')[0] + " baud";
     return "";
@@ -176,7 +185,7 @@ std::string WireReader::MeaningOfFrame(Side &side, std::string_view frame)
     side.asked = {};
     side.answer.clear();
     const std::string_view line = WithoutEnd(frame);
-    if (line.size() < 4 || line[0] != '*')
+    if (line.size() < 4 || line[0] != '*' || !IsPrintable(line))
         return "";
     const std::string whom = line[1] == '1'   ? ""
                              : line[1] == '2' ? "output switch: "

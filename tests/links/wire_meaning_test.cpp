@@ -85,6 +85,17 @@ TEST(WireMeaning, OfWhatIsNotUnderstoodIsNone)
         EXPECT_EQ(Meaning({FromCalibrator(reply)}), "") << reply;
 }
 
+TEST(WireMeaning, OfACommandThatCannotBeShownIsNone)
+{
+    EXPECT_EQ(Meaning({ToCalibrator("UUT_SET \xFF\xFE,XON\n")}), "");
+    EXPECT_EQ(Meaning({ToCalibrator("TC_TYPE \x01\n")}), "");
+    EXPECT_EQ(Meaning({ToCalibrator("OUT 2\t\x7F V ; OPER ; *WAI\n")}), "");
+    EXPECT_EQ(Meaning({ToMeter("*\xFF"
+                               "B1\r")}),
+              "");
+    EXPECT_EQ(Meaning({ToCalibrator("TC_TYPE K \n")}), "thermocouple K") << "no blank at the end of a saved row";
+}
+
 TEST(WireMeaning, OfAMetersAnswerIsWhatItWasAskedLast)
 {
     const struct {
