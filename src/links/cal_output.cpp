@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <cmath>
 #include <iterator>
-#include <regex>
 #include <string_view>
 
 namespace ombrix {
@@ -44,11 +43,34 @@ bool IsUnit(const std::string &text)
     return std::find(std::begin(kUnits), std::end(kUnits), text) != std::end(kUnits);
 }
 
-// Sign, digits with at most one point, exponent: the whole text and nothing else.
-bool IsNumber(const std::string &text)
+// Takes one of these characters off the front, if one is there.
+bool TakeOne(std::string_view &text, std::string_view any)
 {
-    static const std::regex kNumber("[+-]?([0-9]+\\.?[0-9]*|\\.[0-9]+)([eE][+-]?[0-9]+)?");
-    return std::regex_match(text, kNumber);
+    const bool there = !text.empty() && any.find(text.front()) != std::string_view::npos;
+    text.remove_prefix(there ? 1 : 0);
+    return there;
+}
+
+bool TakeDigits(std::string_view &text)
+{
+    bool some = false;
+    while (TakeOne(text, "0123456789"))
+        some = true;
+    return some;
+}
+
+// Sign, digits with at most one point, exponent: the whole text and nothing else.
+bool IsNumber(std::string_view text)
+{
+    TakeOne(text, "+-");
+    bool digits = TakeDigits(text);
+    if (TakeOne(text, "."))
+        digits = TakeDigits(text) || digits;
+    if (digits && TakeOne(text, "eE")) {
+        TakeOne(text, "+-");
+        digits = TakeDigits(text);
+    }
+    return digits && text.empty();
 }
 
 bool IsTemperature(const std::string &unit)

@@ -47,6 +47,22 @@ TEST(CalibratorAnswer, HasTheFormOfItsQuestion)
     }
 }
 
+TEST(CalibratorAnswer, HoldsANumberInEachOfItsForms)
+{
+    for (const char *line : {"1,V", "+1,V", "-1.,V", ".5,V", "1.5,V", "1E3,V", "+.5e-3,V", "1.E+03,V"})
+        EXPECT_TRUE(IsAnswer(CalibratorQuestion::Output, line)) << line;
+    for (const char *line : {".,V", "+,V", "--1,V", "E5,V", ".E5,V", "1E,V", "1E+,V", "1.2.3,V", "1 2,V", "1E2.5,V"})
+        EXPECT_FALSE(IsAnswer(CalibratorQuestion::Output, line)) << line;
+}
+
+TEST(CalibratorAnswer, IsToldOfALineOfAnyLength)
+{
+    const std::string digits(1'000'000, '1');
+    EXPECT_TRUE(IsAnswer(CalibratorQuestion::Output, digits + ",V"));
+    EXPECT_FALSE(IsAnswer(CalibratorQuestion::Output, digits + "~,V"));
+    EXPECT_TRUE(IsAnswer(CalibratorQuestion::Errors, digits + ",\"Error\""));
+}
+
 /// A calibrator that does what it is told and says so in its own time.
 class SlowCalibrator : public Calibrator
 {
