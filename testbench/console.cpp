@@ -1,6 +1,7 @@
 #include "testbench/console.h"
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 #include "platform/text.h"
@@ -54,6 +55,12 @@ bool IsNumber(const std::string &text)
            text.find_first_not_of("+-.0123456789") == std::string::npos;
 }
 
+// Held at the limits: whoever types more means all of them, or none.
+int WholeNumber(const std::string &text)
+{
+    return RoundHalfEven(std::trunc(Val(text)));
+}
+
 std::string Joined(const std::vector<std::string> &lines)
 {
     std::string text;
@@ -69,7 +76,7 @@ std::string SetFault(Bench &bench, const std::vector<std::string> &words)
     if (how == "at") {
         if (!IsNumber(WordAt(words, 3)))
             return "which exchange? fault NAME at N [stay]";
-        const int exchange = static_cast<int>(Val(words[3]));
+        const int exchange = WholeNumber(words[3]);
         const bool stays = WordAt(words, 4) == "stay";
         return bench.FaultAtExchange(name, exchange, stays) ? name + " at exchange " + words[3]
                                                             : "no fault has the name '" + name + "'";
@@ -131,7 +138,7 @@ std::string TurnTrimmer(Bench &bench, const std::vector<std::string> &words, Mic
 
 std::string ShowOrSetWord(Bench &bench, const std::vector<std::string> &words)
 {
-    const int word = IsNumber(WordAt(words, 1)) ? static_cast<int>(Val(words[1])) : -1;
+    const int word = IsNumber(WordAt(words, 1)) ? WholeNumber(words[1]) : -1;
     if (word < 0 || word >= kWords)
         return "which word, 0 to 255?";
     const std::string hex = WordAt(words, 2);
@@ -209,7 +216,7 @@ std::optional<std::string> AnswerQuestion(Bench &bench, const std::vector<std::s
     if (command == "errors")
         return bench.ProtocolErrors().empty() ? "none" : Joined(bench.ProtocolErrors());
     if (command == "log")
-        return Trim(bench.LastWords(IsNumber(rest) ? static_cast<std::size_t>(std::max(0.0, Val(rest))) : 20));
+        return Trim(bench.LastWords(IsNumber(rest) ? static_cast<std::size_t>(std::max(0, WholeNumber(rest))) : 20));
     if (command == "history")
         return TellHistory(bench);
     if (command == "status")

@@ -35,6 +35,18 @@ TEST_F(Console, PlansAFaultForAnExchange)
     EXPECT_THAT(Types("fault sulking at 3"), HasSubstr("no fault"));
 }
 
+TEST_F(Console, TakesNumbersOfAnySize)
+{
+    const std::string large(23, '9');
+    AskMeter("X16DZ");
+    EXPECT_EQ(Types("log " + large), Types("log 20"));
+    EXPECT_EQ(Types("log -" + large), "");
+    EXPECT_THAT(Types("word " + large), HasSubstr("which word"));
+    EXPECT_THAT(Types("word -" + large), HasSubstr("which word"));
+    EXPECT_EQ(Types("fault lost-cr at " + large), "lost-cr at exchange " + large);
+    EXPECT_EQ(AskMeter("X16DZ"), "3201\r") << "an exchange that never comes";
+}
+
 TEST_F(Console, AppliesAndRemovesSignals)
 {
     EXPECT_EQ(Types("apply 2 V, 300 Hz"), "applied: 2 V, 300 Hz");
