@@ -6,7 +6,7 @@ cmake_minimum_required(VERSION 3.25)
 set(limit 600)
 
 set(globs "")
-foreach(folder src testbench tests benchmarks)
+foreach(folder src testbench fuzz tests benchmarks)
   list(APPEND globs ${ROOT}/${folder}/*.h ${ROOT}/${folder}/*.cpp)
 endforeach()
 file(GLOB_RECURSE files RELATIVE ${ROOT} ${globs})

@@ -2,6 +2,8 @@
 
 preset=default
 readonly build=build
+# What fuzz/run needs beside a build: the fuzzer is a part of clang's run-time library.
+readonly fuzz_tools=(clang libclang-rt-dev llvm)
 
 say() {
     printf '%s: %s\n' "${0##*/}" "$*"

@@ -5,7 +5,7 @@
 # what they fill, an index outside a container ends the program, and the table of functions is read-only once it has
 # started. tests/real/hardening_test.cpp reads from the programs that it is so.
 
-if(NOT CMAKE_SYSTEM_NAME STREQUAL Linux OR OMBRIX_SANITIZE)
+if(NOT CMAKE_SYSTEM_NAME STREQUAL Linux OR OMBRIX_SANITIZE OR OMBRIX_FUZZ)
   return()
 endif()
 

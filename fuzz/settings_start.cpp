@@ -1,0 +1,109 @@
+// Fuzzes: src/model/settings.cpp src/model/nominal_settings.cpp src/model/analog_settings.cpp
+// Fuzzes: src/model/port_settings.cpp src/model/ratio_conditions.cpp src/model/kept_config.cpp
+//
+// A station that starts on any files in its folder, its own and those of an older one: every value is one that its
+// procedures can use, and a second start changes nothing.
+
+#include "fuzz/support/case.h"
+#include "fuzz/support/folder.h"
+#include "model/analog_words.h"
+#include "model/ini_store.h"
+#include "model/kept_config.h"
+#include "model/nominals.h"
+#include "model/range_tables.h"
+#include "model/settings.h"
+#include "model/station_settings.h"
+#include "platform/safe_file.h"
+#include "platform/text.h"
+#include "session/outlets.h"
+#include "session/state.h"
+
+#include <algorithm>
+#include <cmath>
+#include <unistd.h>
+
+using namespace ombrix;
+using namespace ombrix::fuzz;
+
+namespace {
+
+void Forget()
+{
+    InitSessionState();
+    LoadIni("no such file");
+    IniReady = IniDirty = WordsDirty = false;
+    InitNominals();
+    ClearFilterCodes();
+    StoredAnalogWords.fill("");
+    DacTypeText = CurrentOffsetPoint = "";
+    DcRatioRange = StrainRange = 0;
+    DcRatioReading = StrainReading = 0;
+    RtdDesiredText = QDTargetText = VFLow = VFHigh = "";
+    SendFileDefaults.fill("");
+}
+
+void Start()
+{
+    Forget();
+    InitTables();
+    LoadKeptConfig();
+}
+
+void RequireUsable()
+{
+    Require(CalPort >= 0 && CalPort <= 2 && MeterPort >= 0 && MeterPort <= 2 && CalPort != MeterPort,
+            "the wiring is one that there is");
+    for (int board = 0; board < kBoards; ++board)
+        for (int word = 25; word <= 50; ++word) {
+            const std::string nominal = NominalWordOf(board, word);
+            Require(nominal.size() == (board == kVf ? 12u : 4u), "a nominal word has its length");
+            const double slope = static_cast<double>(NominalSlopeOf(board, word));
+            Require(std::isfinite(slope) && slope >= 0, "a slope can be reckoned with");
+        }
+    for (const std::string &word : StoredAnalogWords)
+        Require(word.size() == 4 && IsHexText(word), "a word of the analog output is a word");
+    Require(RestConfigImage.empty() || (RestConfigImage.size() == kConfigDigits && IsHexText(RestConfigImage)),
+            "a kept configuration is whole or none");
+}
+
+// Files of a case: "@NAME" on a line of its own begins each.
+void MakeFiles(const std::string &text)
+{
+    constexpr std::string_view kNames[] = {"Ombrix.ini",   "Ombrix.sss",   "Gains.sss",     "ISource.sss",
+                                           "QDTarget.sss", "VFLimits.sss", "SFNames.sss",   "dcratio.fil",
+                                           "strain.fil",   "InitFile",     "KeptConfig.txt"};
+    std::string name = "Ombrix.ini";
+    std::string bytes;
+    const auto leave = [&] {
+        if (std::find(std::begin(kNames), std::end(kNames), name) != std::end(kNames) && !bytes.empty())
+            WriteFileOfCase(name, bytes);
+        bytes.clear();
+    };
+    for (const std::string &line : Split(text, '\n')) {
+        if (!line.starts_with('@')) {
+            bytes += line + "\n";
+            continue;
+        }
+        leave();
+        name = line.substr(1);
+    }
+    leave();
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t size)
+{
+    Require(chdir(OwnFolder().c_str()) == 0, "the folder of the case can be entered");
+    outlets = Outlets();
+    EmptyOwnFolder();
+    Case input(bytes, size);
+    MakeFiles(input.Rest());
+    Start();
+    RequireUsable();
+    const auto settled = ReadFile("Ombrix.ini");
+    Start();
+    RequireUsable();
+    Require(ReadFile("Ombrix.ini") == settled, "a second start changes nothing");
+    return 0;
+}
