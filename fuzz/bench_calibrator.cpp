@@ -52,7 +52,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
 {
     Case input(bytes, size);
     bench::Calibrator calibrator(kDelayMs);
-    calibrator.NeverOperates(false);
     calibrator.RefusesOutputs(input.Below(4) == 3);
     bench::Micros now = 1'000'000;
     bool remote = false;

@@ -84,7 +84,7 @@ void RequireWritten(Case &input)
         const auto *text = std::get_if<std::string>(&value.is);
         if (text && IsPrintable(*text))
             Require(TextOf(read, name) == *text, "a text is the same text");
-        if (value.is.index() >= 2 && value.is.index() != 3)
+        if (std::holds_alternative<bool>(value.is))
             Require(*field == value, "yes is yes and no is no");
     }
 }

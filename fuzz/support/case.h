@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -22,7 +21,7 @@ public:
     bool IsOver() const { return m_rest.empty(); }
     /// 0 to 255; 0 when the case is over.
     int Byte();
-    /// 0 to count - 1, of one byte.
+    /// 0 to count - 1, of one byte: no more than 255.
     int Below(int count) { return Byte() % count; }
     /// A number of eight bytes, the lowest first; what is missing is 0.
     std::int64_t Long();
