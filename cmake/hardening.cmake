@@ -1,11 +1,11 @@
 # How every program is hardened, the everyday build like the one that is shipped, so that what the suite tests is what
-# stands at the meter. Left out where addresses are checked, which does more and clashes.
+# stands at the meter. Left out where addresses are checked, which does more and clashes, and where lines are counted.
 #
 # Position-independent: each run lies elsewhere in memory. The stack is guarded, calls of the C library know the size of
 # what they fill, an index outside a container ends the program, and the table of functions is read-only once it has
 # started. tests/real/hardening_test.cpp reads from the programs that it is so.
 
-if(NOT CMAKE_SYSTEM_NAME STREQUAL Linux OR OMBRIX_SANITIZE OR OMBRIX_FUZZ)
+if(NOT CMAKE_SYSTEM_NAME STREQUAL Linux OR OMBRIX_SANITIZE OR OMBRIX_FUZZ OR OMBRIX_COVERAGE)
   return()
 endif()
 
