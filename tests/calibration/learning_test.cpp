@@ -36,6 +36,7 @@ constexpr SlopeRow kSlopes[] = {
     {31.4f, 256, 4010, "FFC6", true, "4001", "", 31.74889f, "31.7489"},
     {9.737f, 0, -13, "006E", true, "-13", "", 9.186377f, "9.1864"},
     {9.737f, 0, 13, "006E", true, "-13", "", 9.737f, ""},
+    {2.0f, 100, 50, "00C8", false, "+100", "-100", 2.0f, ""},  // just what was known
 };
 
 TEST_F(Learning, MovesTheNominalSlopeATenthOfTheWay)

@@ -252,6 +252,16 @@ TEST_F(NominalSettings, KeepWhatSimulatedMetersTaughtForTheSessionAlone)
     EXPECT_EQ(Read("Ombrix.ini"), after);
 }
 
+TEST_F(NominalSettings, StayAsTheyAreWhereNothingWasSetAside)
+{
+    Start();
+    SetNominalSlopeOf(kDc, 25, 1.5f);
+    SetNominalWordOf(kDc, 25, "1234");
+    TakeLearnedBack();
+    EXPECT_EQ(NominalSlopeOf(kDc, 25), 1.5f);
+    EXPECT_EQ(NominalWordOf(kDc, 25), "1234");
+}
+
 TEST_F(NominalSettings, SaveWhatRealMetersTaughtBeforeASimulationBegins)
 {
     Start();

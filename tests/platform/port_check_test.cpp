@@ -69,7 +69,7 @@ protected:
             return "no pipe";
         const pid_t other = fork();
         if (other == 0) {
-            if (getuid() == 0 && (setgid(65534) != 0 || setuid(65534) != 0))
+            if (getuid() == 0 && (setresgid(65534, 65534, 0) != 0 || setresuid(65534, 65534, 0) != 0))
                 _exit(1);
             const std::string trouble = PortTrouble(Device());
             [[maybe_unused]] const auto told = write(answer[1], trouble.data(), trouble.size());

@@ -189,6 +189,13 @@ TEST(SafeFile, TellsMissingFromUnreadable)
     EXPECT_FALSE(ReadFile("folder").has_value());
 }
 
+TEST(SafeFile, AFileOfWhichTheSystemRefusesTheBytesIsUnreadable)
+{
+    constexpr char kRefused[] = "/proc/self/mem";  // opens, and can't be read from its beginning
+    EXPECT_FALSE(ReadFile(kRefused).has_value());
+    EXPECT_EQ(StateOfFile(kRefused), FileState::Unreadable);
+}
+
 TEST(SafeFile, AWriteOverAFolderFailsAndSaysSo)
 {
     QDir().mkdir("target");

@@ -54,6 +54,13 @@ TEST(Format, RoundsHalfAwayFromZeroOnTheDecimalValue)
     EXPECT_EQ(Format(0.006, 1), "0.0");
 }
 
+TEST(Format, TellsWhatIsNoNumber)
+{
+    EXPECT_EQ(Format(std::numeric_limits<double>::infinity(), 2), "Inf");
+    EXPECT_EQ(Format(-std::numeric_limits<float>::infinity(), 2), "-Inf");
+    EXPECT_EQ(Format(std::numeric_limits<float>::quiet_NaN(), 0), "NaN");
+}
+
 TEST(Format, GivesAZeroNoSign)
 {
     EXPECT_EQ(Format(-0.04, 1), "0.0");

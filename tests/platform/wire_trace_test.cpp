@@ -301,6 +301,22 @@ TEST_F(WireTrace, APageOfAnOlderRoundThatAPowerCutLeftIsTold)
         ASSERT_GE(record.micros, boundary - 1000);
 }
 
+TEST_F(WireTrace, WhatAnotherProgramWroteOverIsLostAndTheNextRecordStands)
+{
+    OpenTrace(".");
+    for (std::size_t number = 0; number < 70'000; ++number)
+        Trace(TraceLine::Meter, ByteWay::Received, Numbered(number));
+    ASSERT_EQ(LastTraceRecords(SIZE_MAX).back().bytes, Numbered(69'999));
+    constexpr qint64 kHeader = 40;
+    QFile other(kTraceFile);
+    ASSERT_TRUE(other.open(QIODevice::ReadWrite) && other.seek(kHeader));
+    other.write(QByteArray(static_cast<qsizetype>(kTraceFileBytes) - kHeader, 'x'));
+    other.close();
+    Trace(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
+    EXPECT_EQ(LastTraceRecords(SIZE_MAX), std::vector{Sent(now, "*1B1\r")});
+    EXPECT_EQ(InFile(), LastTraceRecords(SIZE_MAX));
+}
+
 TEST_F(WireTrace, WhatIsNoTraceHasNoRecords)
 {
     EXPECT_TRUE(ReadTraceBytes("").empty());

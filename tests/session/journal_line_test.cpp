@@ -156,6 +156,16 @@ TEST(JournalLine, IsNoEventWhenAnythingIsMissing)
     EXPECT_FALSE(ParseJournalLine(std::string(100'000, '[')));
 }
 
+TEST(JournalLine, AFieldOfAKindThatIsNeverWrittenIsLeftOut)
+{
+    auto other = QJsonDocument::fromJson(QByteArray::fromStdString(Line(Sample()))).object();
+    other["body"] = QJsonObject{{"reading", "1.9"}, {"nothing", QJsonValue::Null}, {"more", QJsonObject()}};
+    const auto read = ParseJournalLine(QJsonDocument(other).toJson(QJsonDocument::Compact).toStdString());
+    ASSERT_TRUE(read);
+    EXPECT_EQ(read->body.size(), 1u);
+    EXPECT_EQ(TextOf(*read, "reading"), "1.9");
+}
+
 TEST(JournalLine, TheHashIsTheSha256OfItsBytes)
 {
     EXPECT_EQ(HashOfLine("abc"), "ba7816bf8f01cfea414140de5dae2223b00361a396177a9cb410ff61f20015ad");

@@ -131,6 +131,7 @@ TEST_F(JournalReader, ALineThatIsTooLongIsNoEventAndHidesNoOther)
     const std::string filling(kLongestJournalLine, ' ');
     EXPECT_EQ(Read(filling + one + "\n").size(), 0u);
     EXPECT_EQ(TailOf(one + filling)->last, std::nullopt);
+    EXPECT_EQ(Read(filling + filling + one + "\n" + whole).size(), 3u) << "its beginning isn't at hand any more";
     JournalEvent fits = all[1];
     fits.body = {{"text", std::string(kLongestJournalLine / 2, 'x')}};
     EXPECT_EQ(Read(Line(fits)).size(), 1u);

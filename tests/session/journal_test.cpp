@@ -309,6 +309,21 @@ TEST_F(Journal, AListenerMayRecordAndLeave)
     ExpectChain(Lines(kNovember));
 }
 
+TEST_F(Journal, AListenerThatAnotherSentAwayHearsNothingMore)
+{
+    std::string heard;
+    int second = 0;
+    const int first = ListenToJournal([&](const JournalEvent &event) {
+        heard += "1:" + event.kind + " ";
+        StopListening(second);
+    });
+    second = ListenToJournal([&](const JournalEvent &event) { heard += "2:" + event.kind + " "; });
+    Open();
+    Record("round", {});
+    StopListening(first);
+    EXPECT_EQ(heard, "1:start 1:round ");
+}
+
 TEST_F(Journal, AFaultInAListenerIsToldLaterAndHoldsUpNothing)
 {
     std::string told;

@@ -12,6 +12,7 @@ TEST_F(Calibrators, AnswerEachQuestionWithOneLine)
     EXPECT_EQ(AskCalibrator("ERR?"), "0,\"No Error\"\r\n");
     EXPECT_EQ(AskCalibrator("OPER?"), "0\r\n");
     EXPECT_EQ(AskCalibrator("OUT?"), "0.000000E+00,V,0E+00,0,0.000000E+00\r\n");
+    EXPECT_EQ(AskCalibrator("*IDN?"), "TESTBENCH,CALIBRATOR,0,1.0\r\n");
     for (const char *command : {"*RST ; *CLS", "REMOTE", "TSENS_TYPE TC", "TC_TYPE J", "TSENS_TYPE RTD",
                                 "RTD_TYPE PT385", "ZCOMP WIRE4", "OUT 200 mV ; OPER ; *WAI", "LOCAL"})
         EXPECT_EQ(AskCalibrator(command), "") << command;
@@ -114,6 +115,17 @@ TEST_F(Calibrators, QueueTheirErrorsAndTellThemOneByOne)
     EXPECT_EQ(AskCalibrator("ERR?"), "0,\"No Error\"\r\n");
     EXPECT_EQ(bench->ProtocolErrors().size(), 3u);
     EXPECT_THAT(bench->ProtocolErrors()[1], testing::HasSubstr("Value out of range: OUT 5000 V"));
+}
+
+TEST_F(Calibrators, RefuseAnArgumentThatTheyDoNotKnowAndStayAsTheyAre)
+{
+    AskCalibrator("REMOTE");
+    AskCalibrator("ZCOMP WIRE4");
+    for (const char *command : {"TSENS_TYPE DIODE", "TC_TYPE J2", "RTD_TYPE PT100", "ZCOMP WIRE3"}) {
+        AskCalibrator(command);
+        EXPECT_EQ(AskCalibrator("ERR?"), "110,\"Bad argument\"\r\n") << command;
+    }
+    EXPECT_EQ(bench->CalibratorNow().sensing, "WIRE4");
 }
 
 TEST_F(Calibrators, ForgetTheirErrorsOnCls)

@@ -215,6 +215,26 @@ TEST(Laws, ReadAThermocoupleOfTheTypeThatIsSet)
     EXPECT_GT(NaturalCounts(hardware, words, 0x41, hundredJ), 1005) << "each type has its gain word";
 }
 
+TEST(Laws, ReadEachThermocoupleByTheVoltsThatItGivesForADegree)
+{
+    const Hardware hardware = UnitOf(board::kTemp);
+    Words words = RightWords(hardware);
+    words[28] = words[44] = 0;
+    constexpr struct {
+        char type;
+        int code;    // of the range in degrees Celsius
+        double asJ;  // what a meter for J makes of 100 of its degrees, in tenths
+    } kTypes[] = {{'J', 0x41, 1000}, {'K', 0x43, 784}, {'N', 0x45, 514}, {'E', 0x47, 1165},
+                  {'T', 0x49, 768},  {'S', 0x4B, 107}, {'R', 0x4D, 105}};
+    for (const auto &each : kTypes) {
+        const Signal hundred{Quantity::Thermocouple, 100, 0, each.type};
+        EXPECT_NEAR(NaturalCounts(hardware, words, each.code, hundred), 1000, 1) << each.type;
+        EXPECT_NEAR(NaturalCounts(hardware, words, 0x41, hundred), each.asJ, 1) << each.type;
+    }
+    EXPECT_NEAR(NaturalCounts(hardware, words, 0x41, {Quantity::Thermocouple, 100, 0, 'C'}), 0, 1)
+        << "a type that the bench doesn't know";
+}
+
 TEST(Units, AreTheSameForTheSameSeedAndDifferForAnother)
 {
     EXPECT_EQ(DrawUnit(board::kDc, 5).ideal, DrawUnit(board::kDc, 5).ideal);

@@ -152,6 +152,9 @@ TEST_F(Program, HangsUpAPortThatGoesAndBringsItBackUnderItsName)
     meter.Close();
     meter.Open(path);
     EXPECT_EQ(Asks(meter, "*1X16DZ\r", 5), "3201\r");
+    Signals(SIGTERM);
+    EXPECT_EQ(Ends(), 0);
+    EXPECT_EQ(StateOfFile(path), FileState::Missing);
 }
 
 TEST_F(Program, RunsOnWithoutAConsole)
@@ -195,6 +198,13 @@ TEST_F(Program, EndsWithItsTroubleOnStandardError)
     Starts({"--station", "/no/such/folder"});
     EXPECT_EQ(Ends(), 1);
     EXPECT_EQ(ErrorText(), "ombrix-testbench: /no/such/folder: No such file or directory\n");
+    const QTemporaryDir folder;
+    ASSERT_TRUE(QDir(folder.path()).mkdir("COM2"));
+    Starts({"--station", folder.path()});
+    EXPECT_EQ(Ends(), 1);
+    const std::string place = folder.path().toStdString();
+    EXPECT_EQ(ErrorText(), "ombrix-testbench: " + place + "/COM2 can't be made: File exists\n");
+    EXPECT_EQ(StateOfFile(place + "/COM1"), FileState::Missing) << "nor is the other one left behind";
 }
 
 TEST_F(Program, TellsItsOptions)
