@@ -39,8 +39,6 @@ int NumberOf(QSerialPort::SerialPortError error, const std::string &device)
         return ENOENT;
     if (error == QSerialPort::PermissionError)
         return info.isReadable() && info.isWritable() ? EBUSY : EACCES;
-    if (error == QSerialPort::OpenError)
-        return EBUSY;
     return info.isDir() || info.isFile() ? ENOTTY : EIO;
 }
 

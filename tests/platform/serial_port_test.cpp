@@ -15,6 +15,9 @@
 #include <cstring>
 #include <fcntl.h>
 #include <pty.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
 #include <termios.h>
 #include <unistd.h>
 
@@ -49,6 +52,8 @@ public:
         const ssize_t count = read(m_master, buffer, sizeof buffer);
         return count > 0 ? std::string(buffer, static_cast<std::size_t>(count)) : "";
     }
+    // Whoever has it open keeps it for himself; the administrator alone may still open it.
+    void IsKept() const { EXPECT_EQ(ioctl(m_slave, TIOCEXCL), 0); }
     void HangsUp()
     {
         for (int *end : {&m_slave, &m_master})
@@ -81,6 +86,20 @@ int NumberOfRefusal(const std::string &device)
         return fault.Number();
     }
     return 0;
+}
+
+// The same for a user who doesn't own the device, nor is the administrator.
+int NumberOfRefusalForAUser(const std::string &device)
+{
+    const pid_t other = fork();
+    if (other == 0) {
+        if (getuid() == 0 && (setresgid(65534, 65534, 0) != 0 || setresuid(65534, 65534, 0) != 0))
+            _exit(255);
+        _exit(NumberOfRefusal(device));
+    }
+    int status = 0;
+    waitpid(other, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 }  // namespace
@@ -323,6 +342,17 @@ TEST(SerialPort, TellsWhyItCantBeOpened)
     } catch (const RuntimeFault &fault) {
         EXPECT_STREQ(fault.what(), std::strerror(ENOENT)) << "in the words of the system";
     }
+}
+
+TEST(SerialPort, TellsMissingRightsFromALineThatAnotherProgramKeepsForItself)
+{
+    Pty pty;
+    ASSERT_EQ(chmod(pty.Name().c_str(), 0000), 0);
+    EXPECT_EQ(NumberOfRefusalForAUser(pty.Name()), EACCES);
+    ASSERT_EQ(chmod(pty.Name().c_str(), 0666), 0);
+    EXPECT_EQ(NumberOfRefusalForAUser(pty.Name()), 0);
+    pty.IsKept();
+    EXPECT_EQ(NumberOfRefusalForAUser(pty.Name()), EBUSY);
 }
 
 TEST(SerialPort, AClosedPortSwallowsWhatIsAskedOfIt)
