@@ -45,14 +45,17 @@ std::string program;
 int socketToGuard = -1;
 pid_t guard = -1;
 
+// One that only was too slow to answer must not take the end of its socket for the station's death.
 void ForgetGuard()
 {
+    if (guard > 0) {
+        kill(guard, SIGKILL);
+        waitpid(guard, nullptr, 0);
+    }
+    guard = -1;
     if (socketToGuard >= 0)
         close(socketToGuard);
     socketToGuard = -1;
-    if (guard > 0)
-        waitpid(guard, nullptr, WNOHANG);
-    guard = -1;
 }
 
 bool Spawn(int guardsEnd)

@@ -18,6 +18,7 @@
 #include <functional>
 #include <poll.h>
 #include <string>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <termios.h>
 #include <thread>
@@ -108,6 +109,30 @@ bool Dies(int signal, const std::function<void()> &life)
     waitpid(child, &status, 0);
     return signal != 0 ? WIFSIGNALED(status) && WTERMSIG(status) == signal
                        : WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+std::string StatusOf(const std::string &process)
+{
+    std::ifstream file("/proc/" + process + "/status");
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Of the guards, the one that this process has started.
+pid_t GuardOfThisProcess()
+{
+    for (const auto &each : std::filesystem::directory_iterator("/proc")) {
+        const std::string number = each.path().filename();
+        if (StatusOf(number).find("PPid:\t" + std::to_string(getpid()) + "\n") != std::string::npos)
+            return std::atoi(number.c_str());
+    }
+    return 0;
+}
+
+// Not when it has ended and only waits to be buried by whoever inherited it.
+bool Runs(pid_t process)
+{
+    const std::string status = StatusOf(std::to_string(process));
+    return !status.empty() && status.find("State:\tZ") == std::string::npos;
 }
 
 std::string LastWords()
@@ -208,12 +233,7 @@ TEST(Guard, ThatDiedIsStartedAnewForTheNextLine)
     Line line;
     ASSERT_TRUE(Dies(SIGKILL, [&line] {
         GuardLine(-1);
-        for (const auto &each : std::filesystem::directory_iterator("/proc")) {
-            std::ifstream file(each.path() / "status");
-            const std::string status((std::istreambuf_iterator<char>(file)), {});
-            if (status.find("PPid:\t" + std::to_string(getpid()) + "\n") != std::string::npos)
-                kill(std::atoi(each.path().filename().c_str()), SIGKILL);
-        }
+        kill(GuardOfThisProcess(), SIGKILL);
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
         GuardLine(line.Near());
         if (!GuardStands())
@@ -221,6 +241,84 @@ TEST(Guard, ThatDiedIsStartedAnewForTheNextLine)
     }));
     line.LeaveNear();
     EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
+}
+
+TEST(Guard, ThatWasTooSlowToAnswerIsReplacedAndSaysNothingWhileTheStationLives)
+{
+    Line line;
+    ASSERT_TRUE(Dies(0, [&line] {
+        const pid_t slow = GuardOfThisProcess();
+        kill(slow, SIGSTOP);
+        GuardLine(line.Near());
+        kill(slow, SIGCONT);
+        std::this_thread::sleep_for(std::chrono::milliseconds(100));
+        if (!GuardStands() || GuardOfThisProcess() == slow)
+            _exit(4);
+        EndGuard();
+    }));
+    line.LeaveNear();
+    EXPECT_EQ(line.HeardUntilTheEnd(), "");
+}
+
+TEST(Guard, OfAStationThatDiedBeforeItHadItsAnswerSpeaks)
+{
+    Line line;
+    std::array<int, 2> told{};
+    ASSERT_EQ(pipe(told.data()), 0);
+    ASSERT_TRUE(Dies(SIGALRM, [&] {
+        const pid_t guard = GuardOfThisProcess();
+        Writes(told[1], std::string(reinterpret_cast<const char *>(&guard), sizeof guard));
+        kill(guard, SIGSTOP);
+        const itimerval soon = {{0, 0}, {0, 50'000}};
+        setitimer(ITIMER_REAL, &soon, nullptr);
+        GuardLine(line.Near());
+    }));
+    pid_t guard = 0;
+    ASSERT_EQ(read(told[0], &guard, sizeof guard), static_cast<ssize_t>(sizeof guard));
+    kill(guard, SIGCONT);
+    line.LeaveNear();
+    EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
+    close(told[0]);
+    close(told[1]);
+}
+
+// What fills it up, whatever the station said; then nothing reads for a while.
+TEST(Guard, WaitsForALineThatTakesNothing)
+{
+    Line line;
+    std::size_t full = 0;
+    while (write(line.Near(), "OUT 660 V\n", 10) == 10)
+        full += 10;
+    ASSERT_TRUE(Dies(SIGKILL, [&line] { GuardLine(line.Near()); }));
+    line.LeaveNear();
+    std::this_thread::sleep_for(std::chrono::milliseconds(50));
+    const std::string heard = line.HeardUntilTheEnd();
+    EXPECT_GT(heard.size(), full);
+    EXPECT_THAT(heard, testing::EndsWith("\nOUT 0 V, 0 Hz ; STBY ; *WAI\nLOCAL\n"));
+}
+
+TEST(Guard, EndsWithALineThatGoesWhileItWaits)
+{
+    pid_t guard = 0;
+    std::array<int, 2> told{};
+    ASSERT_EQ(pipe(told.data()), 0);
+    {
+        Line line;
+        while (write(line.Near(), "OUT 660 V\n", 10) == 10) {
+        }
+        ASSERT_TRUE(Dies(SIGKILL, [&] {
+            GuardLine(line.Near());
+            guard = GuardOfThisProcess();
+            Writes(told[1], std::string(reinterpret_cast<const char *>(&guard), sizeof guard));
+        }));
+        ASSERT_EQ(read(told[0], &guard, sizeof guard), static_cast<ssize_t>(sizeof guard));
+        EXPECT_TRUE(Runs(guard));
+    }
+    for (int tries = 0; Runs(guard) && tries < 100; ++tries)
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    EXPECT_FALSE(Runs(guard));
+    close(told[0]);
+    close(told[1]);
 }
 
 TEST(Guard, ThatIsNotThereIsToldAndEverythingElseGoesOn)
