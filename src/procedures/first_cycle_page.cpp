@@ -83,6 +83,10 @@ const Prompt kPromptBadData = {"First Cycle data error", true};
 const Prompt kPromptLost = {"The meter's line has gone: M and B may not be in its memory.\r\n"
                             "Check the line, then click \"Retry\"",
                             true};
+const Prompt kPromptNotTaken = {"The meter did not take M and B, or does not tell:\r\n"
+                                "check it and its line, then click \"Retry\"",
+                                true};
+constexpr char kNotTaken[] = "not taken";
 
 const Prompt &PromptOf(Status status)
 {
@@ -239,8 +243,13 @@ Prompt EnterWord()
         page.word.clear();
         return kPromptLost;
     }
-    page.word = word;
-    return kPromptGood;
+    // A meter that restarted by itself did not hear it. Who cancels meanwhile doesn't wait for the proof.
+    page.word = Abort ? word : ReadNvmWords(kFirstCycleWord, 1, "");
+    if (page.word == word || Abort)
+        return kPromptGood;
+    page.status = Status::NoData;
+    page.how = kNotTaken;
+    return kPromptNotTaken;
 }
 
 std::vector<std::string> AveragesAsTexts()

@@ -187,7 +187,7 @@ TEST_F(WiredFirstCycle, PutsTheMeterOnItsStreamAndBackAgain)
     const std::string setup = "0150" + HexText(filter, 4) + "0060";
     const std::string found = HexText(WordOf(51), 4);
     EXPECT_THAT(ToMeter(), ElementsAre("*1X414", "*1W305000000100001Z", "*1W1330000Z", "*1W312" + setup, "*1V6", "*1C0",
-                                       "*1A1", "*1W11221D1Z", "*1W305000000100004", "*1W133" + found));
+                                       "*1A1", "*1W11221D1Z", "*1W305000000100004", "*1W133" + found, "*1X133"));
     EXPECT_EQ(found, bench->TruthOf("First Cycle").idealHex);
     EXPECT_THAT(ToCalibrator(), testing::IsSupersetOf({"OUT +200 mV ; OPER ; *WAI", "OUT +100 mV ; OPER ; *WAI",
                                                        "OUT 0 V ; OPER ; *WAI", "OUT -100 mV ; OPER ; *WAI",
@@ -405,6 +405,22 @@ TEST_F(WiredFirstCycle, AWordWrittenIntoALostLineIsNotSaidToBeEntered)
     EXPECT_EQ(Text("lblStepMark(1)"), "");
     ASSERT_EQ(EventsOf("step ended").size(), 1u);
     EXPECT_EQ(TextOf(EventsOf("step ended")[0], "how"), "line lost");
+}
+
+TEST_F(WiredFirstCycle, AWordThatTheMeterDidNotTakeIsNotSaidToBeEntered)
+{
+    bench->SetWord(51, 0x1234);
+    bench->WearOut(51);
+    Collects();
+    ASSERT_TRUE(person->Runs());
+    EXPECT_EQ(WordOf(51), 0x1234);
+    EXPECT_EQ(Fill("shpInst(2)"), kRed);
+    EXPECT_THAT(Text("lblInst(2)"), HasSubstr("did not take M and B"));
+    EXPECT_EQ(Text("cmdFCReady"), "Retry");
+    EXPECT_EQ(Text("lblStepMark(1)"), "");
+    ASSERT_EQ(EventsOf("step ended").size(), 1u);
+    EXPECT_EQ(TextOf(EventsOf("step ended")[0], "how"), "not taken");
+    EXPECT_EQ(TextOf(EventsOf("step ended")[0], "stays"), "1234");
 }
 
 TEST_F(WiredFirstCycle, TellsTheJournalHowItEnded)
