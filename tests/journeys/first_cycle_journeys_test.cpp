@@ -84,6 +84,14 @@ std::vector<FaultCase> FaultsOfAStream()
         {"silent-meter", "meter-port-gone", "calibrator-port-gone", "never-operating", "meter-restarts", "junk"});
 }
 
+// The stream doesn't pass the calibrator's port, so the step is off there.
+std::vector<FaultCase> FaultsByHand()
+{
+    std::vector<FaultCase> cases = OtherRoutes(FirstCycleScript, {Route::Manual, "wrong-length", 13});
+    std::erase_if(cases, [](const FaultCase &each) { return each.script.wiring.bench.uut; });
+    return cases;
+}
+
 }  // namespace
 
 TEST_P(FirstCycleJourney, FindsTheWordThatTheUnitHides)
@@ -161,9 +169,7 @@ INSTANTIATE_TEST_SUITE_P(ByHand, FirstCycleJourney,
                          testing::Combine(testing::Values(kDc, kAc, kTc), testing::Values(true), testing::Values(4u)),
                          NameOfJourney);
 INSTANTIATE_TEST_SUITE_P(InFirstCycle, FaultLoop, testing::ValuesIn(FaultsOfAStream()), NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(InFirstCycleElsewhere, FaultLoop,
-                         testing::ValuesIn(OtherRoutes(FirstCycleScript, {Route::Manual, "wrong-length", 13})),
-                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(InFirstCycleElsewhere, FaultLoop, testing::ValuesIn(FaultsByHand()), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(InFirstCycle, QuitLoop,
                          testing::ValuesIn(QuitCases(FirstCycleScript(Route::Direct),
                                                      {0, 1000, 2500, 4200, 7000, 16000, 20000, 24000})),

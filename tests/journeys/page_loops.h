@@ -71,6 +71,9 @@ std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scrip
 bool IsOfTheCalibrator(const std::string &fault);
 /// A fault by which the meter itself shows what isn't so: nobody can read a true value from it.
 bool DisplayLies(const std::string &fault);
+/// The same of a number that is followed: a reply that lost its last digit is a reading too, and only one that settled
+/// would be known by it.
+bool LiveReadingLies(const std::string &fault);
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
 
@@ -91,6 +94,7 @@ protected:
     /// Afterwards the loop knows which words the page writes.
     int ExchangesOfACleanRun();
     void RunsIntoTheFaultAt(int exchange);
+    void ExpectWhatIsGivenBack();
 
     BenchStation station;
     std::vector<std::string> failures;  ///< run-time faults that were told
@@ -103,6 +107,8 @@ private:
     bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
 
     std::set<int> m_ownWords;  ///< that the page writes
+    bench::Words m_found{};    ///< by the clean run
+    bench::Words m_left{};     ///< behind it
 };
 
 // ---- the end of the program ----

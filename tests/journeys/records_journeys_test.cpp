@@ -139,7 +139,7 @@ PageScript VerifyScript(Route route)
         station.person.WaitsFor("cmdVfyOK").Does([&station] {
             EXPECT_EQ(ReadFile("Vfy$Temp.txt").value_or("").substr(0, 6), LastShown(station.bench));
         });
-        station.person.Does([] { PressEscape(); }).WaitsFor("cmdVfyReady");
+        station.person.Does([] { PressEscape(); }).WaitsFor("cmdVfyReady").Clicks("cmdVfyDone").WaitsFor("cmdSetup");
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     };
     return script;
