@@ -51,6 +51,7 @@
 #include "version.h"
 
 #include <QMainWindow>
+#include <QPixmapCache>
 #include <QSysInfo>
 
 #include <iostream>
@@ -58,6 +59,8 @@
 namespace ombrix {
 
 namespace {
+
+constexpr int kPicturesKiB = 1024;
 
 void BeginJournal()
 {
@@ -135,6 +138,8 @@ void OpenStation()
     SilenceBoxes(false);
     InitLinks();
     InitAnalogOutput();
+    // Each button that changes its colour is a picture more, seldom drawn again: 10 MiB of them by the toolkit's own limit.
+    QPixmapCache::setCacheLimit(kPicturesKiB);
     BuildMainWindow();
     ShowBoardChooser(false);
     InitTables();
