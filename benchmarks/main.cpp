@@ -1,9 +1,16 @@
 // What the station costs, as a table: each row a number, its goal, and whether it holds. Exit code 1 when one doesn't.
+//
+//   ombrix-benchmarks            all but the two below
+//   ombrix-benchmarks --whole    a whole calibration of a DC meter in real time: four minutes
+//   ombrix-benchmarks --soak     10,000 ranges over all boards on virtual time: minutes
+//   ombrix-benchmarks --all      the three of them
 
 #include "journal_writes.h"
+#include "page_runs.h"
 #include "program.h"
 #include "screen.h"
 #include "simulated_run.h"
+#include "soak.h"
 #include "trace_writes.h"
 
 #include "support/station.h"
@@ -162,27 +169,88 @@ void MeasureWait()
     Row("wake-ups, while a procedure waits", wakeUps, "1/s");
 }
 
+void MeasurePages()
+{
+    for (const PageRun &run : RunEachPage())
+        Row(("longest block, " + run.page).c_str(), run.longestBlockMs, "ms", run.longestBlockMs < 50, "< 50");
+}
+
+tour::Options OnPseudoTerminals()
+{
+    return {.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH};
+}
+
+void CompareWithFloor(const char *what, const tour::RangeRun &real, const tour::RangeRun &floor, double most,
+                      const char *goal)
+{
+    if (!real.good || !floor.good)
+        throw std::runtime_error(std::string(what) + ": a range was not accepted");
+    const double over = static_cast<double>(real.micros) / static_cast<double>(floor.micros);
+    Row(what, static_cast<double>(real.micros) / 1e6, "s");
+    Row("  its waits, bytes and instruments alone", static_cast<double>(floor.micros) / 1e6, "s");
+    Row("  over those", over, "", over <= most, goal);
+}
+
 void MeasureRealRange()
 {
-    const tour::Options options{.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH};
-    const tour::RangeRun real = tour::RunRangeInRealTime(options);
-    const tour::RangeRun floor = tour::RunRangeOnVirtualTime(options);
-    if (!real.good || !floor.good)
-        throw std::runtime_error("the range on pseudo-terminals was not accepted");
-    const double over = static_cast<double>(real.micros) / static_cast<double>(floor.micros);
-    Row("one range on pseudo-terminals", static_cast<double>(real.micros) / 1e6, "s");
-    Row("  its waits, bytes and instruments alone", static_cast<double>(floor.micros) / 1e6, "s");
-    Row("  over those", over, "", over <= 1.01, "<= 1.01");
+    CompareWithFloor("one range on pseudo-terminals", tour::RunRangeInRealTime(OnPseudoTerminals()),
+                     tour::RunRangeOnVirtualTime(OnPseudoTerminals()), 1.01, "<= 1.01");
+}
+
+void MeasureWholeCalibration()
+{
+    CompareWithFloor("every range of a DC meter on pseudo-terminals", tour::RunBoardInRealTime(OnPseudoTerminals()),
+                     tour::RunBoardOnVirtualTime(OnPseudoTerminals()), 1.005, "<= 1.005");
+}
+
+void MeasureStops()
+{
+    const tour::StopRun run = tour::TimeStopsInRealTime(OnPseudoTerminals());
+    if (!run.good)
+        throw std::runtime_error("a round on pseudo-terminals could not be stopped");
+    const double longest = *std::max_element(run.ms.begin(), run.ms.end());
+    Row("stops of a round on pseudo-terminals", static_cast<double>(run.ms.size()), "");
+    Row("  from Stop to standby on the line, median", Median(run.ms), "ms");
+    Row("  longest", longest, "ms", longest < 1000, "< 1000");
+}
+
+void MeasureSoak()
+{
+    constexpr int kRanges = 10'000;
+    const bool flat = IsFlat(RunSoak(kRanges));
+    std::printf("the last third against the middle one: %s\n", flat ? "flat" : "GROWS");
+    missed += flat ? 0 : 1;
 }
 
 void MeasureFirstCycle()
 {
-    const tour::GatherRun run = tour::GatherFirstCycleInRealTime(
-        {.pictures = "", .board = "dc", .theme = "light", .testbench = OMBRIX_TESTBENCH});
+    const tour::GatherRun run = tour::GatherFirstCycleInRealTime(OnPseudoTerminals());
     if (!run.good)
         throw std::runtime_error("the first cycle on pseudo-terminals did not end well");
     Row("first cycle, its counts gathered for", run.seconds, "s");
     Row("  the processor's part meanwhile", run.cpuShare * 100, "%", run.cpuShare < 0.05, "< 5");
+}
+
+// What is looked at from outside.
+void MeasurePrograms()
+{
+    const StationFolder folder;
+    Screen screen;
+    MeasureStart(screen, folder);
+    MeasureIdle(screen, folder);
+    MeasureJournal(folder);
+    MeasureTrace(folder);
+}
+
+// The station inside this program.
+void MeasureStation()
+{
+    MeasureWait();
+    MeasureSimulatedRun();
+    MeasurePages();
+    MeasureRealRange();
+    MeasureStops();
+    MeasureFirstCycle();
 }
 
 }  // namespace
@@ -195,23 +263,30 @@ int main(int argc, char **argv)
         KeepSyncing(argv[2]);
         return 1;
     }
+    const std::string option = argc > 1 ? argv[1] : "";
+    const bool all = option == "--all";
+    const bool usual = all || option.empty();
+    const bool whole = all || option == "--whole";
+    const bool soak = all || option == "--soak";
+    if (argc > 2 || (!usual && !whole && !soak)) {
+        std::fprintf(stderr, "Usage: ombrix-benchmarks [--whole | --soak | --all]\n");
+        return 2;
+    }
     ombrix::tour::DropToolkitNoise();
     try {
-        const StationFolder folder;
-        Screen screen;
-        MeasureStart(screen, folder);
-        MeasureIdle(screen, folder);
-        MeasureJournal(folder);
-        MeasureTrace(folder);
+        if (usual)
+            MeasurePrograms();
 
         // From here on the station runs inside this program.
         qputenv("QT_QPA_PLATFORM", "offscreen");
         const QApplication application(argc, argv);
         QApplication::setStyle("Fusion");
-        MeasureWait();
-        MeasureSimulatedRun();
-        MeasureRealRange();
-        MeasureFirstCycle();
+        if (usual)
+            MeasureStation();
+        if (whole)
+            MeasureWholeCalibration();
+        if (soak)
+            MeasureSoak();
     } catch (const std::exception &trouble) {
         std::fprintf(stderr, "ombrix-benchmarks: %s\n", trouble.what());
         return 1;

@@ -40,6 +40,11 @@ bool EndsWithin(pid_t pid, std::chrono::milliseconds limit)
 
 }  // namespace
 
+double ResidentMiBOf(pid_t pid)
+{
+    return static_cast<double>(StatusNumber("/proc/" + std::to_string(pid) + "/status", "VmRSS")) / 1024;
+}
+
 long SleepsOf(pid_t pid)
 {
     long sum = 0;
@@ -79,7 +84,7 @@ Program::~Program()
 
 double Program::ResidentMiB() const
 {
-    return static_cast<double>(StatusNumber("/proc/" + std::to_string(m_pid) + "/status", "VmRSS")) / 1024;
+    return ResidentMiBOf(m_pid);
 }
 
 double Program::ResidentMiBOfChild(const std::string &name) const

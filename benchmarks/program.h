@@ -8,6 +8,8 @@
 
 namespace ombrix::benchmarks {
 
+/// VmRSS in MiB.
+double ResidentMiBOf(pid_t pid);
 /// How often the threads of a process went to sleep by themselves so far.
 long SleepsOf(pid_t pid);
 

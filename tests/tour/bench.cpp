@@ -4,6 +4,7 @@
 #include "platform/clock.h"
 #include "platform/crash_note.h"
 #include "platform/text.h"
+#include "platform/wire_trace.h"
 #include "session/state.h"
 #include "shell/quit.h"
 #include "shell/station.h"
@@ -19,6 +20,7 @@
 #include <functional>
 #include <string>
 #include <sys/resource.h>
+#include <vector>
 
 namespace ombrix::tour {
 namespace {
@@ -73,26 +75,73 @@ std::function<bool()> StepIsOpen(int position)
     };
 }
 
-// One round of the board's first gain step, whichever clock is in force.
-RangeRun CalibrateOneRange(ScriptedOperator &person)
+// One round of a range, whichever clock is in force.
+void CalibrateRange(ScriptedOperator &person, int position, RangeRun &run)
 {
-    RangeRun run;
-    const int position = GainPosition();
-    std::int64_t start = 0;
-    person.Does([&] { start = NowMicros(); })
-        .Clicks(StepButton(position))
+    person.Clicks(StepButton(position))
         .WaitsUntil("the step is open", StepIsOpen(position))
         .Clicks("cmdReady")
         .WaitsFor("cmdRepeat")
-        .Does([&] {
+        .Does([&run] {
             run.before = LastCell(2);
             run.after = LastCell(5);
             run.error = LastCell(ScriptedOperator::Columns("msgCalibGrid") - 1);
         })
-        .Clicks("cmdAccept")
-        .WaitsUntil("the range is left", [] { return ScriptedOperator::IsEnabled("cmdSetup"); })
-        .Does([&] { run.micros = NowMicros() - start; });
+        .Clicks("cmdAccept");
+    test::LeavesRange(person);
+}
+
+RangeRun CalibrateRanges(ScriptedOperator &person, const std::vector<int> &positions)
+{
+    RangeRun run;
+    std::int64_t start = 0;
+    person.Does([&start] { start = NowMicros(); });
+    for (const int position : positions)
+        CalibrateRange(person, position, run);
+    person.Does([&run, &start] { run.micros = NowMicros() - start; });
     run.good = person.Runs();
+    return run;
+}
+
+// The board's first gain step.
+RangeRun CalibrateOneRange(ScriptedOperator &person)
+{
+    return CalibrateRanges(person, {GainPosition()});
+}
+
+RangeRun CalibrateBoard(ScriptedOperator &person)
+{
+    return CalibrateRanges(person, test::RangePositions());
+}
+
+// Each stop comes at another moment of the round: while the input is asked for, confirmed, read.
+StopRun TimeStops(ScriptedOperator &person)
+{
+    constexpr int kStops = 12;
+    constexpr int kFirstMs = 300;
+    constexpr int kFurtherMs = 670;
+    StopRun run;
+    std::int64_t stopped = 0;  // 0 until the click, and again when its standby has been seen
+    OpenTrace(".");
+    const int following = FollowTrace([&run, &stopped](const TraceRecord &record) {
+        if (stopped == 0 || record.line != TraceLine::Calibrator || record.way != ByteWay::Sent ||
+            record.bytes.find("STBY") == std::string::npos)
+            return;
+        run.ms.push_back(static_cast<double>(NowMicros() - stopped) / 1000);
+        stopped = 0;
+    });
+    const int position = GainPosition();
+    for (int stop = 0; stop < kStops; ++stop)
+        person.Clicks(StepButton(position))
+            .WaitsUntil("the step is open", StepIsOpen(position))
+            .Clicks("cmdReady")
+            .Waits(kFirstMs + stop * kFurtherMs)
+            .Does([&stopped] { stopped = NowMicros(); })
+            .Clicks("cmdStopReset")
+            .WaitsUntil("the range is left", [] { return ScriptedOperator::IsEnabled("cmdSetup"); });
+    run.good = person.Runs() && run.ms.size() == kStops;
+    StopFollowingTrace(following);
+    CloseTrace();
     return run;
 }
 
@@ -176,11 +225,30 @@ template <class Run> Run EstablishedInRealTime(const Options &options, Run (*wor
     return run;
 }
 
+RangeRun EstablishedOnVirtualTime(const Options &options, RangeRun (*work)(ScriptedOperator &person))
+{
+    test::Wiring wiring;
+    wiring.bench.board = BoardNamed(options.board);
+    wiring.bench.seed = kSeed;
+    BenchStation station(wiring);
+    return station.Establishes() ? work(station.person) : RangeRun{};
+}
+
 }  // namespace
 
 RangeRun RunRangeInRealTime(const Options &options)
 {
     return EstablishedInRealTime<RangeRun>(options, CalibrateOneRange);
+}
+
+RangeRun RunBoardInRealTime(const Options &options)
+{
+    return EstablishedInRealTime<RangeRun>(options, CalibrateBoard);
+}
+
+StopRun TimeStopsInRealTime(const Options &options)
+{
+    return EstablishedInRealTime<StopRun>(options, TimeStops);
 }
 
 GatherRun GatherFirstCycleInRealTime(const Options &options)
@@ -215,11 +283,12 @@ bool RunUntilKilled(const std::string &guard)
 
 RangeRun RunRangeOnVirtualTime(const Options &options)
 {
-    test::Wiring wiring;
-    wiring.bench.board = BoardNamed(options.board);
-    wiring.bench.seed = kSeed;
-    BenchStation station(wiring);
-    return station.Establishes() ? CalibrateOneRange(station.person) : RangeRun{};
+    return EstablishedOnVirtualTime(options, CalibrateOneRange);
+}
+
+RangeRun RunBoardOnVirtualTime(const Options &options)
+{
+    return EstablishedOnVirtualTime(options, CalibrateBoard);
 }
 
 bool RunBench(const Options &options)

@@ -5,6 +5,7 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace ombrix::tour {
 
@@ -48,6 +49,18 @@ struct RangeRun {
 RangeRun RunRangeInRealTime(const Options &options);
 /// The same on virtual time. What is left are the waits, the bytes and the instruments: the least that it can take.
 RangeRun RunRangeOnVirtualTime(const Options &options);
+
+/// Every range of the board, one round each, as one run: in `before`, `after` and `error` stands the last one.
+RangeRun RunBoardInRealTime(const Options &options);
+RangeRun RunBoardOnVirtualTime(const Options &options);
+
+struct StopRun {
+    bool good = false;
+    std::vector<double> ms;  ///< from each click on Stop until the line took the standby
+};
+/// A round of a board's first gain step, stopped again and again, each time a little further on; in real time against an
+/// emulated meter on pseudo-terminals.
+StopRun TimeStopsInRealTime(const Options &options);
 
 /// In the current folder, whose settings name the lines: establishes, and calibrates the board's first gain step again
 /// and again, under this guard, until it is killed or a signal asks it to quit. False when something keeps it from going on.
