@@ -19,6 +19,8 @@
 #include <termios.h>
 #include <unistd.h>
 
+#include "version.h"
+
 enum { kSocket = 3, kPatienceS = 10 };
 
 /* The station may have died inside a line, which the first line end closes, or inside a block for the meter, which
@@ -27,6 +29,10 @@ enum { kSocket = 3, kPatienceS = 10 };
 static const char kStandby[] = "\nOUT 0 V, 0 Hz ; STBY ; *WAI\n";
 static const char kLocal[] = "LOCAL\n";
 enum { kLongestBlock = 200, kTimes = kLongestBlock / (int)(sizeof kStandby - 1) + 3 };
+
+static const char kAbout[] =
+    "ombrix-guard puts the calibrator in standby when the calibration station dies. The station starts it; there is\n"
+    "nothing to start by hand. Options: --version, --help\n";
 
 static int line = -1;
 
@@ -103,8 +109,27 @@ static void IgnoreSignals(void)
     setsid();
 }
 
-int main(void)
+static int Tell(int where, const char *words, int result)
 {
+    return write(where, words, strlen(words)) < 0 ? 1 : result;
+}
+
+/* Whoever starts it by hand is told what it is. */
+static int StartedByTheStation(void)
+{
+    int type = 0;
+    socklen_t size = sizeof type;
+    return getsockopt(kSocket, SOL_SOCKET, SO_TYPE, &type, &size) == 0 && type == SOCK_SEQPACKET;
+}
+
+int main(int argc, char **argv)
+{
+    if (argc == 2 && strcmp(argv[1], "--version") == 0)
+        return Tell(STDOUT_FILENO, "ombrix-guard " OMBRIX_VERSION "\n", 0);
+    if (argc == 2 && strcmp(argv[1], "--help") == 0)
+        return Tell(STDOUT_FILENO, kAbout, 0);
+    if (argc > 1 || !StartedByTheStation())
+        return Tell(STDERR_FILENO, kAbout, 2);
     IgnoreSignals();
     syscall(SYS_close_range, kSocket + 1, ~0U, 0); /* whatever the station had open and didn't close */
     for (;;) {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string_view>
 
+#include "platform/folder_hold.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
 #include "session/kept_remarks.h"
@@ -27,7 +28,7 @@ std::vector<Section> sections;
 std::vector<IniPair> keys;
 
 std::string iniPath;
-bool fileUsable = true;
+std::string obstacle;  // why nothing is saved, "" when the file is usable
 FolderHold folderHold;
 bool toldSections = false;
 bool toldKeys = false;
@@ -171,6 +172,11 @@ bool KeptBeside(const std::string &path, const std::string &bytes)
     return true;
 }
 
+std::string InBrackets(const std::string &text)
+{
+    return text.empty() ? "" : " (" + text + ")";
+}
+
 // What a line of the file can hold and give back.
 bool CanBeKept(const std::string &section, const IniPair &pair)
 {
@@ -187,21 +193,20 @@ void LoadIni(const std::string &path)
     iniPath = path;
     const std::optional<std::string> bytes = ReadFile(path);
     const bool understood = ReadText(bytes.value_or(""));
-    std::string obstacle;
+    obstacle.clear();
     if (!bytes && StateOfFile(path) != FileState::Missing)
-        obstacle = " can't be read.";
+        obstacle = path + " can't be read.";
     else if (!folderHold.TakeFolderOf(path))
-        obstacle = " is in use by another station.";
+        obstacle = path + " is in use by another station" + InBrackets(folderHold.Holder()) + ".";
     else if (!understood && !KeptBeside(path, *bytes))
-        obstacle = " holds no settings, and " + path + ".old can't be written.";
-    fileUsable = obstacle.empty();
-    KeepRemarkOn(Subject::Settings, fileUsable ? "" : path + obstacle + " Settings of this session won't be kept.");
+        obstacle = path + " holds no settings, and " + path + ".old can't be written.";
+    KeepRemarkOn(Subject::Settings, obstacle.empty() ? "" : obstacle + kNothingKept);
     IniDirty = false;
 }
 
 void SaveIni()
 {
-    if (!IniDirty || !IniReady || !fileUsable)
+    if (!IniDirty || !IniReady || !obstacle.empty())
         return;
     const std::string error = WriteFile(iniPath, FileText());
     IniDirty = !error.empty();
@@ -212,7 +217,12 @@ void SaveIni()
 void ReleaseIni()
 {
     folderHold.Release();
-    fileUsable = false;
+    obstacle = "The settings are another program's now.";
+}
+
+std::string IniObstacle()
+{
+    return obstacle;
 }
 
 std::string IniGet(const std::string &section, const std::string &key)

@@ -21,6 +21,10 @@ void LoadIni(const std::string &path = "Ombrix.ini");
 void SaveIni();
 /// Lets the folder go for another program. Nothing is saved any more until the next LoadIni.
 void ReleaseIni();
+/// Why nothing is saved in this session, whatever changes; "" when the file is usable.
+std::string IniObstacle();
+/// What follows from an obstacle.
+constexpr const char *kNothingKept = " Settings of this session won't be kept.";
 
 std::string IniGet(const std::string &section, const std::string &key);
 /// True when the value changed. Adds section and key as needed; both are kept without blanks around them. What a line

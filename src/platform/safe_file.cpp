@@ -10,7 +10,6 @@
 #include <cstring>
 #include <fcntl.h>
 #include <string_view>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -115,24 +114,6 @@ std::string WriteFile(const std::string &path, const std::string &bytes)
     std::string words = Words();
     unlink(half.constData());
     return words;
-}
-
-bool FolderHold::TakeFolderOf(const std::string &path)
-{
-    Release();
-    const QByteArray folder = QFile::encodeName(QFileInfo(QString::fromStdString(path)).path());
-    m_handle = open(folder.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (m_handle < 0 || flock(m_handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
-        return true;
-    Release();
-    return false;
-}
-
-void FolderHold::Release()
-{
-    if (m_handle >= 0)
-        close(m_handle);
-    m_handle = -1;
 }
 
 }  // namespace ombrix

@@ -20,22 +20,4 @@ std::optional<std::string> ReadFile(const std::string &path);
 /// takes it away.
 std::string WriteFile(const std::string &path, const std::string &bytes);
 
-/// Holds a folder for this program until it lets go or ends, in whatever way. Nothing is written into the folder.
-class FolderHold
-{
-public:
-    FolderHold() = default;
-    ~FolderHold() { Release(); }
-    FolderHold(const FolderHold &) = delete;
-    FolderHold &operator=(const FolderHold &) = delete;
-
-    /// Takes the folder of a file, in place of the one held before. False when another program holds it; where the
-    /// system can't tell, the folder counts as free.
-    bool TakeFolderOf(const std::string &path);
-    void Release();
-
-private:
-    int m_handle = -1;
-};
-
 }  // namespace ombrix

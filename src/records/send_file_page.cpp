@@ -13,6 +13,7 @@
 #include "model/settings.h"
 #include "model/station_settings.h"
 #include "model/step_ids.h"
+#include "platform/folders.h"
 #include "session/journal.h"
 #include "session/live_output.h"
 #include "session/outlets.h"
@@ -48,7 +49,7 @@ const WordRun kExtendedMark = {127, "8000"};
 enum class Sent { No, Partly, Whole };
 
 struct SendFilePage {
-    std::string SendFileName;  // a path, or the bare name when it lies in the program's own folder
+    std::string SendFileName;  // a path, or the bare name when it lies in the station's folder or is an installed one
     std::string SendImage;     // as read
     RangeDescription range;    // of a file that can be sent
     Sent sent = Sent::No;
@@ -128,8 +129,9 @@ void LoadSendFile()
 {
     const std::filesystem::path path(page.SendFileName);
     view.lblSFileName->setText(Caption(path.filename().string()));
-    view.lblSFileName->setToolTip(Caption(page.SendFileName));
-    const DpmFile file = ReadDpmFile(page.SendFileName, CalibTab, BoardName(SCType));
+    const std::string found = FindFile(page.SendFileName);
+    view.lblSFileName->setToolTip(Caption(found));
+    const DpmFile file = ReadDpmFile(found, CalibTab, BoardName(SCType));
     page.SendImage = file.image;
     page.sent = Sent::No;
     if (!file.error.empty()) {
@@ -151,14 +153,13 @@ void ChooseSendFile()
     LoadSendFile();
 }
 
-// A file of the program's own folder is known by its bare name, so that the folder can move.
+// A file that is found by its bare name is known by it, so that the station's folder can move.
 std::string RememberedName(const std::string &name)
 {
     namespace fs = std::filesystem;
     std::error_code trouble;
-    const fs::path path(name);
-    const bool own = fs::equivalent(path.has_parent_path() ? path.parent_path() : ".", ".", trouble);
-    return own ? path.filename().string() : name;
+    const std::string bare = fs::path(name).filename().string();
+    return fs::equivalent(FindFile(bare), name, trouble) ? bare : name;
 }
 
 void RememberName()

@@ -1,5 +1,6 @@
 #include "shell/operator_dialogs.h"
 
+#include "platform/folders.h"
 #include "shell/main_window.h"
 #include "shell/operator_boxes.h"
 #include "shell/print_dialog.h"
@@ -12,6 +13,7 @@
 #include <QMainWindow>
 #include <QPainter>
 #include <QPrinter>
+#include <QUrl>
 
 namespace ombrix {
 namespace {
@@ -34,6 +36,8 @@ std::string ChooseFile(const std::string &title, const std::string &filter, cons
 {
     QFileDialog dialog(frmOmbrix, Caption(title));
     PrepareFileDialog(dialog, filter, start);
+    if (!SampleFolder().empty())
+        dialog.setSidebarUrls(dialog.sidebarUrls() << QUrl::fromLocalFile(QString::fromStdString(SampleFolder())));
     while (ShowAndWait(&dialog)) {
         const QString path = dialog.selectedFiles().value(0);
         if (QFileInfo(path).isFile())

@@ -46,12 +46,12 @@ PortState StateOfPort(int port)
     return trouble.empty() ? PortState{device} : PortState{device + "\r\n" + trouble, true};
 }
 
+}  // namespace
+
 QColor TroubleColour()
 {
     return IsDark(QApplication::palette()) ? QColor(255, 150, 140) : QColor(170, 0, 0);
 }
-
-}  // namespace
 
 void DropPortNotes()
 {

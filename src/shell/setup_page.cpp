@@ -9,6 +9,7 @@
 #include "session/state.h"
 #include "shell/board_chooser.h"
 #include "shell/establish.h"
+#include "shell/folder_note.h"
 #include "shell/main_window.h"
 #include "shell/navigation_lock.h"
 #include "shell/output_panel.h"
@@ -82,6 +83,7 @@ void BuildSetupPage(QFrame *page)
     column->addWidget(shpStatus);
     column->addWidget(shpProgress);
     column->addStretch(1);
+    column->addWidget(BuildFolderNote(content));
     auto *row = new QHBoxLayout(page);
     row->addStretch(1);
     row->addWidget(content, 1000);

@@ -4,6 +4,7 @@
 
 #include "testbench/program/options.h"
 #include "testbench/program/serve.h"
+#include "version.h"
 
 int main(int argc, char **argv)
 {
@@ -15,6 +16,10 @@ int main(int argc, char **argv)
     }
     if (options.help) {
         std::fputs(UsageText().c_str(), stdout);
+        return 0;
+    }
+    if (options.version) {
+        std::puts("ombrix-testbench " OMBRIX_VERSION);
         return 0;
     }
     const std::string trouble = Serve(options);

@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "model/range_tables.h"
+#include "platform/folders.h"
 #include "testbench/boards.h"
 
 namespace ombrix::bench {
@@ -29,6 +30,7 @@ constexpr const char *kUsage =
     "  --delay MS     time from OPER to the output in force; 200 when none is given\n"
     "  --fault NAME   switch a fault on at once; may be given several times. help lists them; NAME=N for some\n"
     "  --station DIR  write the device paths into section Ports of DIR/Ombrix.ini, and the wiring into Comms\n"
+    "  --version      the version\n"
     "  --help         this text\n";
 
 std::string Upper(std::string text)
@@ -86,6 +88,8 @@ private:
         BenchSetup &setup = m_options.setup;
         if (option == "--help" || option == "-h")
             m_options.help = true;
+        else if (option == "--version" || option == "-v")
+            m_options.version = true;
         else if (option == "--xmtr")
             setup.xmtr = true;
         else if (option == "--uut")
@@ -131,7 +135,14 @@ private:
             m_options.faults.push_back(value);
             return Bench::IsFault(value);
         }
+        return StoreStation(value);
+    }
+
+    bool StoreStation(const std::string &value)
+    {
         m_options.station = value;
+        if (const std::string trouble = value.empty() ? "" : FolderTrouble(value); !trouble.empty())
+            m_options.trouble = "the station can't work in '" + value + "': " + trouble;
         return !value.empty();
     }
 

@@ -13,6 +13,7 @@ struct Options {
     std::vector<std::string> faults;
     std::string station;  ///< folder whose Ombrix.ini learns the ports, "" none
     bool help = false;
+    bool version = false;
     std::string trouble;  ///< what is wrong with the options, "" nothing
 };
 

@@ -11,6 +11,8 @@ std::string TellStation(const std::string &folder, const DevicePaths &paths, con
     if (StateOfFile(file) == FileState::Unreadable)
         return file + " can't be read";
     LoadIni(file);
+    if (const std::string obstacle = IniObstacle(); !obstacle.empty())
+        return obstacle;
     IniReady = true;
     IniSet("Ports", "COM1", paths.meter);
     IniSet("Ports", "COM2", paths.calibrator);

@@ -4,6 +4,7 @@
 #include <QFileInfo>
 
 #include "model/settings_folder.h"
+#include "platform/folder_hold.h"
 #include "platform/text.h"
 
 using namespace ombrix;
@@ -171,7 +172,7 @@ TEST_F(FirstStart, TouchesNoOlderFile)
 {
     Start();
     const QStringList entries = QDir().entryList(QDir::Files);
-    EXPECT_EQ(entries, QStringList{"Ombrix.ini"});
+    EXPECT_EQ(entries, QStringList({"Ombrix.ini", kLockFile}));
 }
 
 TEST_F(FirstStart, KeepsAFileWithTheLineEndsOfWindows)

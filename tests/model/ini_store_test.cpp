@@ -5,6 +5,7 @@
 #include <QDir>
 
 #include "model/settings_folder.h"
+#include "platform/folder_hold.h"
 
 using namespace ombrix;
 
@@ -366,7 +367,10 @@ TEST_F(IniStore, LeavesTheFileToTheStationThatHasItOpen)
     ASSERT_TRUE(other.TakeFolderOf("Ombrix.ini"));
     LoadIni();
     ASSERT_EQ(remarks.size(), 1u);
-    EXPECT_EQ(remarks[0], "Ombrix.ini is in use by another station. Settings of this session won't be kept.");
+    EXPECT_THAT(remarks[0],
+                testing::MatchesRegex("Ombrix.ini is in use by another station \\(.+ on .+ since .+, process "
+                                      ".+\\)\\. Settings of this session won't be kept\\."));
+    EXPECT_EQ(remarks[0], IniObstacle() + " Settings of this session won't be kept.");
     EXPECT_EQ(IniGet("A", "One"), "1") << "reading is free";
     IniSet("A", "One", "2");
     EXPECT_EQ(Saved(), "[A]\nOne=1\n");
@@ -374,6 +378,7 @@ TEST_F(IniStore, LeavesTheFileToTheStationThatHasItOpen)
     other.Release();
     LoadIni();
     EXPECT_EQ(remarks.size(), 1u);
+    EXPECT_EQ(IniObstacle(), "");
     IniSet("A", "One", "2");
     EXPECT_EQ(Saved(), "[A]\nOne=2\n");
     EXPECT_FALSE(other.TakeFolderOf("Ombrix.ini"));

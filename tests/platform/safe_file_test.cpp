@@ -202,27 +202,3 @@ TEST(SafeFile, AWriteOverAFolderFailsAndSaysSo)
     EXPECT_NE(WriteFile("target", "x"), "");
     EXPECT_TRUE(QDir("target").exists());
 }
-
-TEST(SafeFile, OneProgramAtATimeHoldsAFolder)
-{
-    QDir().mkdir("held");
-    FolderHold first;
-    EXPECT_TRUE(first.TakeFolderOf("held/a.ini"));
-    EXPECT_TRUE(first.TakeFolderOf("held/b.ini")) << "its own hold is no obstacle";
-    {
-        FolderHold second;
-        EXPECT_FALSE(second.TakeFolderOf("held/a.ini"));
-        EXPECT_TRUE(second.TakeFolderOf("a.ini")) << "another folder";
-        first.Release();
-        EXPECT_TRUE(second.TakeFolderOf("held/a.ini"));
-        EXPECT_FALSE(first.TakeFolderOf("held/a.ini"));
-    }
-    EXPECT_TRUE(first.TakeFolderOf("held/a.ini")) << "the second is gone";
-    EXPECT_TRUE(QDir("held").isEmpty());
-}
-
-TEST(SafeFile, AFolderThatIsNotThereCountsAsFree)
-{
-    FolderHold hold;
-    EXPECT_TRUE(hold.TakeFolderOf("no-such-folder/a.ini"));
-}

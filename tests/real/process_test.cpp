@@ -16,6 +16,7 @@
 #include <csignal>
 #include <string>
 #include <sys/stat.h>
+#include <unistd.h>
 #include <vector>
 
 using namespace ombrix;
@@ -41,7 +42,6 @@ protected:
 
     void Launch(const QStringList &options)
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("QT_QPA_PLATFORM", "offscreen");
         process.setProcessEnvironment(environment);
         process.setWorkingDirectory("/");  // not its own folder
@@ -82,6 +82,21 @@ protected:
         EXPECT_EQ(process.exitCode(), 0);
     }
 
+    // The program's folder is not the user's to write, and he has a home. Root becomes nobody for it.
+    void BelongsToAnother()
+    {
+        constexpr uid_t kNobody = 65534;
+        environment.remove("XDG_DATA_HOME");
+        environment.insert("HOME", home.path());
+        QFile::setPermissions(folder.path(), QFile::Permissions(0x5555));
+        QFile::setPermissions(home.path(), QFile::Permissions(0x7777));
+        if (getuid() == 0)
+            process.setChildProcessModifier([] {
+                if (setgid(kNobody) != 0 || setuid(kNobody) != 0)
+                    _exit(99);
+            });
+    }
+
     // It ends by itself with this exit code before it has begun; what it said to standard error.
     std::string Refuses(const QStringList &options, int code)
     {
@@ -105,6 +120,8 @@ protected:
     }
 
     QTemporaryDir folder;
+    QTemporaryDir home;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     QString path;
     QProcess process;
 };
@@ -165,8 +182,59 @@ TEST_F(Program, RefusesWhatItDoesNotUnderstand)
         EndsWith("ombrix: the trace can't be written to /no-such-folder/said.txt: No such file or directory\n"));
 }
 
-TEST_F(Program, TellsItsOptions)
+TEST_F(Program, TellsItsOptionsAndItsVersionWithoutADisplay)
 {
-    Refuses({"--help"}, 0);
-    EXPECT_THAT(process.readAllStandardOutput().toStdString(), testing::HasSubstr("--trace <file>"));
+    environment.insert("QT_QPA_PLATFORM", "no such display");
+    process.setProcessEnvironment(environment);
+    process.start(path, {"--help"});
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(), testing::HasSubstr("--trace FILE"));
+    process.start(path, {"--version"});
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(),
+                testing::MatchesRegex("ombrix [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    process.start(path, {"--trade"});
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 2);
+}
+
+TEST_F(Program, LeavesNothingBesideItselfWhenTheUserCanNotWriteThere)
+{
+    BelongsToAnother();
+    ASSERT_TRUE(Starts());
+    const QDir station(home.filePath(".local/share/ombrix"));
+    EXPECT_THAT(ReadFile(station.filePath("Ombrix.lock").toStdString()).value_or(""),
+                testing::HasSubstr("process=" + std::to_string(process.processId()) + "\n"));
+    EndsBy(SIGTERM);
+    EXPECT_EQ(station.entryList(QDir::Files, QDir::Name), QStringList({"Ombrix.ini", "Ombrix.trace"}));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList({"ombrix"}));
+}
+
+TEST_F(Program, WorksInTheFolderThatItIsToldSeenFromWhereItWasStarted)
+{
+    ASSERT_TRUE(Starts({"--simulate", "--station", home.path().mid(1)}));  // it is started in the root folder
+    EndsBy(SIGTERM);
+    EXPECT_EQ(QDir(home.path()).entryList(QDir::Files, QDir::Name), QStringList({"Ombrix.ini", "Ombrix.trace"}));
+    EXPECT_EQ(QDir(folder.path()).entryList(QDir::Files), QStringList({"ombrix"}));
+    EXPECT_EQ(Refuses({"--station", home.filePath("gone")}, 2), "ombrix: the station can't work in '" +
+                                                                    home.filePath("gone").toStdString() +
+                                                                    "': there is no such folder\n");
+}
+
+TEST_F(Program, OfTheGuardSaysWhatItIsToWhoeverStartsIt)
+{
+    process.start(OMBRIX_GUARD, QStringList());
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 2);
+    EXPECT_THAT(process.readAllStandardError().toStdString(), testing::StartsWith("ombrix-guard puts the calibrator"));
+    process.start(OMBRIX_GUARD, {"--version"});
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 0);
+    EXPECT_THAT(process.readAllStandardOutput().toStdString(),
+                testing::MatchesRegex("ombrix-guard [0-9]+\\.[0-9]+\\.[0-9]+\n"));
+    process.start(OMBRIX_GUARD, {"--trade"});
+    ASSERT_TRUE(process.waitForFinished(kStartMs));
+    EXPECT_EQ(process.exitCode(), 2);
 }

@@ -2,6 +2,7 @@
 #include "model/range_tables.h"
 #include "model/station_settings.h"
 #include "model/step_ids.h"
+#include "platform/folders.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
 #include "session/live_output.h"
@@ -188,6 +189,40 @@ TEST_F(SimulatedFile, OfTheProgramsFolderIsRememberedByItsBareName)
     person->WaitsForText("lblSFileName", "other.dpm").Clicks("cmdSendFile").WaitsFor("cmdSFSkipOK");
     ASSERT_TRUE(person->Runs()) << person->Trouble();
     EXPECT_EQ(SendFileDefaults[kDc], "other.dpm");
+}
+
+TEST_F(SimulatedFile, ThatTheStationsFolderHasNotIsTheInstalledOne)
+{
+    Establishes();
+    fs::create_directory("installed");
+    fs::rename("zsc1.dpm", "installed/zsc1.dpm");
+    const std::string installed = fs::absolute("installed");
+    LookForSamplesIn(installed);
+    Opens();
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(Status(), kGood);
+    EXPECT_EQ(Text("lblSFileName"), "zsc1.dpm");
+    EXPECT_EQ(ScriptedOperator::Find("lblSFileName")->toolTip().toStdString(), installed + "/zsc1.dpm");
+    person->Clicks("cmdSFBrowse").ChoosesFile(installed + "/zsc1.dpm").WaitsFor("cmdSendFile");
+    person->Clicks("cmdSendFile").WaitsFor("cmdSFSkipOK");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(SendFileDefaults[kDc], "zsc1.dpm") << "found by its name, so known by it";
+    EXPECT_EQ(fs::exists("zsc1.dpm"), false) << "nothing is written beside the settings";
+    LookForSamplesIn("");
+}
+
+TEST_F(SimulatedFile, OfTheSameNameAsOneOfTheStationIsRememberedByItsPath)
+{
+    Establishes();
+    fs::create_directory("installed");
+    fs::copy("zsc1.dpm", "installed/zsc1.dpm");
+    const std::string installed = fs::absolute("installed/zsc1.dpm");
+    LookForSamplesIn(fs::absolute("installed"));
+    Opens().Clicks("cmdSFBrowse").ChoosesFile(installed).WaitsFor("cmdSendFile");
+    person->Clicks("cmdSendFile").WaitsFor("cmdSFSkipOK");
+    ASSERT_TRUE(person->Runs()) << person->Trouble();
+    EXPECT_EQ(SendFileDefaults[kDc], installed);
+    LookForSamplesIn("");
 }
 
 TEST_F(SimulatedFile, StaysAsItIsWhenTheChoiceIsCancelled)

@@ -1,5 +1,6 @@
 #include "shell/operator_dialogs.h"
 
+#include "platform/folders.h"
 #include "platform/safe_file.h"
 #include "session/outlets.h"
 #include "session/state.h"
@@ -15,6 +16,7 @@
 #include <QLineEdit>
 #include <QPrinterInfo>
 #include <QRegularExpression>
+#include <QUrl>
 
 namespace ombrix::test {
 namespace {
@@ -84,6 +86,21 @@ TEST_F(OperatorDialogs, TheFileDialogBeginsAtTheFileBefore)
         .ChoosesFile("");
     ASSERT_TRUE(person.Runs());
     EXPECT_EQ(path, "");
+}
+
+TEST_F(OperatorDialogs, TheFileDialogOffersTheFolderOfTheInstalledSamples)
+{
+    LookForSamplesIn(Path("images"));
+    Opens(".")
+        .WaitsUntil("it is up", [] { return ScriptedOperator::Sees("dlgOpen"); })
+        .Does([] {
+            auto *dialog = qobject_cast<QFileDialog *>(ScriptedOperator::Find("dlgOpen"));
+            EXPECT_EQ(dialog->directory().absolutePath(), QDir::currentPath());
+            EXPECT_TRUE(dialog->sidebarUrls().contains(QUrl::fromLocalFile(QDir::current().filePath("images"))));
+        })
+        .ChoosesFile("");
+    ASSERT_TRUE(person.Runs());
+    LookForSamplesIn("");
 }
 
 TEST_F(OperatorDialogs, AFileThatIsNotThereIsToldAndAskedAgain)

@@ -28,7 +28,7 @@ TEST(Options, AreTakenInAnyOrder)
 {
     const Options options =
         ParseOptions({"--seed", "7", "--uut", "--board", "AC2", "--xmtr", "--kind", "wtmtr", "--fault", "slow-reply",
-                      "--fault", "garbage", "--delay", "900", "--station", "/tmp/x", "--no-switch"});
+                      "--fault", "garbage", "--delay", "900", "--station", "/tmp", "--no-switch"});
     EXPECT_EQ(options.trouble, "");
     EXPECT_EQ(options.setup.board, board::kAc2);
     EXPECT_EQ(options.setup.kind, kind::kWtMtr);
@@ -38,7 +38,7 @@ TEST(Options, AreTakenInAnyOrder)
     EXPECT_FALSE(options.setup.outputSwitch);
     EXPECT_EQ(options.setup.operateDelayMs, 900);
     EXPECT_THAT(options.faults, testing::ElementsAre("slow-reply", "garbage"));
-    EXPECT_EQ(options.station, "/tmp/x");
+    EXPECT_EQ(options.station, "/tmp");
 }
 
 TEST(Options, NameBoardsInAnyCase)
@@ -52,6 +52,7 @@ TEST(Options, NameBoardsInAnyCase)
     EXPECT_TRUE(ParseOptions({"--board", "an"}).setup.xmtr) << "a meter with an analog output";
     EXPECT_FALSE(ParseOptions({"--manual"}).setup.calibrator);
     EXPECT_TRUE(ParseOptions({"--help"}).help);
+    EXPECT_TRUE(ParseOptions({"--version"}).version);
 }
 
 TEST(Options, TellWhatIsWrongWithThem)
@@ -68,6 +69,7 @@ TEST(Options, TellWhatIsWrongWithThem)
         {{"--delay", "-5"}, "'-5' is no value for --delay"},
         {{"--fault", "sulking"}, "'sulking' is no value for --fault"},
         {{"--station", ""}, "'' is no value for --station"},
+        {{"--station", "/no/such/folder"}, "there is no such folder"},
         {{"--manual", "--uut"}, "--uut needs a calibrator"},
         {{"--board", "dc", "--kind", "ctr"}, "a ctr has the VF board"},
         {{"--kind", "dpm", "--board", "vf"}, "a ctr has the VF board"},
@@ -79,7 +81,7 @@ TEST(Options, TellWhatIsWrongWithThem)
 TEST(Options, AreAllInTheHelp)
 {
     for (const char *option : {"--board", "--kind", "--xmtr", "--seed", "--uut", "--manual", "--no-switch", "--delay",
-                               "--fault", "--station", "--help"})
+                               "--fault", "--station", "--version", "--help"})
         EXPECT_THAT(UsageText(), HasSubstr(option));
 }
 

@@ -12,6 +12,7 @@
 
 #include "platform/clock.h"
 #include "platform/fault.h"
+#include "platform/folder_hold.h"
 #include "platform/port_check.h"
 #include "platform/safe_file.h"
 #include "platform/serial_port.h"
@@ -196,8 +197,11 @@ TEST_F(Program, EndsWithItsTroubleOnStandardError)
     EXPECT_EQ(Ends(), 2);
     EXPECT_EQ(ErrorText(), "ombrix-testbench: 'xx' is no value for --board; --help lists the options\n");
     Starts({"--station", "/no/such/folder"});
-    EXPECT_EQ(Ends(), 1);
-    EXPECT_EQ(ErrorText(), "ombrix-testbench: /no/such/folder: No such file or directory\n");
+    EXPECT_EQ(Ends(), 2);
+    EXPECT_EQ(
+        ErrorText(),
+        "ombrix-testbench: the station can't work in '/no/such/folder': there is no such folder; --help lists the "
+        "options\n");
     const QTemporaryDir folder;
     ASSERT_TRUE(QDir(folder.path()).mkdir("COM2"));
     Starts({"--station", folder.path()});
@@ -211,6 +215,9 @@ TEST_F(Program, TellsItsOptions)
 {
     Starts({"--help"});
     EXPECT_THAT(Line(), HasSubstr("Usage: ombrix-testbench"));
+    EXPECT_EQ(Ends(), 0);
+    Starts({"--version"});
+    EXPECT_THAT(Line(), testing::MatchesRegex("ombrix-testbench [0-9]+\\.[0-9]+\\.[0-9]+"));
     EXPECT_EQ(Ends(), 0);
 }
 
@@ -247,6 +254,16 @@ TEST(StationFolder, TellsWhenItCantBeWritten)
     const QTemporaryDir folder;
     ASSERT_TRUE(QDir(folder.path()).mkdir("Ombrix.ini"));
     EXPECT_THAT(TellStation(folder.path().toStdString(), {"/m", "/c"}, {}), HasSubstr("can't be read"));
+}
+
+TEST(StationFolder, IsLeftToTheStationThatWorksInIt)
+{
+    const QTemporaryDir folder;
+    const std::string path = folder.path().toStdString();
+    FolderHold station;
+    ASSERT_TRUE(station.TakeFolderOf(path + "/Ombrix.ini"));
+    EXPECT_THAT(TellStation(path, {"/m", "/c"}, {}), HasSubstr("is in use by another station ("));
+    EXPECT_EQ(StateOfFile(path + "/Ombrix.ini"), FileState::Missing);
 }
 
 }  // namespace
