@@ -156,12 +156,12 @@ bool FileIsWhole() noexcept
 bool RingStands()
 {
     if (!header || FileIsWhole())
-        return header;
+        return header != nullptr;
     Drop();
     BeginRingInMemory();
     if (traceTrouble)
         traceTrouble("somebody else has cut it short");
-    return header;
+    return header != nullptr;
 }
 
 // The oldest ones go until a record finds room.

@@ -402,16 +402,9 @@ void ExpectLearnedOnFile()
     EXPECT_NE(ini.find("RTD.1F=1234\n", words), std::string::npos);
 }
 
-}  // namespace
-
-TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsSavesAndEndsWithin4Seconds)
+// The operator works until the end has come.
+void WorksIntoTheEnd(BenchStation &station, const QuitCase &quit, End &end)
 {
-    const QuitCase &quit = GetParam();
-    End end = quit.seed > 0 ? DrawnEnd(quit) : End();
-    SCOPED_TRACE("road " + std::to_string(static_cast<int>(end.road)) + " at " + std::to_string(end.moment) + " ms");
-    BenchStation station(quit.script.wiring);
-    ASSERT_TRUE(station.Establishes());
-    Learn();
     WatchSignals();
     if (quit.seed > 0) {
         CallAfter(static_cast<int>(end.moment), [&end] { ComesTwice(end); });
@@ -427,10 +420,10 @@ TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsSavesAndEndsWit
     }
     end.over = NowMicros();
     StopWatchingSignals();
-    ASSERT_GT(end.came, 0) << station.person.Trouble();
-    EXPECT_TRUE(Quitting);
-    EXPECT_FALSE(ProcedureRunning());
-    EXPECT_FALSE(frmOmbrix->isVisible());
+}
+
+void ExpectStandbyInTime(const BenchStation &station, const End &end)
+{
     const std::int64_t standby = HeardAfter(station.bench, "OUT 0 V, 0 Hz ; STBY ; *WAI", end.came);
     EXPECT_GE(standby, 0);
     EXPECT_LE(standby, 1200);
@@ -438,6 +431,24 @@ TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsSavesAndEndsWit
     EXPECT_LE((end.over - end.came) / 1000, 4000);
     EXPECT_FALSE(station.bench.CalibratorNow().operating);
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+}  // namespace
+
+TEST_P(QuitLoop, PutsTheCalibratorInStandbyWithin1200MillisecondsSavesAndEndsWithin4Seconds)
+{
+    const QuitCase &quit = GetParam();
+    End end = quit.seed > 0 ? DrawnEnd(quit) : End();
+    SCOPED_TRACE("road " + std::to_string(static_cast<int>(end.road)) + " at " + std::to_string(end.moment) + " ms");
+    BenchStation station(quit.script.wiring);
+    ASSERT_TRUE(station.Establishes());
+    Learn();
+    WorksIntoTheEnd(station, quit, end);
+    ASSERT_GT(end.came, 0) << station.person.Trouble();
+    EXPECT_TRUE(Quitting);
+    EXPECT_FALSE(ProcedureRunning());
+    EXPECT_FALSE(frmOmbrix->isVisible());
+    ExpectStandbyInTime(station, end);
     ExpectLearnedOnFile();
 }
 

@@ -66,6 +66,28 @@ protected:
         Learns(number);
         SaveIni();
     }
+    // So many of the calls to the system fail, from one on. False when fewer are needed.
+    bool SavesWhileCallsFail(int from, int length)
+    {
+        SCOPED_TRACE("calls " + std::to_string(from) + " and " + std::to_string(length) + " in all fail");
+        LearnsAndSaves(1);
+        int calls = 0;
+        UseFileFaults([&calls, from, length](FileCall) {
+            const int call = calls++;
+            return FileFault{call >= from && call < from + length ? ENOSPC : 0, 0};
+        });
+        LearnsAndSaves(2);
+        const bool reached = calls > from;
+        EXPECT_EQ(File(), FileOf(reached ? 1 : 2));
+        EXPECT_EQ(kept,
+                  reached ? "Ombrix.ini can't be written: No space left on device. The settings aren't saved." : "");
+        UseFileFaults(nullptr);
+        SaveIni();
+        EXPECT_EQ(File(), FileOf(2));
+        EXPECT_EQ(kept, "");
+        EXPECT_EQ(Names(), "Ombrix.ini");
+        return reached;
+    }
     static std::string File() { return Read("Ombrix.ini"); }
     static std::string Names() { return QDir().entryList(QDir::Files | QDir::Hidden).join(' ').toStdString(); }
 
@@ -115,29 +137,12 @@ TEST_F(IniTrouble, KilledAtAnyMomentOfItsSavesTheStationFindsWholeSettingsAgain)
 
 TEST_F(IniTrouble, WhicheverCallFailsForHoweverLongTheFileIsWholeAndTheOperatorToldUntilItIsSaved)
 {
-    for (const int length : {1, 2, 1000})
-        for (int from = 0;; ++from) {
-            SCOPED_TRACE("calls " + std::to_string(from) + " and " + std::to_string(length) + " in all fail");
-            LearnsAndSaves(1);
-            int calls = 0;
-            UseFileFaults([&calls, from, length](FileCall) {
-                const bool fails = calls >= from && calls < from + length;
-                ++calls;
-                return FileFault{fails ? ENOSPC : 0, 0};
-            });
-            LearnsAndSaves(2);
-            const bool reached = calls > from;
-            EXPECT_EQ(File(), FileOf(reached ? 1 : 2));
-            EXPECT_EQ(kept, reached ? "Ombrix.ini can't be written: No space left on device. The settings aren't saved."
-                                    : "");
-            UseFileFaults(nullptr);
-            SaveIni();
-            EXPECT_EQ(File(), FileOf(2));
-            EXPECT_EQ(kept, "");
-            EXPECT_EQ(Names(), "Ombrix.ini");
-            if (!reached)
-                break;
-        }
+    for (const int length : {1, 2, 1000}) {
+        int from = 0;
+        while (SavesWhileCallsFail(from, length))
+            ++from;
+        EXPECT_EQ(from, 4) << "opened, written, synced, renamed";
+    }
 }
 
 TEST_F(IniTrouble, ADiskThatIsFullAtAnyByteLeavesTheOldFile)

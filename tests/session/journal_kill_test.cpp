@@ -32,6 +32,27 @@ struct KilledJournal : JournalTest {
                    {{"number", number}, {"text", std::string(static_cast<std::size_t>(number * 37 % 500), 'x')}});
     }
 
+    // A run that finds room for so many bytes, and later for all.
+    void RunsOutOfRoom(unsigned room)
+    {
+        std::string heard;
+        ListenToJournal([&heard](const JournalEvent &event) { heard += event.kind + " "; });
+        FilesEndAt(room);
+        Open();
+        for (const char *kind : {"a", "b", "c", "d"})
+            Record(kind, {});
+        EXPECT_TRUE(JournalIsBehind());
+        EXPECT_EQ(remarks, std::vector<std::string>{"not recorded"});
+        EXPECT_EQ(heard, Kinds(kMonth)) << "what is told is on file, and nothing else";
+        FilesEndAt(kNoEnd);
+        Record("e", {});
+        EXPECT_FALSE(JournalIsBehind());
+        EXPECT_EQ(remarks.back(), "");
+        EXPECT_EQ(heard, "start a b c d e ");
+        EXPECT_EQ(Kinds(kMonth), heard);
+        ExpectChain(Lines(kMonth));
+    }
+
     // How often each event stands in the file, by its id.
     static std::map<std::string, int> OnFile()
     {
@@ -79,24 +100,7 @@ TEST_F(KilledJournal, OnADiskThatIsFullAtAnyByteGoesOnWhereThereIsRoomAgain)
     for (unsigned room = 0; room < 1200; room += 41) {
         QDir("station/Journal").removeRecursively();
         SCOPED_TRACE("room for " + std::to_string(room) + " bytes");
-        InAnotherProcess([room, this] {
-            std::string heard;
-            ListenToJournal([&heard](const JournalEvent &event) { heard += event.kind + " "; });
-            FilesEndAt(room);
-            Open();
-            for (const char *kind : {"a", "b", "c", "d"})
-                Record(kind, {});
-            EXPECT_TRUE(JournalIsBehind());
-            EXPECT_EQ(remarks, std::vector<std::string>{"not recorded"});
-            EXPECT_EQ(heard, Kinds(kMonth)) << "what is told is on file, and nothing else";
-            FilesEndAt(kNoEnd);
-            Record("e", {});
-            EXPECT_FALSE(JournalIsBehind());
-            EXPECT_EQ(remarks.back(), "");
-            EXPECT_EQ(heard, "start a b c d e ");
-            EXPECT_EQ(Kinds(kMonth), heard);
-            ExpectChain(Lines(kMonth));
-        });
+        InAnotherProcess([room, this] { RunsOutOfRoom(room); });
     }
 }
 
