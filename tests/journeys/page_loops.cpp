@@ -47,6 +47,7 @@ std::int64_t HeardAfter(const bench::Bench &bench, const std::string &text, std:
     return -1;
 }
 
+// By frames since a moment.
 std::set<int> WordsWritten(const bench::Bench &bench, std::int64_t since)
 {
     std::set<int> words;
