@@ -332,6 +332,22 @@ TEST_F(AnalogOnBench, IsNoSilentMeterWhenTheGivingBackWasStopped)
     EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::Yes);
 }
 
+TEST_F(AnalogOnBench, KeepsWhatTheMeterDidNotTakeBackForAnotherTry)
+{
+    Meets(board::kDc);
+    GiveCustomersWords(*bench, {14, 13, 12, kMode, kDac});
+    ASSERT_TRUE(BorrowAnalogSettings());
+    const std::vector<std::string> found = AnalogSettingsFound();
+    SetAnalogMode(kBipolarOutput);
+    EXPECT_TRUE(BorrowAnalogSettings()) << "the meter's own words are the ones that were found first";
+    bench->WearOut(kMode);
+    EXPECT_EQ(GiveBackAnalogSettings(), GivenBack::NotTaken);
+    EXPECT_TRUE(AnalogSettingsBorrowed());
+    EXPECT_EQ(AnalogSettingsFound(), found);
+    EXPECT_THAT(WhyNotGivenBack(GivenBack::NotTaken, AnalogSettingsNames()),
+                testing::HasSubstr("14 to 12, 20, 240 don't read back as they were before"));
+}
+
 TEST_F(AnalogOnBench, WritesNothingIntoAMeterThatWasPutInItsPlace)
 {
     Meets(board::kDc);
