@@ -1,7 +1,7 @@
 # Sourced by ./run and ./test: says what happens, installs what is missing, configures and builds.
 
 preset=default
-readonly build=build
+build=build
 # What fuzz/run needs beside a build: the fuzzer is a part of clang's run-time library.
 readonly fuzz_tools=(clang libclang-rt-dev llvm)
 

@@ -18,7 +18,8 @@ done
 trouble=0
 echo "lint: layout"
 git ls-files -z --cached --others --exclude-standard -- \
-    {src,testbench,fuzz,tests,benchmarks}/'*.h' {src,testbench,fuzz,tests,benchmarks}/'*.cpp' |
+    {src,testbench,fuzz,tests,benchmarks,packaging}/'*.h' \
+    {src,testbench,fuzz,tests,benchmarks,packaging}/'*.cpp' |
     xargs -0 clang-format --dry-run -Werror || trouble=1
 
 echo "lint: arrows, lengths and shells"

@@ -4,10 +4,9 @@
 #include <QPixmap>
 
 namespace ombrix {
-namespace {
 
-// On a square of 64: the bezel, the window of the display, the digits as segments, the terminals below.
-void PaintMeter(QPainter &painter)
+// The bezel, the window of the display, the digits as segments, the terminals below.
+void PaintIcon(QPainter &painter)
 {
     painter.setPen(Qt::NoPen);
     painter.setBrush(QColor(58, 64, 74));
@@ -27,8 +26,6 @@ void PaintMeter(QPainter &painter)
     painter.drawEllipse(QRectF(40, 50, 10, 10));
 }
 
-}  // namespace
-
 QIcon WindowIcon()
 {
     QIcon icon;
@@ -37,8 +34,8 @@ QIcon WindowIcon()
         pixmap.fill(Qt::transparent);
         QPainter painter(&pixmap);
         painter.setRenderHint(QPainter::Antialiasing);
-        painter.scale(size / 64.0, size / 64.0);
-        PaintMeter(painter);
+        painter.scale(static_cast<double>(size) / kIconSide, static_cast<double>(size) / kIconSide);
+        PaintIcon(painter);
         painter.end();
         icon.addPixmap(pixmap);
     }

@@ -3,7 +3,13 @@
 
 #include <QIcon>
 
+class QPainter;
+
 namespace ombrix {
+
+constexpr int kIconSide = 64;
+/// Paints it onto a square of this side.
+void PaintIcon(QPainter &painter);
 
 QIcon WindowIcon();
 
