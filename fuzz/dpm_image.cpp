@@ -74,6 +74,9 @@ void RequireFields(const std::string &image, int tab, int board, const std::stri
     std::string meter = image;
     const auto runs = RunsToWrite(image, changed, topWord);
     Require(runs.size() <= 2, "two writes are enough");
+    constexpr int kLongestRun = 35;  // of one frame
+    for (const NvmRun &run : runs)
+        Require(runs.size() == 1 || run.count <= kLongestRun, "of two writes each is one frame");
     for (const NvmRun &run : runs)
         meter = WithRun(meter, topWord, run.start, DigitsOfRun(changed, topWord, run));
     Require(meter == changed, "the writes bring every change into the meter");
