@@ -1,5 +1,5 @@
 // Fuzzes: src/model/settings.cpp src/model/nominal_settings.cpp src/model/analog_settings.cpp
-// Fuzzes: src/model/port_settings.cpp src/model/ratio_conditions.cpp src/model/kept_config.cpp
+// Fuzzes: src/model/port_settings.cpp src/model/kept_config.cpp
 //
 // A station that starts on any files in its folder, its own and those of an older one: every value is one that its
 // procedures can use, and a second start changes nothing.
