@@ -95,10 +95,9 @@ QPointer<QMessageBox> alertBox;
 QStringList PartingWords(const std::string &alert)
 {
     QStringList words;
-    if (!alert.empty())
-        words += Caption(alert);
-    if (IniDirty && IniReady)
-        words += Caption(KeptRemarkOn(Subject::Settings));
+    for (const std::string &each : {alert, IniDirty && IniReady ? KeptRemarkOn(Subject::Settings) : std::string()})
+        if (!each.empty())
+            words += Caption(each);
     if (JournalIsBehind())
         words += "What happened last is not recorded: the journal can't be written.";
     return words;
