@@ -90,6 +90,23 @@ void Writes(int line, const std::string &bytes)
         _exit(3);
 }
 
+// Until the line takes nothing any more, also a moment later, when the system has carried on what it holds. Returns how
+// many bytes that were.
+std::size_t Fills(int line)
+{
+    std::size_t full = 0;
+    for (int refused = 0; refused < 3;) {
+        if (write(line, "V", 1) == 1) {
+            ++full;
+            refused = 0;
+            continue;
+        }
+        ++refused;
+        std::this_thread::sleep_for(std::chrono::milliseconds(10));
+    }
+    return full;
+}
+
 // Another process does something with a guard and dies as told: by a signal, or with 0 by its own end. True when it
 // had come that far.
 bool Dies(int signal, const std::function<void()> &life)
@@ -286,9 +303,7 @@ TEST(Guard, OfAStationThatDiedBeforeItHadItsAnswerSpeaks)
 TEST(Guard, WaitsForALineThatTakesNothing)
 {
     Line line;
-    std::size_t full = 0;
-    while (write(line.Near(), "OUT 660 V\n", 10) == 10)
-        full += 10;
+    const std::size_t full = Fills(line.Near());
     ASSERT_TRUE(Dies(SIGKILL, [&line] { GuardLine(line.Near()); }));
     line.LeaveNear();
     std::this_thread::sleep_for(std::chrono::milliseconds(50));
@@ -304,8 +319,7 @@ TEST(Guard, EndsWithALineThatGoesWhileItWaits)
     ASSERT_EQ(pipe(told.data()), 0);
     {
         Line line;
-        while (write(line.Near(), "OUT 660 V\n", 10) == 10) {
-        }
+        Fills(line.Near());
         ASSERT_TRUE(Dies(SIGKILL, [&] {
             GuardLine(line.Near());
             guard = GuardOfThisProcess();
