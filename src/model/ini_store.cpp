@@ -217,7 +217,7 @@ void SaveIni()
 void ReleaseIni()
 {
     folderHold.Release();
-    obstacle = "The settings are another program's now.";
+    obstacle = "released";
 }
 
 std::string IniObstacle()

@@ -14,6 +14,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QPlainTextEdit>
+
 #include <cerrno>
 #include <cmath>
 #include <filesystem>
@@ -26,7 +28,10 @@ using namespace ombrix::test;
 
 namespace {
 
+using testing::AllOf;
+using testing::HasSubstr;
 using testing::IsEmpty;
+using testing::Not;
 using testing::StartsWith;
 
 constexpr int k2Volts = 4;  // position on the DC board
@@ -52,6 +57,17 @@ Passed Calibrated(bool recorded)
         passed.emplace_back(line.time - start, line.text);
     UseJournal(true);
     return passed;
+}
+
+// What the operator reads there.
+std::string SummaryOf(BenchStation &station)
+{
+    std::string text;
+    station.person.Clicks("cmdSummary").WaitsFor("cmdSummaryCopy").Does([&text] {
+        text = qobject_cast<QPlainTextEdit *>(ScriptedOperator::Find("txtSummary"))->toPlainText().toStdString();
+    });
+    EXPECT_TRUE(station.person.Clicks("cmdSummaryClose").Runs());
+    return text;
 }
 
 std::string MarkOf(int position)
@@ -250,6 +266,18 @@ TEST(JournalOfASession, ThatFindsNoRoomIsMissedAndTheRangeIsCalibratedAllTheSame
     const auto ends = EventsOf("step ended");
     ASSERT_EQ(ends.size(), 1U) << "what waited is on file, once";
     EXPECT_EQ(TextOf(ends[0], "how"), "accepted");
+}
+
+TEST(Summary, TellsTheMeterAndWhatEachStepHasLeftInIt)
+{
+    BenchStation station(Wiring{});
+    EXPECT_EQ(SummaryOf(station), "No meter was identified yet.");
+    ASSERT_TRUE(station.Establishes());
+    EXPECT_THAT(SummaryOf(station), AllOf(HasSubstr(" with DC board, "), HasSubstr("No step has ended yet.")));
+    ASSERT_TRUE(station.Calibrates(k2Volts, 2));
+    const std::string inTheMeter = HexText(station.bench.Nvm()[32], 4);
+    EXPECT_THAT(SummaryOf(station), HasSubstr("\nDC  2 V: accepted, word 20 = " + inTheMeter + ", reading "));
+    EXPECT_THAT(SummaryOf(station), Not(HasSubstr("No step")));
 }
 
 TEST(JournalOfASession, AnEarlierWordThatCannotBeWrittenIsNotAccepted)

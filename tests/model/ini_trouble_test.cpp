@@ -3,6 +3,7 @@
 
 #include "model/settings_folder.h"
 #include "platform/file_faults.h"
+#include "platform/folder_hold.h"
 #include "support/other_process.h"
 
 #include <gmock/gmock.h>
@@ -89,7 +90,13 @@ protected:
         return reached;
     }
     static std::string File() { return Read("Ombrix.ini"); }
-    static std::string Names() { return QDir().entryList(QDir::Files | QDir::Hidden).join(' ').toStdString(); }
+    // What lies in the folder beside the lock of the station that holds it.
+    static std::string Names()
+    {
+        QStringList names = QDir().entryList(QDir::Files | QDir::Hidden);
+        names.removeOne(kLockFile);
+        return names.join(' ').toStdString();
+    }
 
     // What is saved in the trouble isn't, and that is told; what is saved behind it is, and the remark goes.
     void ExpectToldAndMended(const std::string &words, const std::function<void()> &mended)
