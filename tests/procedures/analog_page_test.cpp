@@ -394,6 +394,17 @@ TEST_F(AnalogPages, InitNvmemGivesABlankMeterTheWordsOfItsDac)
     EXPECT_FALSE(analog.dualDone) << "nothing was calibrated";
 }
 
+TEST_F(AnalogPages, InitNvmemTellsThatTheMeterDidNotTakeAWord)
+{
+    Opens();
+    Chooses("optDAC(3)");
+    bench->SetWord(61, 0xFFFF);
+    bench->WearOut(61);
+    Leaves(StepButton(kInitNvmemAt));
+    EXPECT_THAT(Text("lblInst(12)"), HasSubstr("did not take all nominal words"));
+    EXPECT_EQ(Fill("shpInst(12)"), "#ff0000");
+}
+
 TEST_F(AnalogPages, ReCalibrateStartsTheRoundOver)
 {
     Opens();
