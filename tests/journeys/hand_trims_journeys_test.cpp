@@ -217,7 +217,7 @@ PageScript ScriptOf(const Trim &trim, Route route)
         const bool hopeless = fault == "over-range" || fault == "never-operating" || fault == "silent-meter" ||
                               fault == "meter-port-gone";
         // A calibrator that trips tells nobody, and its meter then reads no input.
-        const bool blind = LiveReadingLies(fault) || fault == "trips";
+        const bool blind = DisplayLies(fault) || fault == "trips";
         Works(station, trim, hopeless ? kGlance : kPatience, [&station, &trim, blind] {
             if (CurrentStepId == trim.step || blind) {
                 TurnsBack(station.bench);

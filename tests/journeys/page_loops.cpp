@@ -126,12 +126,7 @@ bool IsOfTheCalibrator(const std::string &fault)
 
 bool DisplayLies(const std::string &fault)
 {
-    return fault == "never-settling" || fault == "over-range" || fault == "drifting";
-}
-
-bool LiveReadingLies(const std::string &fault)
-{
-    return DisplayLies(fault) || fault == "wrong-length";
+    return fault == "never-settling" || fault == "over-range" || fault == "drifting" || fault == "wrong-length";
 }
 
 std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scriptOn, const ShortWalk &shortWalk)

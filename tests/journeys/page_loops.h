@@ -69,11 +69,9 @@ std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scrip
 /// A fault of the bench's calibrator, of its output or of its line: a page that applies nothing, and a station without a
 /// calibrator, never meet it.
 bool IsOfTheCalibrator(const std::string &fault);
-/// A fault by which the meter itself shows what isn't so: nobody can read a true value from it.
+/// A fault by which the meter itself shows what isn't so: nobody can read a true value from it. A reply that lost its last
+/// digit is a reading too, and again and again it settles.
 bool DisplayLies(const std::string &fault);
-/// The same of a number that is followed: a reply that lost its last digit is a reading too, and only one that settled
-/// would be known by it.
-bool LiveReadingLies(const std::string &fault);
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
 
