@@ -10,20 +10,24 @@
 #include <execinfo.h>
 #include <fcntl.h>
 #include <string_view>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 #include <unistd.h>
 
 namespace ombrix {
 namespace {
 
 constexpr int kFrames = 64;
+constexpr unsigned kNoteSeconds = 1;                   // a disk that hangs gets no more
 constexpr std::size_t kStack = std::size_t{64} << 10;  // for the handler: the program's own may be used up
 
 struct DeadlySignal {
     int number;
     std::string_view name;
 };
-constexpr std::array<DeadlySignal, 4> kDeadly = {
-    {{SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"}, {SIGFPE, "SIGFPE"}}};
+constexpr std::array<DeadlySignal, 5> kDeadly = {
+    {{SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"}, {SIGFPE, "SIGFPE"}, {SIGILL, "SIGILL"}}};
 
 // All of it stands before a crash: in it nothing can be asked for.
 std::array<char, 4096> notePath{};
@@ -46,7 +50,7 @@ std::string_view NameOf(int number)
 
 void LeaveNote(int number)
 {
-    const int file = open(notePath.data(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    const int file = open(notePath.data(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666);
     if (file < 0)
         return;
     Say(file, "Died of ");
@@ -64,9 +68,20 @@ void LeaveNote(int number)
     close(file);
 }
 
+// The guard speaks when the program is really gone: nothing here may keep it.
+void HoldUpNothing()
+{
+    std::signal(SIGALRM, SIG_DFL);
+    alarm(kNoteSeconds);
+#ifdef __linux__
+    prctl(PR_SET_DUMPABLE, 0);
+#endif
+}
+
 extern "C" void HandleCrash(int number)
 {
     std::signal(number, SIG_DFL);  // a fault in here ends the program at once
+    HoldUpNothing();
     LeaveNote(number);
     raise(number);
 }

@@ -1,5 +1,6 @@
 // What a crash leaves behind: the file Ombrix.crash with the signal, where the program stood, and the last records of
-// the lines. Then it dies of the same signal, so that whoever watches it sees that.
+// the lines. Then it dies of the same signal, so that whoever watches it sees that: within a second, and without an image of
+// its memory, whose writing would hold the calibrator's line from the guard.
 #pragma once
 
 #include <string>
@@ -8,7 +9,7 @@ namespace ombrix {
 
 constexpr const char *kCrashFile = "Ombrix.crash";
 
-/// From now on SIGSEGV, SIGABRT, SIGBUS, SIGFPE and an exception that nobody catches leave the file at `path`.
+/// From now on SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL and an exception that nobody catches leave the file at `path`.
 void WatchCrashes(const std::string &path);
 
 }  // namespace ombrix

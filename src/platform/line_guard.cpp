@@ -19,6 +19,8 @@ bool GuardStands()
     return false;
 }
 
+void UseGuardNews(std::function<void(bool stands)>) {}
+
 }  // namespace ombrix
 
 #else
@@ -33,17 +35,20 @@ bool GuardStands()
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
+#include <utility>
 
 namespace ombrix {
 namespace {
 
-constexpr int kGuardsEnd = 3;   // its descriptor of the socket
-constexpr int kAnswerMs = 500;  // it does nothing else
+constexpr int kGuardsEnd = 3;         // its descriptor of the socket
+constexpr int kAnswerMs = 500;        // it does nothing else
+constexpr int kFirstAnswerMs = 3000;  // its program may have to come from a slow disk first
 constexpr int kEndMs = 500;
 
 std::string program;
 int socketToGuard = -1;
 pid_t guard = -1;
+std::function<void(bool stands)> guardNews;
 
 // One that only was too slow to answer must not take the end of its socket for the station's death.
 void ForgetGuard()
@@ -111,16 +116,29 @@ bool Send(char letter, int handle)
 }
 
 // It has done what it was told last.
-bool HasAnswered()
+bool HasAnswered(int withinMs)
 {
     pollfd answer = {socketToGuard, POLLIN, 0};
     char letter = 0;
-    return poll(&answer, 1, kAnswerMs) == 1 && recv(socketToGuard, &letter, 1, MSG_DONTWAIT) == 1;
+    int ready = -1;
+    do {
+        ready = poll(&answer, 1, withinMs);
+    } while (ready < 0 && errno == EINTR);
+    return ready == 1 && recv(socketToGuard, &letter, 1, MSG_DONTWAIT) == 1;
 }
 
-bool Tell(int handle)
+bool Tell(int handle, int withinMs)
 {
-    return socketToGuard >= 0 && Send(handle >= 0 ? 'L' : 'N', handle) && HasAnswered();
+    return socketToGuard >= 0 && Send(handle >= 0 ? 'L' : 'N', handle) && HasAnswered(withinMs);
+}
+
+// A new one that holds the line; none at all when it doesn't answer.
+bool StartWith(int handle)
+{
+    if (Start() && Tell(handle, kFirstAnswerMs))
+        return true;
+    ForgetGuard();
+    return false;
 }
 
 }  // namespace
@@ -128,15 +146,16 @@ bool Tell(int handle)
 bool StartGuard(const std::string &path)
 {
     program = path;
-    return Start() && Tell(-1);
+    return StartWith(-1);
 }
 
 void GuardLine(int handle)
 {
-    if (program.empty() || Tell(handle))
+    if (program.empty() || Tell(handle, kAnswerMs))
         return;
-    if (!Start() || !Tell(handle))
-        ForgetGuard();
+    const bool stands = StartWith(handle);
+    if (guardNews)
+        guardNews(stands);
 }
 
 void EndGuard()
@@ -155,7 +174,14 @@ void EndGuard()
 
 bool GuardStands()
 {
-    return socketToGuard >= 0 && guard > 0 && kill(guard, 0) == 0;
+    if (guard > 0 && waitpid(guard, nullptr, WNOHANG) != 0)
+        guard = -1;
+    return socketToGuard >= 0 && guard > 0;
+}
+
+void UseGuardNews(std::function<void(bool stands)> news)
+{
+    guardNews = std::move(news);
 }
 
 }  // namespace ombrix

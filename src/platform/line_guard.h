@@ -4,6 +4,7 @@
 // Nothing here throws or waits longer than a moment: without a guard the station works on.
 #pragma once
 
+#include <functional>
 #include <string>
 
 namespace ombrix {
@@ -15,7 +16,9 @@ bool StartGuard(const std::string &path);
 void GuardLine(int handle);
 /// The last words have been said: it ends without a word.
 void EndGuard();
-/// One was started and answers.
+/// One was started and lives.
 bool GuardStands();
+/// Told when a guard had died: whether another one stands in its place. One at a time; nullptr tells nobody.
+void UseGuardNews(std::function<void(bool stands)> news);
 
 }  // namespace ombrix

@@ -75,7 +75,7 @@ public:
     std::function<void()> onGone;
     /// Told the handle of each line that was opened, and -1 before it closes and when it has gone.
     std::function<void(int handle)> onLine;
-    /// Told all bytes that the line took or gave, before whoever asked for them has them.
+    /// Told all bytes that are given to the line or come from it, before whoever asked for them has them.
     std::function<void(ByteWay way, std::string_view bytes)> onBytes;
 
 private:

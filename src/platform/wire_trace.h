@@ -1,7 +1,7 @@
 // Every byte of both lines with its moment, in a ring of 4 MiB: the last hours of what was said.
 //
 // The ring is the file Ombrix.trace, mapped into memory, so it outlives the program however that ends. A record costs
-// neither memory nor a call to the system. The file of a run that ended without goodbye is kept as Ombrix.trace.old.
+// one look at the file's size and no memory. The file of a run that ended without goodbye is kept as Ombrix.trace.old.
 #pragma once
 
 #include "platform/serial_port.h"

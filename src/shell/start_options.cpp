@@ -2,10 +2,12 @@
 
 #include "platform/fault.h"
 #include "platform/folders.h"
+#include "platform/wire_trace.h"
 #include "shell/simulation_switch.h"
 
 #include <QCommandLineParser>
 #include <QDir>
+#include <QFileInfo>
 
 namespace ombrix {
 namespace {
@@ -40,6 +42,8 @@ std::string Trouble(const QCommandLineParser &parser, const StartOptions &option
         return "'" + parser.positionalArguments()[0].toStdString() + "' is too much. ombrix --help lists the options.";
     if (parser.isSet("trace") && options.trace.empty())
         return "no file is named for the trace";
+    if (const QString name = QFileInfo(parser.value("trace")).fileName(); name == kTraceFile || name == kOldTraceFile)
+        return name.toStdString() + " is the station's own: name another file for the trace";
     return parser.isSet("station") ? StationTrouble(parser.value("station"), options.station) : "";
 }
 

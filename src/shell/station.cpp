@@ -163,9 +163,10 @@ void OpenStation()
 
 void OpenGuard(const std::string &program)
 {
+    static const std::string words = "No output guard: a kill leaves the output as it stands";
+    UseGuardNews([](bool stands) { KeepRemarkOn(Subject::Guard, stands ? "" : words); });
     if (StartGuard(program))
         return;
-    const std::string words = "No output guard: a kill leaves the output as it stands";
     KeepRemarkOn(Subject::Guard, words);
     std::fprintf(stderr, "ombrix: %s (%s can't be started)\n", words.c_str(), program.c_str());
     Record("warned", {{"of", words}});
@@ -175,6 +176,7 @@ void CloseStation()
 {
     CloseLinks();
     EndGuard();
+    UseGuardNews(nullptr);
     StopFollowingSteps();
     EndJournal();
     EndTrace();

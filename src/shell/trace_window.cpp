@@ -18,6 +18,7 @@
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QHideEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMainWindow>
@@ -339,6 +340,8 @@ protected:
     void hideEvent(QHideEvent *event) override
     {
         QWidget::hideEvent(event);
+        if (event->spontaneous())
+            return;  // to the task bar: it comes back without being opened
         FollowOrNot(false);
         view.rows->Fill({});
     }

@@ -7,12 +7,14 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
+#include <QFileInfo>
 
 #include <csignal>
 #include <functional>
 #include <stdexcept>
 #include <string>
 #include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -21,19 +23,26 @@ using testing::HasSubstr;
 
 namespace {
 
+bool IsFile(const char *path)
+{
+    return QFileInfo(path).isFile();
+}
+
 // What another process leaves that does this, and of which signal it dies.
 struct Death {
     int signal = 0;
+    bool dumped = false;
     std::string note;
 };
 
 Death After(const std::function<void()> &life)
 {
-    QFile::remove(kCrashFile);
     const pid_t child = fork();
     if (child == 0) {
-        const rlimit none{0, 0};
-        setrlimit(RLIMIT_CORE, &none);
+        rlimit core{};
+        getrlimit(RLIMIT_CORE, &core);
+        core.rlim_cur = core.rlim_max;
+        setrlimit(RLIMIT_CORE, &core);
         OpenTrace(".");
         Trace(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
         WatchCrashes(kCrashFile);
@@ -42,7 +51,9 @@ Death After(const std::function<void()> &life)
     }
     int status = 0;
     waitpid(child, &status, 0);
-    return {WIFSIGNALED(status) ? WTERMSIG(status) : 0, ReadFile(kCrashFile).value_or("none")};
+    const std::string note = IsFile(kCrashFile) ? ReadFile(kCrashFile).value_or("none") : "none";
+    QFile::remove(kCrashFile);
+    return {WIFSIGNALED(status) ? WTERMSIG(status) : 0, WCOREDUMP(status), note};
 }
 
 // As deep as it goes: the stack is used up.
@@ -74,12 +85,13 @@ TEST_P(CrashBy, LeavesABacktraceAndTheLastWordsOnTheLinesAndDiesOfTheSame)
 {
     const Death death = After([] { kill(getpid(), GetParam()); });
     EXPECT_EQ(death.signal, GetParam());
+    EXPECT_FALSE(death.dumped) << "its line stays open meanwhile";
     EXPECT_THAT(death.note, HasSubstr("\nBacktrace:\n"));
     EXPECT_THAT(death.note, HasSubstr("platform_tests"));
     EXPECT_THAT(death.note, testing::EndsWith("  meter       sent      *1B1\\r\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, CrashBy, testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE));
+INSTANTIATE_TEST_SUITE_P(Signals, CrashBy, testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL));
 
 TEST(Crash, OfAStackThatIsUsedUpIsTold)
 {
@@ -93,6 +105,16 @@ TEST(Crash, ByAnExceptionThatNobodyCatchesTellsItsWords)
     const Death death = After([] { Ends(MeetsAFault); });
     EXPECT_EQ(death.signal, SIGABRT);
     EXPECT_THAT(death.note, HasSubstr("Died of SIGABRT\nNobody caught: no such word\n"));
+}
+
+TEST(Crash, WhoseNoteNobodyTakesDiesAllTheSame)
+{
+    ASSERT_EQ(mkfifo(kCrashFile, 0600), 0);
+    const Death death = After([] {
+        alarm(5);
+        kill(getpid(), SIGSEGV);
+    });
+    EXPECT_EQ(death.signal, SIGSEGV) << "it waited for a reader";
 }
 
 TEST(Crash, ThatDoesNotHappenLeavesNothing)

@@ -7,6 +7,8 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <QTemporaryDir>
+
 #include <array>
 #include <cerrno>
 #include <chrono>
@@ -275,6 +277,43 @@ TEST(Guard, ThatWasTooSlowToAnswerIsReplacedAndSaysNothingWhileTheStationLives)
     }));
     line.LeaveNear();
     EXPECT_EQ(line.HeardUntilTheEnd(), "");
+}
+
+TEST(Guard, WhoseProgramComesFromASlowDiskIsWaitedFor)
+{
+    const QTemporaryDir folder;
+    const std::string slow = folder.filePath("slow-guard").toStdString();
+    std::ofstream(slow) << "#!/bin/sh\nsleep 0.8\nexec " OMBRIX_GUARD "\n";
+    std::filesystem::permissions(slow, std::filesystem::perms::owner_all);
+    Line line;
+    ASSERT_TRUE(Dies(SIGKILL, [&] {
+        EndGuard();
+        if (!StartGuard(slow))
+            _exit(4);
+        GuardLine(line.Near());
+        GuardLine(-1);
+    }));
+    line.LeaveNear();
+    EXPECT_EQ(line.HeardUntilTheEnd(), "") << "the line was given up";
+}
+
+TEST(Guard, ThatIsLostIsTold)
+{
+    const QTemporaryDir folder;
+    const std::string own = folder.filePath("ombrix-guard").toStdString();
+    std::filesystem::copy_file(OMBRIX_GUARD, own);
+    std::vector<bool> told;
+    UseGuardNews([&told](bool stands) { told.push_back(stands); });
+    ASSERT_TRUE(StartGuard(own));
+    kill(GuardOfThisProcess(), SIGKILL);
+    GuardLine(-1);
+    std::filesystem::remove(own);
+    kill(GuardOfThisProcess(), SIGKILL);
+    GuardLine(-1);
+    EXPECT_EQ(told, (std::vector<bool>{true, false}));
+    EXPECT_FALSE(GuardStands());
+    EndGuard();
+    UseGuardNews(nullptr);
 }
 
 TEST(Guard, OfAStationThatDiedBeforeItHadItsAnswerSpeaks)

@@ -59,6 +59,8 @@ TEST(StartOptions, TellWhatIsWrongWithThem)
         {{"--station", "a file"}, "the station can't work in 'a file': it is no folder"},
         {{"--station", ""}, "the station can't work in '': no folder is named"},
         {{"--trace", ""}, "no file is named for the trace"},
+        {{"--trace", "here/Ombrix.trace"}, "Ombrix.trace is the station's own: name another file for the trace"},
+        {{"--trace", "Ombrix.trace.old"}, "Ombrix.trace.old is the station's own: name another file for the trace"},
     };
     for (const auto &[options, trouble] : rows)
         EXPECT_EQ(Read(options).trouble, trouble);

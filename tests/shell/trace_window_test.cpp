@@ -141,6 +141,15 @@ TEST_F(TraceWindow, ClosedHoldsNothingAndOpenedAgainHasMissedNothing)
     EXPECT_EQ(Last(kMeaning), "display 1.0");
 }
 
+TEST_F(TraceWindow, FromTheTaskBarItComesBackWithWhatWasSaidMeanwhile)
+{
+    PressF12();
+    ScriptedOperator::Find("dlgTrace")->showMinimized();
+    IsSaid(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
+    ScriptedOperator::Find("dlgTrace")->showNormal();
+    EXPECT_EQ(Rows(), 1);
+}
+
 TEST_F(TraceWindow, HoldsNoMoreThanItsRowsAndTheLastOnes)
 {
     PressF12();
