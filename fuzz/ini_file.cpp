@@ -33,7 +33,7 @@ std::vector<std::string> Table(const std::vector<std::string> &sections)
         for (int i = 0; i < IniKeyCount(section); ++i) {
             const std::string key = IniKeyAt(section, i);
             Require(FindIniKey(section, key) >= 0, "a key that is told is found");
-            table.push_back(section + "\n" + key + "\n" + IniGet(section, key));
+            table.insert(table.end(), {section, key, IniGet(section, key)});
         }
     return table;
 }

@@ -15,7 +15,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
 {
     Case input(bytes, size);
     // A file is read in pieces of 64 KiB: noise in front moves the lines over their edges.
-    const std::size_t noise = static_cast<std::size_t>(input.Below(8) == 7 ? 65'000 + 3 * input.Byte() : 0);
+    const auto noise = static_cast<std::size_t>(input.Below(8) == 7 ? 65'000 + 3 * input.Byte() : 0);
     const std::string text = std::string(noise, '#') + (noise > 0 ? "\n" : "") + input.Rest();
     const std::string path = WriteFileOfCase("2026-11.jsonl", text);
     const auto events = ReadJournalFile(path);

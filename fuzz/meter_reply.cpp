@@ -78,7 +78,7 @@ void RequireReading(const Outcome &outcome)
     Require(std::isfinite(Val(outcome.text)), "a reading is a number that can be reckoned with");
 }
 
-std::vector<std::string> RepliesOf(std::string text)
+std::vector<std::string> RepliesOf(const std::string &text)
 {
     std::vector<std::string> replies;
     for (std::string &reply : Split(text, '\0'))

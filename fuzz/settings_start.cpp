@@ -57,7 +57,7 @@ void RequireUsable()
         for (int word = 25; word <= 50; ++word) {
             const std::string nominal = NominalWordOf(board, word);
             Require(nominal.size() == (board == kVf ? 12u : 4u), "a nominal word has its length");
-            const double slope = static_cast<double>(NominalSlopeOf(board, word));
+            const auto slope = static_cast<double>(NominalSlopeOf(board, word));
             Require(std::isfinite(slope) && slope >= 0, "a slope can be reckoned with");
         }
     for (const std::string &word : StoredAnalogWords)

@@ -42,7 +42,7 @@ const std::string &OwnFolder()
 
 std::string WriteFileOfCase(const std::string &name, std::string_view bytes)
 {
-    const std::string path = OwnFolder() + "/" + name;
+    std::string path = OwnFolder() + "/" + name;
     const int file = open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
     const auto written = write(file, bytes.data(), bytes.size());
     close(file);
