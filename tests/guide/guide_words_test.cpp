@@ -26,6 +26,7 @@ const std::map<std::string, std::string> kNotThePrograms = {
     {"Gains.sss", "a file"},
     {"Ombrix.sss", "a file"},
     {"OUT 200 mV, operate", "an example, with values"},
+    {"Start in the simulator", "the desktop's menu, packaging/ombrix.desktop"},
     {"analog settings", "a kind of event in the journal"},
     {"display 199.87", "an example, with values"},
     {"read words 20..17", "an example, with values"},
