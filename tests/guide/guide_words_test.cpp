@@ -70,6 +70,17 @@ std::vector<std::string> Found(const std::string &text, const std::string &patte
     return all;
 }
 
+// What troubleshooting quotes beside the messages, which have a test of their own.
+std::vector<std::string> QuotedInCauseAndCure()
+{
+    std::vector<std::string> all;
+    for (const auto &row : RowsOfTables(TextOf(kProject / "docs/troubleshooting.md")))
+        for (std::size_t column = 1; column < row.size(); ++column)
+            for (const std::string &quote : QuotedIn(row[column]))
+                all.push_back(quote);
+    return all;
+}
+
 // The name that a link gives a chapter.
 std::string Anchor(const std::string &title)
 {
@@ -95,17 +106,18 @@ std::set<std::string> AnchorsOf(const std::filesystem::path &page)
 TEST(GuideWords, AreThePrograms)
 {
     const auto texts = ShownTexts();
-    int quotes = 0;
-    for (const std::string &quote : QuotedIn(TextOf(kProject / "docs/operator.md"))) {
-        ++quotes;
-        if (kNotThePrograms.contains(quote))
-            continue;
-        for (const std::string &part : FixedParts(quote))
-            EXPECT_TRUE(
-                std::any_of(texts.begin(), texts.end(), [&](const auto &file) { return IsMadeOf(part, file.second); }))
-                << "docs/operator.md quotes \"" << quote << "\", and the program shows no \"" << part << '"';
-    }
-    EXPECT_GT(quotes, 100);
+    const std::map<std::string, std::vector<std::string>> quotes = {
+        {"docs/operator.md", QuotedIn(TextOf(kProject / "docs/operator.md"))},
+        {"docs/troubleshooting.md", QuotedInCauseAndCure()},
+    };
+    for (const auto &[page, quoted] : quotes)
+        for (const std::string &quote : quoted)
+            for (const std::string &part : FixedParts(kNotThePrograms.contains(quote) ? "" : quote))
+                EXPECT_TRUE(std::any_of(texts.begin(), texts.end(),
+                                        [&](const auto &file) { return IsMadeOf(part, file.second); }))
+                    << page << " quotes \"" << quote << "\", and the program shows no \"" << part << '"';
+    EXPECT_GT(quotes.at("docs/operator.md").size(), 100U);
+    EXPECT_GT(quotes.at("docs/troubleshooting.md").size(), 50U);
 }
 
 TEST(GuideWords, MakeExceptionsOfNothingThatIsGone)
