@@ -19,8 +19,8 @@ constexpr const char *kUsage =
     "\n"
     "  --simulate     begin in the simulator, as after a double click on \"Calibrator Output\"\n"
     "  --station DIR  work in DIR: settings, journal and other files lie there. Without it they lie in the program's\n"
-    "                 folder, or when that is not the user's to write, in $XDG_DATA_HOME/ombrix\n"
-    "                 (~/.local/share/ombrix)\n"
+    "                 folder, or when the program is installed or that folder isn't the user's to write, in\n"
+    "                 $XDG_DATA_HOME/ombrix (~/.local/share/ombrix)\n"
     "  --trace FILE   write what is said on the lines behind what stands in FILE\n"
     "  --version      the version\n"
     "  --help         this text\n";
