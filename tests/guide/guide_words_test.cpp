@@ -152,6 +152,7 @@ TEST(GuidePictures, StandInEachChapter)
         EXPECT_NE(chapter.find("](pictures/"), std::string::npos) << chapter.substr(0, chapter.find('\n'));
         at = end;
     }
+    EXPECT_NE(TextOf(kProject / "docs/troubleshooting.md").find("](pictures/"), std::string::npos) << "troubleshooting";
 }
 
 TEST(GuidePictures, AreMadeByTheTourAndShown)
