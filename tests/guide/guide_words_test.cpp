@@ -127,6 +127,13 @@ TEST(GuideWords, MakeExceptionsOfNothingThatIsGone)
         EXPECT_TRUE(std::find(quotes.begin(), quotes.end(), quote) != quotes.end()) << quote;
 }
 
+TEST(Changes, BeginWithThisVersion)
+{
+    const auto heads = Found(TextOf(kProject / "CHANGELOG.md"), "\n## ([^\n]+)");
+    ASSERT_FALSE(heads.empty());
+    EXPECT_EQ(heads[0], VERSION) << "the version is raised in CMakeLists.txt and in CHANGELOG.md";
+}
+
 TEST(GuideLinks, LeadToFilesAndChaptersThatAreThere)
 {
     for (const std::string &page : kPages) {
