@@ -11,7 +11,7 @@ std::string TellStation(const std::string &folder, const DevicePaths &paths, con
     if (StateOfFile(file) == FileState::Unreadable)
         return file + " can't be read";
     LoadIni(file);
-    if (const std::string obstacle = IniObstacle(); !obstacle.empty())
+    if (std::string obstacle = IniObstacle(); !obstacle.empty())
         return obstacle;
     IniReady = true;
     IniSet("Ports", "COM1", paths.meter);
