@@ -17,6 +17,7 @@
 #include "platform/text.h"
 #include "session/outlets.h"
 #include "session/state.h"
+#include "support/fresh_settings.h"
 
 #include <algorithm>
 #include <cmath>
@@ -30,16 +31,7 @@ namespace {
 void Forget()
 {
     InitSessionState();
-    LoadIni("no such file");
-    IniReady = IniDirty = WordsDirty = false;
-    InitNominals();
-    ClearFilterCodes();
-    StoredAnalogWords.fill("");
-    DacTypeText = CurrentOffsetPoint = "";
-    DcRatioRange = StrainRange = 0;
-    DcRatioReading = StrainReading = 0;
-    RtdDesiredText = QDTargetText = VFLow = VFHigh = "";
-    SendFileDefaults.fill("");
+    test::ForgetSettings();
 }
 
 void Start()

@@ -19,6 +19,7 @@
 #include "platform/safe_file.h"
 #include "session/outlets.h"
 #include "session/state.h"
+#include "support/fresh_settings.h"
 
 namespace ombrix {
 
@@ -29,7 +30,7 @@ protected:
     {
         Empty();
         InitSessionState();
-        Forget();
+        test::ForgetSettings();
         outlets = Outlets();
         outlets.warnOperator = [this](const std::string &text, const std::string &title) {
             warnings.push_back(title + ": " + text);
@@ -45,7 +46,7 @@ protected:
     {
         outlets = Outlets();
         Empty();
-        Forget();
+        test::ForgetSettings();
     }
 
     static void Write(const std::string &path, const std::string &bytes)
@@ -59,7 +60,7 @@ protected:
     /// A fresh program: nothing in memory, then what the folder gives.
     static void Start()
     {
-        Forget();
+        test::ForgetSettings();
         InitTables();
     }
 
@@ -76,20 +77,6 @@ private:
             else
                 QFile::remove(entry.filePath());
         }
-    }
-
-    static void Forget()
-    {
-        LoadIni("no such file");
-        IniReady = IniDirty = WordsDirty = false;
-        InitNominals();
-        ClearFilterCodes();
-        StoredAnalogWords.fill("");
-        DacTypeText = CurrentOffsetPoint = "";
-        DcRatioRange = StrainRange = 0;
-        DcRatioReading = StrainReading = 0;
-        RtdDesiredText = QDTargetText = VFLow = VFHigh = "";
-        SendFileDefaults.fill("");
     }
 };
 
