@@ -112,7 +112,8 @@ std::string ReadSimDisplay()
 
 void InitMeterSimulator()
 {
-    SeedMeterSimulator(std::random_device()());
+    static std::random_device entropy;
+    SeedMeterSimulator(entropy());
     SimNominal = SimReading = 0;
     SimNoise = 20;
     SimOneDecimal = false;

@@ -13,7 +13,7 @@
 namespace ombrix {
 namespace {
 
-constexpr std::size_t kLongestRow = 256;  // a meter that streams ends no line
+constexpr std::size_t kLongestOfStream = 256;  // a meter that streams ends no line
 constexpr std::size_t kWordDigits = 4;
 constexpr std::size_t kByteDigits = 2;
 constexpr char kRecordEnd = '\xFF';
@@ -293,7 +293,7 @@ void WireReader::Take(const TraceRecord &record, std::vector<WireRow> &rows)
         Leave(side, rows);
         side.open = std::move(rest);
     }
-    if (side.open.bytes.size() >= kLongestRow) {
+    if (side.open.bytes.size() >= (record.line == TraceLine::Meter ? kLongestOfStream : kReplyLimit)) {
         const bool counts = side.open.way == ByteWay::Received && side.open.bytes.find(kRecordEnd) != std::string::npos;
         side.open.meaning = counts && side.asked.letter != 0 ? MeaningOfAnswer(side, side.open.bytes) : "";
         Leave(side, rows);

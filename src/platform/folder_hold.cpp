@@ -111,14 +111,14 @@ bool MayStillHold(const HoldSigns &signs)
     return signs.shared || !signs.granted;
 }
 
-bool FolderHold::Refuse(const std::string &lock)
+bool FolderHold::Refuse(const std::string &lock, bool locked)
 {
     Release();
     const std::optional<FolderHolder> holder = ReadHolder(ReadFile(lock).value_or(""));
     if (!holder)
         return false;
     m_holder = HolderWords(*holder);
-    if (holder->machine != ThisProgram().machine)
+    if (!locked || holder->machine != ThisProgram().machine)
         m_holder += "; when it runs no more, remove " + lock;
     return false;
 }
@@ -133,14 +133,14 @@ bool FolderHold::TakeFolderOf(const std::string &path)
         return true;
     const bool granted = flock(m_handle, LOCK_EX | LOCK_NB) == 0;
     if (!granted && errno == EWOULDBLOCK)
-        return Refuse(LockBeside(file));
+        return Refuse(LockBeside(file), true);
     const std::optional<FolderHolder> left = ReadHolder(ReadFile(LockBeside(file)).value_or(""));
     if (left &&
         MayStillHold({granted, IsShared(m_handle), left->machine == ThisProgram().machine, Lives(left->process)}))
-        return Refuse(LockBeside(file));
+        return Refuse(LockBeside(file), false);
     const Lock lock = LeaveLock(m_handle);
     m_lockLeft = lock == Lock::Left;
-    return lock != Lock::Taken || Refuse(LockBeside(file));
+    return lock != Lock::Taken || Refuse(LockBeside(file), false);
 }
 
 void FolderHold::Release()

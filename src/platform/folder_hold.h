@@ -51,7 +51,7 @@ public:
     const std::string &Holder() const { return m_holder; }
 
 private:
-    bool Refuse(const std::string &lock);
+    bool Refuse(const std::string &lock, bool locked);
 
     int m_handle = -1;
     bool m_lockLeft = false;

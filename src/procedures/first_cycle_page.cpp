@@ -87,6 +87,9 @@ const Prompt kPromptNotTaken = {"The meter did not take M and B, or does not tel
                                 "check it and its line, then click \"Retry\"",
                                 true};
 constexpr char kNotTaken[] = "not taken";
+const Prompt kPromptUnproved = {"Cancelled before the meter told M and B back:\r\n"
+                                "it may hold them or not, click \"Retry\"",
+                                true};
 
 const Prompt &PromptOf(Status status)
 {
@@ -243,13 +246,13 @@ Prompt EnterWord()
         page.word.clear();
         return kPromptLost;
     }
-    // A meter that restarted by itself did not hear it. Who cancels meanwhile doesn't wait for the proof.
-    page.word = Abort ? word : ReadNvmWords(kFirstCycleWord, 1, "");
-    if (page.word == word || Abort)
+    // A meter that restarted by itself did not hear it.
+    page.word = ReadNvmWords(kFirstCycleWord, 1, "");
+    if (page.word == word)
         return kPromptGood;
-    page.status = Status::NoData;
-    page.how = kNotTaken;
-    return kPromptNotTaken;
+    page.status = Abort ? Status::Stopped : Status::NoData;
+    page.how = Abort ? HowEnded(Ended::Stopped) : kNotTaken;
+    return Abort ? kPromptUnproved : kPromptNotTaken;
 }
 
 std::vector<std::string> AveragesAsTexts()

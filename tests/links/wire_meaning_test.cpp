@@ -179,6 +179,13 @@ TEST(WireLines, ABlockEndsByItsLengthWhateverIsInIt)
     EXPECT_EQ(Texts({FromCalibrator("#16AB\r\nCD\r\n1\r\n")}), Lines({"#16AB\r\nCD\r\n", "1\r\n"}));
 }
 
+TEST(WireLines, ALongBlockIsOneHoweverItComes)
+{
+    const std::string data(900, 'A');
+    EXPECT_EQ(Texts({FromCalibrator("#3900" + data.substr(0, 500)), FromCalibrator(data.substr(500) + "\r\n1\r\n")}),
+              Lines({"#3900" + data + "\r\n", "1\r\n"}));
+}
+
 TEST(WireLines, OfOneLineAndWayDoNotMixWithOthers)
 {
     EXPECT_EQ(Texts({FromMeter("32"), FromCalibrator("1\r\n"), FromMeter("01\r")}), Lines({"1\r\n", "3201\r"}));

@@ -280,12 +280,15 @@ TEST_F(WiredFirstCycle, CancelWhileTheMeterIsPreparedAppliesNoInput)
     EXPECT_THAT(ToCalibrator(), Not(Contains(HasSubstr("OPER ; *WAI"))));
 }
 
-TEST_F(WiredFirstCycle, CancelWhileTheMeterIsPutBackLeavesTheFocusOnReady)
+TEST_F(WiredFirstCycle, CancelBeforeTheMeterToldItsWordBackSaysSoAndLeavesTheFocusOnReady)
 {
     Opens().Clicks("cmdFCReady").WaitsUntil("the meter is put back", [this] { return !TimesOf("*1A1").empty(); });
     person->Clicks("cmdFCCancel").WaitsUntil("it has ended", HasEnded);
     ASSERT_TRUE(person->Runs());
-    EXPECT_EQ(Text("lblInst(2)"), "M and B entered into Nonvolatile Memory");
+    EXPECT_EQ(Text("lblInst(2)"),
+              "Cancelled before the meter told M and B back:\nit may hold them or not, click \"Retry\"");
+    EXPECT_EQ(Fill("shpInst(2)"), kRed);
+    EXPECT_EQ(Text("cmdFCReady"), "Retry");
     EXPECT_TRUE(HasFocus("cmdFCReady"));
     ExpectRestored();
 }
