@@ -19,6 +19,13 @@ bool GuardStands()
     return false;
 }
 
+int GuardSocket()
+{
+    return -1;
+}
+
+void RenewGuard() {}
+
 void UseGuardNews(std::function<void(bool stands)>) {}
 
 }  // namespace ombrix
@@ -47,6 +54,7 @@ constexpr int kEndMs = 500;
 
 std::string program;
 int socketToGuard = -1;
+int guardedLine = -1;
 pid_t guard = -1;
 std::function<void(bool stands)> guardNews;
 
@@ -133,12 +141,19 @@ bool Tell(int handle, int withinMs)
 }
 
 // A new one that holds the line; none at all when it doesn't answer.
-bool StartWith(int handle)
+bool StartWithLine()
 {
-    if (Start() && Tell(handle, kFirstAnswerMs))
+    if (Start() && Tell(guardedLine, kFirstAnswerMs))
         return true;
     ForgetGuard();
     return false;
+}
+
+void Replace()
+{
+    const bool stands = StartWithLine();
+    if (guardNews)
+        guardNews(stands);
 }
 
 }  // namespace
@@ -146,16 +161,26 @@ bool StartWith(int handle)
 bool StartGuard(const std::string &path)
 {
     program = path;
-    return StartWith(-1);
+    guardedLine = -1;
+    return StartWithLine();
 }
 
 void GuardLine(int handle)
 {
-    if (program.empty() || Tell(handle, kAnswerMs))
-        return;
-    const bool stands = StartWith(handle);
-    if (guardNews)
-        guardNews(stands);
+    guardedLine = handle;
+    if (!program.empty() && !Tell(handle, kAnswerMs))
+        Replace();
+}
+
+void RenewGuard()
+{
+    if (!program.empty() && !GuardStands())
+        Replace();
+}
+
+int GuardSocket()
+{
+    return socketToGuard;
 }
 
 void EndGuard()

@@ -18,6 +18,10 @@ void GuardLine(int handle);
 void EndGuard();
 /// One was started and lives.
 bool GuardStands();
+/// The station's end of their talk, readable when the guard has died. -1 without a guard.
+int GuardSocket();
+/// Starts a guard that has died anew, with the line that it held. Nothing while it stands.
+void RenewGuard();
 /// Told when a guard had died: whether another one stands in its place. One at a time; nullptr tells nobody.
 void UseGuardNews(std::function<void(bool stands)> news);
 

@@ -52,13 +52,17 @@
 
 #include <QMainWindow>
 #include <QPixmapCache>
+#include <QSocketNotifier>
 #include <QSysInfo>
 
 #include <iostream>
+#include <memory>
 
 namespace ombrix {
 
 namespace {
+
+std::unique_ptr<QSocketNotifier> guardWatch;
 
 void BeginJournal()
 {
@@ -74,6 +78,19 @@ void EndJournal()
 {
     if (const std::size_t lost = CloseJournal())
         std::cerr << "ombrix: " << lost << " events of the journal could not be recorded\n";
+}
+
+// One that dies under a line is replaced at once, not with the next line.
+void WatchGuard()
+{
+    if (guardWatch) {
+        guardWatch->setEnabled(false);
+        guardWatch.release()->deleteLater();  // it may be the one that tells
+    }
+    if (GuardSocket() < 0)
+        return;
+    guardWatch = std::make_unique<QSocketNotifier>(GuardSocket(), QSocketNotifier::Read);
+    QObject::connect(guardWatch.get(), &QSocketNotifier::activated, guardWatch.get(), RenewGuard);
 }
 
 }  // namespace
@@ -163,8 +180,13 @@ void OpenStation()
 void OpenGuard(const std::string &program)
 {
     static const std::string words = "No output guard: a kill leaves the output as it stands";
-    UseGuardNews([](bool stands) { KeepRemarkOn(Subject::Guard, stands ? "" : words); });
-    if (StartGuard(program))
+    UseGuardNews([](bool stands) {
+        KeepRemarkOn(Subject::Guard, stands ? "" : words);
+        WatchGuard();
+    });
+    const bool started = StartGuard(program);
+    WatchGuard();
+    if (started)
         return;
     KeepRemarkOn(Subject::Guard, words);
     std::fprintf(stderr, "ombrix: %s (%s can't be started)\n", words.c_str(), program.c_str());
@@ -174,6 +196,7 @@ void OpenGuard(const std::string &program)
 void CloseStation()
 {
     CloseLinks();
+    guardWatch.reset();
     EndGuard();
     UseGuardNews(nullptr);
     StopFollowingSteps();

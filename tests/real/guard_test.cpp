@@ -262,6 +262,23 @@ TEST(Guard, ThatDiedIsStartedAnewForTheNextLine)
     EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
 }
 
+TEST(Guard, ThatDiedUnderALineIsStartedAnewWithIt)
+{
+    Line line;
+    ASSERT_TRUE(Dies(SIGKILL, [&line] {
+        GuardLine(line.Near());
+        kill(GuardOfThisProcess(), SIGKILL);
+        pollfd end = {GuardSocket(), POLLIN, 0};
+        if (poll(&end, 1, 5000) != 1)
+            _exit(4);
+        RenewGuard();
+        if (!GuardStands())
+            _exit(5);
+    }));
+    line.LeaveNear();
+    EXPECT_THAT(line.HeardUntilTheEnd(), HasSubstr("STBY"));
+}
+
 TEST(Guard, ThatWasTooSlowToAnswerIsReplacedAndSaysNothingWhileTheStationLives)
 {
     Line line;
