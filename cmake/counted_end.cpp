@@ -2,6 +2,7 @@
 // leaves its counts too. What is killed leaves none.
 
 #include <csignal>
+#include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
@@ -28,6 +29,11 @@ void _exit(int code)
 {
     // The files of the counts belong to whoever started it; one that gave up its rights for a while takes them back.
     [[maybe_unused]] const bool back = setresuid(-1, 0, -1) == 0 && setresgid(-1, 0, -1) == 0;
+    rlimit limit{};  // a disk that was full to it is full no more: a file of counts cut off would lose all of them
+    if (getrlimit(RLIMIT_FSIZE, &limit) == 0) {
+        limit.rlim_cur = limit.rlim_max;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    }
     __gcov_dump();
     syscall(SYS_exit_group, code);
     __builtin_unreachable();
