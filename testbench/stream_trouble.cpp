@@ -38,14 +38,6 @@ std::optional<StreamTrouble> StreamTroubleNamed(std::string_view name)
     return std::nullopt;
 }
 
-std::vector<std::string> StreamTroubleNames()
-{
-    std::vector<std::string> names;
-    for (const Name &each : kNames)
-        names.emplace_back(each.name);
-    return names;
-}
-
 void StreamSpoiler::Begin(StreamTrouble trouble)
 {
     m_trouble = trouble;

@@ -4,7 +4,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace ombrix::bench {
 
@@ -25,7 +24,6 @@ enum class StreamTrouble {
 /// "stops", "loses-bytes", "lost-byte", "mid-record", "noise", "no-start", "no-ends", "jumps", "jump", "end-bytes",
 /// "full-speed"; nothing for another name.
 std::optional<StreamTrouble> StreamTroubleNamed(std::string_view name);
-std::vector<std::string> StreamTroubleNames();
 
 /// Leaves a stream as the trouble in force leaves it. The last two are the meter's own: see Meter::StreamAs.
 class StreamSpoiler

@@ -128,11 +128,6 @@ bool GetTurnoverStep()
     return step.TurnoverStep;
 }
 
-bool GetOffsetStep()
-{
-    return step.OffsetStep;
-}
-
 int GetRangeCodeIndex()
 {
     return step.RangeCodeIndex;

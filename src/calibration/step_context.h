@@ -36,7 +36,6 @@ void SetTargetCounts(std::int32_t counts);
 std::int32_t GetTargetCounts();
 std::string GetCalValue();
 bool GetTurnoverStep();
-bool GetOffsetStep();
 int GetRangeCodeIndex();
 int GetStepNvmWord();
 /// The word now in the meter, four digits; "" when it couldn't be read.

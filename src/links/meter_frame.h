@@ -6,6 +6,9 @@
 
 namespace ombrix {
 
+/// Ends each record of the stream of counts, and is in no answer.
+constexpr char kRecordEnd = '\xFF';
+
 /// Characters of the counts 1 to 35.
 constexpr std::string_view kCountAlphabet = "123456789ABCDEFGHIJKLMNOPQRSTUVWXYZ";
 

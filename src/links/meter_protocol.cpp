@@ -23,7 +23,6 @@ namespace {
 constexpr int kSilenceMs = 1000;
 constexpr int kReplyPauseMs = 500;  // what a meter gets to answer a question
 constexpr char kCr = '\r';
-constexpr char kRecordEnd = '\xFF';  // in every record of the stream, in no answer
 
 bool streams = false;
 

@@ -16,7 +16,6 @@ namespace {
 constexpr std::size_t kLongestOfStream = 256;  // a meter that streams ends no line
 constexpr std::size_t kWordDigits = 4;
 constexpr std::size_t kByteDigits = 2;
-constexpr char kRecordEnd = '\xFF';
 
 // "20..17", or "109" for one.
 std::string Run(int address, int count)

@@ -128,7 +128,7 @@ void WriteRows(const std::vector<WireRow> &rows)
         if (!traceText.file.Append(WireText(row) + "\n")) {
             StopFollowingTrace(traceText.follower);
             traceText.follower = 0;
-            return KeepRemarkOn(Subject::Trace, "The trace is no longer written to " + traceText.path);
+            return KeepRemarkOn(Subject::TraceText, "The trace is no longer written to " + traceText.path);
         }
 }
 

@@ -91,25 +91,19 @@ const Prompt kPromptUnproved = {"Cancelled before the meter told M and B back:\r
                                 "it may hold them or not, click \"Retry\"",
                                 true};
 
+// Of a collection that wasn't good.
 const Prompt &PromptOf(Status status)
 {
     switch (status) {
-    case Status::Waiting:
-        return kPromptReady;
-    case Status::Collecting:
-        return kPromptCollecting;
-    case Status::Good:
-        return kPromptGood;
     case Status::NoData:
         return kPromptNoData;
     case Status::NoStart:
         return kPromptNoStart;
     case Status::BadData:
         return kPromptBadData;
-    case Status::Stopped:
-        break;
+    default:
+        return kPromptStopped;
     }
-    return kPromptStopped;
 }
 
 // On the AC tab the step belongs to no sequence, so there is nothing to go on to.

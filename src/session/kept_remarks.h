@@ -6,7 +6,7 @@
 
 namespace ombrix {
 
-enum class Subject { Settings, Board, Journal, Trace, Guard, Attempts };
+enum class Subject { Settings, Board, Journal, Trace, TraceText, Guard, Attempts };
 
 /// Nothing is kept.
 void InitKeptRemarks();

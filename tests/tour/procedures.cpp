@@ -15,6 +15,7 @@ using test::ScriptedOperator;
 
 constexpr int kSettleMs = 5000;
 constexpr int kRunsMs = 500;  // into a trial
+constexpr int kTrials = 3;    // until the current is right
 
 void WalkFirstCycle(BenchWalk &walk)
 {
@@ -87,6 +88,15 @@ void WalkResistors(BenchWalk &walk)
     walk.Takes("trim-resistors").Clicks("cmdDone(5)").WaitsFor("cmdSetup");
 }
 
+void WalkCurrent(BenchWalk &walk)
+{
+    walk.Person().Clicks(test::ButtonOf(Step::RtdCurrent)).WaitsFor("cmdISCalib");
+    for (int trial = 0; trial < kTrials; ++trial)
+        walk.Person().Clicks("cmdISCalib").WaitsFor("cmdISCalib");
+    walk.Person().WaitsUntil("it is followed", [] { return ScriptedOperator::Text("lblISReadingMark") == "live"; });
+    walk.Takes("rtd-current").Clicks("cmdISDone").WaitsFor("cmdSetup");
+}
+
 bool WalkDc(const Options &options)
 {
     BenchWalk walk(kDc, options);
@@ -107,11 +117,20 @@ bool WalkAc2(const Options &options)
     return walk.Ends();
 }
 
+bool WalkTemp(const Options &options)
+{
+    BenchWalk walk(kTemp, options);
+    if (!walk.Establishes())
+        return false;
+    WalkCurrent(walk);
+    return walk.Ends();
+}
+
 }  // namespace
 
 bool RunProcedures(const Options &options)
 {
-    return options.pictures.isEmpty() || (WalkDc(options) && WalkAc2(options));
+    return options.pictures.isEmpty() || (WalkDc(options) && WalkAc2(options) && WalkTemp(options));
 }
 
 }  // namespace ombrix::tour

@@ -53,14 +53,6 @@ void Establishes(Walk &walk, std::uint16_t type, std::uint16_t code, std::uint16
     });
 }
 
-void TrimsTheCurrent(Walk &walk)
-{
-    walk.Person().Clicks(StepButton(4)).WaitsFor("cmdISCalib").Clicks("cmdISCalib").WaitsFor("cmdISCalib");
-    walk.Person().WaitsUntil("it is followed", [] { return ScriptedOperator::Text("lblISReadingMark") == "live"; });
-    walk.Takes("rtd-current");
-    walk.Person().Clicks("cmdISDone").WaitsFor("cmdSetup");
-}
-
 void TrimsTheDiode(Walk &walk)
 {
     walk.Person().Clicks(StepButton(7)).WaitsFor("cmdQDReady");
@@ -81,7 +73,6 @@ void ChangesTheMeterType(Walk &walk)
 void WalksTemp(Walk &walk)
 {
     Establishes(walk, 0x3201, 0x01, 0x41);
-    TrimsTheCurrent(walk);
     TrimsTheDiode(walk);
     ChangesTheMeterType(walk);
 }
