@@ -52,7 +52,8 @@ std::optional<double> ParseHertz(std::string_view text)
     const auto measure = SplitMeasure(text);
     if (!measure || (measure->unit != "HZ" && measure->unit != "KHZ"))
         return std::nullopt;
-    return Val(measure->number) * (measure->unit == "KHZ" ? 1000 : 1);
+    const double hertz = Val(measure->number) * (measure->unit == "KHZ" ? 1000 : 1);
+    return std::isfinite(hertz) ? std::optional(hertz) : std::nullopt;
 }
 
 std::string ShortNumber(double value)
@@ -88,7 +89,7 @@ std::optional<Value> ParseValue(std::string_view text)
             if (!value.hertz)
                 return std::nullopt;
         }
-        return value;
+        return std::isfinite(value.number) ? std::optional(value) : std::nullopt;
     }
     return std::nullopt;
 }

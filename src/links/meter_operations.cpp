@@ -226,14 +226,17 @@ void WaitOutRestart(int longestMs)
 
 void WaitMeterRestart()
 {
-    if (!HardwareMode || MeterKind != kCtr) {
-        WaitPlainRestart();
-    } else {
-        const WaitNote note("Meter restarts");
-        const std::string sign = MeterPort == 0 ? ReceiveCalibratorChunk5s() : ReceiveChunk(comDPM, kCtrRestartMs);
-        if (!sign.empty())
+    if (!HardwareMode || MeterKind != kCtr)
+        return WaitPlainRestart();
+    const WaitNote note("Meter restarts");
+    if (MeterPort != 0) {
+        if (!ReceiveChunk(comDPM, kCtrRestartMs).empty())
             aliveSince = LastRestartMicros;
+        return;
     }
+    ReceiveCalibratorChunk5s();
+    if (!Abort)  // what came was the calibrator's own, late, and tells nothing about the meter
+        PauseForInstrument(comCAL, RestartLeftMs());
 }
 
 void WaitPlainRestart()

@@ -43,7 +43,8 @@ int RestartLeftMs();
 /// Waits for the end of a restart that nobody waits for any more, at most so long.
 void WaitOutRestart(int longestMs);
 
-/// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped.
+/// Waits while the meter restarts: 1750 ms; a CTR gives a sign of life within 5000 ms, which is dropped. Through UUT
+/// 5000 ms: a late reply can't be told from that sign.
 void WaitMeterRestart();
 /// The same for a meter that is no CTR: 1750 ms.
 void WaitPlainRestart();

@@ -144,9 +144,10 @@ double Val(std::string_view text)
     const std::string number = NumberPiece(text);
     double value = 0;
     const auto result = std::from_chars(number.data(), number.data() + number.size(), value);
-    if (result.ec == std::errc::result_out_of_range)
-        return number.find("e-") != std::string::npos ? 0 : std::numeric_limits<double>::max();
-    return value;
+    if (result.ec != std::errc::result_out_of_range)
+        return value;
+    const bool small = number.find("e-") != std::string::npos;
+    return small ? 0 : std::copysign(std::numeric_limits<double>::max(), number.starts_with('-') ? -1.0 : 1.0);
 }
 
 std::string Format(double value, int decimals)

@@ -458,6 +458,16 @@ TEST_F(MeterOperations, ThroughTheCalibratorACountersRestartIsOneLongChunk)
     EXPECT_THAT(calibrator.Writes(), IsEmpty());
 }
 
+TEST_F(MeterOperations, ThroughTheCalibratorALateReplyDoesNotEndACountersRestart)
+{
+    MeterKind = kCtr;
+    UseUutRoute();
+    calibrator.Says("#14ABCD\r\n", 1500);
+    WriteNvmWords(200, "00C8", "");
+    EXPECT_GE(clock.Elapsed(), 5000);
+    EXPECT_EQ(RestartLeftMs(), 0);
+}
+
 TEST_F(MeterOperations, WhatIsLeftOfARestartIsKnownByTheClock)
 {
     std::vector<int> left;

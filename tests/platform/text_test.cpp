@@ -37,6 +37,7 @@ TEST(Val, TakesAnExponentOnlyWhenDigitsFollow)
 TEST(Val, HoldsNumbersBeyondTheRange)
 {
     EXPECT_EQ(Val("1E999"), std::numeric_limits<double>::max());
+    EXPECT_EQ(Val("-1E999"), std::numeric_limits<double>::lowest());
     EXPECT_EQ(Val("1E-999"), 0);
 }
 

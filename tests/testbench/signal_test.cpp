@@ -35,9 +35,10 @@ TEST(Value, IsTakenApartAsTheStationWritesIt)
     }
 }
 
-TEST(Value, IsNoneWithoutANumberOrAKnownUnit)
+TEST(Value, IsNoneWithoutAFiniteNumberOrAKnownUnit)
 {
-    for (const char *text : {"", "200", "mV", "200mV", "two V", "200 W", "2 V, fast", "2 V, 300 V", "2 V, 3 Hz, 4 Hz"})
+    for (const char *text : {"", "200", "mV", "200mV", "two V", "200 W", "2 V, fast", "2 V, 300 V", "2 V, 3 Hz, 4 Hz",
+                             "4e9999 MOhm", "2 V, 4e6571 kHz"})
         EXPECT_FALSE(ParseValue(text)) << text;
 }
 

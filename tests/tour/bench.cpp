@@ -230,6 +230,7 @@ RangeRun EstablishedOnVirtualTime(const Options &options, RangeRun (*work)(Scrip
     test::Wiring wiring;
     wiring.bench.board = BoardNamed(options.board);
     wiring.bench.seed = kSeed;
+    wiring.useSwitch = true;  // as the bench's program has it
     BenchStation station(wiring);
     return station.Establishes() ? work(station.person) : RangeRun{};
 }
