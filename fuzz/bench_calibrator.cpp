@@ -1,4 +1,5 @@
 // Fuzzes: testbench/calibrator.cpp testbench/signal.cpp
+// Short: 64
 //
 // What the bench's calibrator is told: nothing stands on its terminals that nobody asked for or that no calibrator
 // gives, and the station understands each of its answers.

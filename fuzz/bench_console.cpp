@@ -1,4 +1,5 @@
 // Fuzzes: testbench/console.cpp testbench/faults.cpp testbench/laws.cpp testbench/truth.cpp
+// Short: 64
 //
 // What is typed at the bench, any lines one after the other.
 

@@ -1,4 +1,5 @@
 // Fuzzes: testbench/meter_frame.cpp testbench/meter.cpp testbench/wire.cpp testbench/display.cpp
+// Short: 64
 //
 // What the bench's meter hears: frames in any split, frames as the station makes them, and noise, which never changes
 // its memory.

@@ -1,4 +1,5 @@
 // Fuzzes: testbench/uut_port.cpp
+// Short: 64
 //
 // The bench's meter port: lines out of any bytes, blocks inside of them.
 

@@ -1,4 +1,5 @@
 // Fuzzes: src/links/calibrator_line.cpp src/links/cal_output.cpp
+// Short: 64
 //
 // What a calibrator answers: late, not at all, behind junk. No answer to an older question about another output is ever
 // taken for the one that was asked for.

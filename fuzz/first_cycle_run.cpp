@@ -1,4 +1,5 @@
 // Fuzzes: src/calibration/first_cycle_run.cpp src/links/meter_protocol.cpp
+// Short: 64
 //
 // The stream of counts as the station gathers it: whatever a meter sends, it comes to an end, and sound counts are the
 // same in any split.

@@ -1,4 +1,5 @@
 // Fuzzes: src/model/ini_store.cpp
+// Short: 256
 //
 // The settings' file in any bytes, and any values put into it: what was understood once is understood again.
 

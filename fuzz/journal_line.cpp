@@ -1,4 +1,5 @@
 // Fuzzes: src/session/journal_line.cpp
+// Short: 64
 //
 // A line of the journal: any bytes are an event or none, an event that was read is written as the same, and whatever an
 // instrument sent makes a line that can be read.

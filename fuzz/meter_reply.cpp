@@ -1,4 +1,5 @@
 // Fuzzes: src/links/meter_frame.cpp src/links/meter_protocol.cpp src/links/meter_operations.cpp
+// Short: 64
 //
 // What a meter answers: words, bytes and readings are read out of any bytes, in any split. A reply that isn't one never
 // becomes a word, a byte or a reading.

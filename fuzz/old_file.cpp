@@ -1,4 +1,5 @@
 // Fuzzes: src/model/old_files.cpp
+// Short: 256
 //
 // The small files of older stations: fields out of any bytes, and fields that were written as they are quoted.
 

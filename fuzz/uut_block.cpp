@@ -1,4 +1,5 @@
 // Fuzzes: src/links/uut.cpp
+// Short: 64
 //
 // Blocks of the calibrator's meter port in their three forms, in any split, and blocks that are none.
 

@@ -1,4 +1,5 @@
 // Fuzzes: src/links/wire_meaning.cpp src/links/wire_text.cpp
+// Short: 64
 //
 // Any bytes on both lines: no byte is lost on the way into rows, and a saved trace reads as it was.
 
