@@ -293,8 +293,10 @@ bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, in
         const std::string board = rangeCode.front() == '6' ? "0001" : "0031";
         WriteNvmWords(21, board + between + filterAndRange, "Z");
     }
+    if (MeterLineIsGone())
+        return false;  // nobody knows what the meter heard, and a line that is back by then doesn't tell
     WriteDisplaySetupWords(value);
-    return true;
+    return !MeterLineIsGone();
 }
 
 bool LoadFactoryMeterSetup()

@@ -59,7 +59,7 @@ void WriteDisplaySetupWords(int value);
 void WriteDisplaySetupForward(int value);
 /// Puts the meter on a range, with one restart at the end: filter code (5 characters), range code (2 hex digits),
 /// value of the display setup words. False, with nothing written, when a code or the meter's answer has the wrong
-/// length.
+/// length; false also when its line goes meanwhile.
 bool WriteRangeSetup(std::string_view filterCode, std::string_view rangeCode, int value);
 /// Ends after the exchange in work on Abort. False then, and when the meter did not answer.
 bool LoadFactoryMeterSetup();

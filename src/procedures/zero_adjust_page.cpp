@@ -48,6 +48,7 @@ struct ZeroAdjustPage {
     bool balanceOnly = false;                         // a board that is led through the gain balance alone
     std::array<float, 2> readings = kSimulatedStart;  // at +10 mV and at -10 mV
     std::array<bool, 2> taken{};                      // the last look brought one
+    std::array<bool, 2> stood{};                      // its input was confirmed, or is the operator's own
     bool accepted = false;
     bool done = false;                         // the last word of the step was said
     std::vector<std::string> asked, reported;  // values of this run
@@ -83,6 +84,9 @@ const Prompt kPromptJumperOut = {"Remove the DC jumper, then click \"Next\"."};
 const Prompt kPromptUnread = {"The meter showed no reading, so nothing is known of the balance.\r\n"
                               "Check its line and its input, then click \"Start\"",
                               true};
+const Prompt kPromptNoInput = {"The calibrator did not confirm its output, so nothing is known of the balance.\r\n"
+                               "Check it, then click \"Start\"",
+                               true};
 const Prompt kPromptDuty = {"Adjust R25 for equal duty cycle.\r\n\r\nClick \"Done\" when finished."};
 
 std::vector<PageState> TableOfStates()
@@ -178,9 +182,14 @@ void Rest(std::size_t place)
         Freeze(view.lblZeroAdjRdg[place]);
 }
 
+bool InputStood()
+{
+    return page.stood[0] && page.stood[1];
+}
+
 bool IsRead()
 {
-    return page.taken[0] && page.taken[1];
+    return page.taken[0] && page.taken[1] && InputStood();
 }
 
 Prompt PromptOfRound(State state, int polarity, const std::string &recommended)
@@ -203,8 +212,11 @@ Prompt PromptOfRound(State state, int polarity, const std::string &recommended)
 bool ZeroAdjStep(State state, int polarity)
 {
     const auto place = static_cast<std::size_t>(polarity);
-    if (state != kAdjust && !Apply(polarity == 0 ? "+10 mV" : "-10 mV"))
-        return false;
+    if (state != kAdjust) {
+        if (!Apply(polarity == 0 ? "+10 mV" : "-10 mV"))
+            return false;
+        page.stood[place] = Simulated() || CalPort == 0 || OutputConfirmed();
+    }
     const std::int32_t recommended = RecommendedReading(page.readings[0], page.readings[1]);
     const std::string told = IsRead() ? std::to_string(recommended) : "none";
     // What the reading is turned to, or compared with.
@@ -295,7 +307,9 @@ void LeaveZeroAdjust(Ended ended)
 {
     const bool done = ended == Ended::Done && page.done;
     const bool unread = ended == Ended::Done && page.wish == Wish::Accept && !page.accepted;
-    const std::string how = done ? "accepted" : unread ? "no reading" : HowEnded(ended);
+    const std::string how = done      ? "accepted"
+                            : !unread ? HowEnded(ended)
+                                      : std::string(InputStood() ? "no reading" : "no input");
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
     ClearReadings();
@@ -305,7 +319,7 @@ void LeaveZeroAdjust(Ended ended)
     if (ended == Ended::Fault)
         ShowPrompt(view.states, PromptOfFault(FaultWords()));
     else if (unread)
-        ShowPrompt(view.states, kPromptUnread);
+        ShowPrompt(view.states, InputStood() ? kPromptUnread : kPromptNoInput);
     if (done)
         NextStep();
 }

@@ -61,6 +61,7 @@ bool Says(const char *label, const char *words)
 // ---- what the hands do about what the page says; the button to be clicked then ----
 
 std::map<std::string, double> turned;  // in this run, by trimmer
+bool gaveUp = false;                   // in this run: the time was up
 
 void Turns(bench::Bench &bench, const std::string &trimmer, double counts)
 {
@@ -150,11 +151,12 @@ void WorksOn(BenchStation &station, std::int64_t until, const std::function<void
         if (NavigationIsFree())
             return then();
         // Nobody knows what stands there: hands off. By hand it is always assumed.
-        const bool unknown = Automatic && ScriptedOperator::Sees("lblAssumed");
+        const bool unknown = (Automatic && ScriptedOperator::Sees("lblAssumed")) || ScriptedOperator::Sees("lblAlert");
         if (unknown && station.clock.Elapsed() <= until)
             return WorksOn(station, until, then);
         const bool zero = ScriptedOperator::Sees("fraCalib(16)");
         if (station.clock.Elapsed() > until) {
+            gaveUp = true;
             if (ScriptedOperator::IsEnabled("cmdDone(5)"))
                 station.person.Clicks("cmdDone(5)");
             else
@@ -175,6 +177,7 @@ void Works(
     station.person.Does([&station, &trim, seconds, then] {
         const char *start = trim.step == Step::ZeroAdjust ? "cmdZeroAdj" : "cmdTrimStart";
         turned.clear();
+        gaveUp = false;
         station.bench.InstallDcJumper(trim.step != Step::ZeroAdjust || trim.board == kAc3, NowMicros());
         if (!ScriptedOperator::IsEnabled(start))
             return;  // the meter did not answer
@@ -219,7 +222,7 @@ PageScript ScriptOf(const Trim &trim, Route route)
         // A calibrator that trips tells nobody, and its meter then reads no input.
         const bool blind = DisplayLies(fault) || fault == "trips";
         Works(station, trim, hopeless ? kGlance : kPatience, [&station, &trim, blind] {
-            if (CurrentStepId == trim.step || blind) {
+            if (CurrentStepId == trim.step || blind || gaveUp) {
                 TurnsBack(station.bench);
             } else {
                 EXPECT_LE(std::fabs(station.bench.RemainingError(trim.title)), trim.limit) << "the page was content";

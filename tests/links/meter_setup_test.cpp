@@ -80,6 +80,13 @@ TEST_F(MeterOperations, ARangeIsSetWithOneRestartAtItsEnd)
     EXPECT_EQ(LastDisplaySetup, 4);
 }
 
+TEST_F(MeterOperations, ARangeIsNotSetUpWhenTheLineGoesMeanwhile)
+{
+    Answers("G130", "65");
+    CallAfter(800, [this] { meter.HangsUp(); });
+    EXPECT_FALSE(WriteRangeSetup("00108", "80", 4));
+}
+
 TEST_F(MeterOperations, OnTcARangeKeepsTheWordsBetween)
 {
     SCType = kTc;

@@ -332,6 +332,22 @@ TEST_F(HandTrims, AnAcceptWithoutAReadingAcceptsNothing)
     EXPECT_EQ(TextOf(EventOf("trim"), "plus"), "");
 }
 
+TEST_F(HandTrims, ABalanceUnderInputsThatTheCalibratorDidNotConfirmAcceptsNothing)
+{
+    Begins(kAc3);
+    person->Clicks(ButtonOf(Step::ZeroAdjust)).WaitsFor("cmdZeroAdj").Does([this] {
+        bench->SwitchFault("never-operating", true);
+    });
+    person->Clicks("cmdZeroAdj");
+    WaitsForRound("Wait for +10 mV").Waits(3000).Clicks("cmdZeroAdjOK");
+    WaitsForRound("Wait for -10 mV").Waits(3000).Clicks("cmdZeroAdjAccept").WaitsFor("cmdSetup");
+    ASSERT_TRUE(person->Runs());
+    EXPECT_THAT(Text("lblZeroAdj"), HasSubstr("The calibrator did not confirm its output"));
+    EXPECT_EQ(Fill("shpZeroAdj"), kRed);
+    EXPECT_EQ(CurrentStepId, Step::ZeroAdjust) << "no next step";
+    EXPECT_EQ(HowTheStepEnded(), "no input");
+}
+
 TEST_F(HandTrims, ABalanceWithoutAReadingRecommendsNothingAndAcceptsNothing)
 {
     Begins(kAc3);
