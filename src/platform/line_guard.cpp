@@ -174,7 +174,10 @@ void GuardLine(int handle)
 
 void RenewGuard()
 {
-    if (!program.empty() && !GuardStands())
+    char letter = 0;
+    // Its end of the socket goes a moment before its process can be waited for.
+    const bool gone = socketToGuard >= 0 && recv(socketToGuard, &letter, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
+    if (!program.empty() && (gone || !GuardStands()))
         Replace();
 }
 
