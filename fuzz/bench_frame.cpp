@@ -18,7 +18,8 @@ using namespace ombrix::fuzz;
 namespace {
 
 constexpr bench::Micros kLong = 20'000'000;  // until all of a case is heard and a restart is over
-constexpr std::size_t kMuch = 1000;          // longer than replies are: the stream of counts never ends
+constexpr bench::Micros kLook = 500'000;
+constexpr std::size_t kMuch = 1000;  // longer than replies are: the stream of counts never ends
 
 std::vector<std::string> FramesIn(std::string_view bytes)
 {
@@ -69,8 +70,8 @@ void RequireHeard(int board, const std::string &bytes, int seed)
         now += static_cast<bench::Micros>(piece.size() + 1) * bench::kByteMicros;
         said += meter.Collect(bench::Line::Meter, now);
     }
-    for (const bench::Micros end = now + kLong; now < end && said.size() < kMuch; now += 500'000)
-        said += meter.Collect(bench::Line::Meter, now);
+    for (const bench::Micros end = now + kLong; now < end && said.size() < kMuch;)
+        said += meter.Collect(bench::Line::Meter, now += kLook);
     const auto frames = FramesIn(bytes);
     if (std::none_of(frames.begin(), frames.end(), Writes))
         Require(meter.Nvm() == before, "what writes no word changes none");

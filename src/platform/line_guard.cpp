@@ -176,8 +176,7 @@ void RenewGuard()
 {
     char letter = 0;
     // Its end of the socket goes a moment before its process can be waited for.
-    const bool gone = socketToGuard >= 0 && recv(socketToGuard, &letter, 1, MSG_PEEK | MSG_DONTWAIT) == 0;
-    if (!program.empty() && (gone || !GuardStands()))
+    if (socketToGuard >= 0 && recv(socketToGuard, &letter, 1, MSG_PEEK | MSG_DONTWAIT) == 0)
         Replace();
 }
 
