@@ -83,7 +83,7 @@ void AddNoise(std::string &reply, Dice &dice)
         reply.insert(reply.begin(), NoiseByte(dice));
 }
 
-// One character of the reply's text lost or said twice.
+// The last character of the reply's text said twice or lost.
 void ChangeLength(std::string &reply, Dice &dice)
 {
     const std::size_t end = std::min(reply.find_first_of("\r\n"), reply.size());
@@ -199,8 +199,15 @@ void Faults::Run(Micros now)
 Spoken Faults::Distort(std::string reply, Line instrument)
 {
     Spoken spoken;
-    if (Strikes(Fault::WrongLength))
+    // The block that carries a changed reply on isn't changed too: a loss and a repetition would together be a wrong text
+    // of the right length, which nobody could tell.
+    const bool carriesOn = m_changed && instrument == Line::Calibrator && reply.starts_with('#');
+    if (!carriesOn && Strikes(Fault::WrongLength)) {
         ChangeLength(reply, m_dice);
+        m_changed = instrument == Line::Meter;
+    } else if (carriesOn) {
+        m_changed = false;
+    }
     if (Strikes(Fault::Garbage))
         AddNoise(reply, m_dice);
     if (Strikes(Fault::Junk))

@@ -100,6 +100,7 @@ private:
     std::array<int, kFaults> m_parameter{};
     std::vector<Planned> m_planned;
     std::optional<Micros> m_portBack;
+    bool m_changed = false;  ///< the length of the meter's last reply
     Dice m_dice;
 };
 

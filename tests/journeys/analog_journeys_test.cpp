@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -163,23 +164,41 @@ INSTANTIATE_TEST_SUITE_P(Meters, AnalogJourney, testing::ValuesIn(kMeters),
 
 namespace {
 
-constexpr int kVoltageGain = 3;  // positions on the AnaCal tab
+constexpr int kInitNvmem = 0;  // positions on the AnaCal tab
+constexpr int kVoltageGain = 3;
+constexpr int kReCalibrate = 15;
+constexpr int kZeroInitFile = 16;
 constexpr int kTabSeconds = 90;  // twice an identity, the words given back and taken
 constexpr int kWorkSeconds = 60;
 
+std::string Says()
+{
+    return ScriptedOperator::Text("lblInst(12)");
+}
+
+// "The meter holds word 1234."
+void ExpectTheWordToBeHeld(const BenchStation &station, int point, bool counter)
+{
+    const std::string begin = "The meter holds word ";
+    if (Says().starts_with(begin)) {
+        EXPECT_EQ(Says().substr(begin.size(), 4), WordsOf(station, AnalogWordAddress(point, counter), 1));
+    }
+}
+
 // The operator opens the tab, types a reading and leaves by Done; what a fault makes impossible is left as it is.
-void WorksAtAPoint(BenchStation &station)
+void WorksAtAPoint(BenchStation &station, bool counter)
 {
     station.person.onBox = [](const std::string &, const std::string &) {};
-    station.person.ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", NavigationIsFree).Does([&station] {
+    station.person.ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", NavigationIsFree).Does([&station, counter] {
         if (!ScriptedOperator::IsEnabled(StepButton(kVoltageGain)))
             return;
         Leaves(station, StepButton(kVoltageGain), kTabSeconds);
-        station.person.Does([&station] {
+        station.person.Does([&station, counter] {
             if (!ScriptedOperator::IsEnabled("txtRead"))
                 return;
             station.person.Types("txtRead", "10010").PressesAtOnce(Qt::Key_Return);
-            station.person.WaitsUntil("the word is written", NavigationIsFree).Does([&station] {
+            station.person.WaitsUntil("the word is written", NavigationIsFree).Does([&station, counter] {
+                ExpectTheWordToBeHeld(station, AnalogPointAtPosition(kVoltageGain), counter);
                 if (ScriptedOperator::IsEnabled("cmdAnaCal(1)"))
                     Leaves(station, "cmdAnaCal(1)", kWorkSeconds);
             });
@@ -226,7 +245,7 @@ PageScript Script(int board, Route route)
     script.works = [found, kind](BenchStation &station, const std::string &) {
         if (found->empty())
             *found = OwnWords(station, kind);
-        WorksAtAPoint(station);
+        WorksAtAPoint(station, kind == kCtr);
     };
     script.begins = [](BenchStation &station) {
         station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kVoltageGain));
@@ -234,6 +253,80 @@ PageScript Script(int board, Route route)
     };
     script.proves = [found, kind](BenchStation &station) {
         ProvesAPoint(station);
+        EXPECT_EQ(OwnWords(station, kind), *found) << "whatever went wrong, its own words came back";
+    };
+    return script;
+}
+
+// The words of all points.
+std::string PointWords(const BenchStation &station, bool counter)
+{
+    std::string words;
+    for (int point = 0; point < kAnalogWords; ++point)
+        words += WordsOf(station, AnalogWordAddress(point, counter), 1);
+    return words;
+}
+
+void ForgetsItsPoints(BenchStation &station, bool counter)
+{
+    for (int point = 0; point < kAnalogWords; ++point)
+        station.bench.SetWord(AnalogWordAddress(point, counter), 0x0A0A);
+}
+
+// The rest of the tab's steps that are no points, as far as they are on, and Done. What is told inside Does comes behind
+// all that was told before, so each piece tells the next.
+void TakesTheSteps(BenchStation &station, std::vector<int> positions, const std::function<void(int position)> &looks)
+{
+    station.person.Does([&station, positions, looks] {
+        if (positions.empty()) {
+            if (ScriptedOperator::IsEnabled("cmdAnaCal(1)"))
+                Leaves(station, "cmdAnaCal(1)", kWorkSeconds);
+            return;
+        }
+        const int position = positions.front();
+        if (ScriptedOperator::IsEnabled(StepButton(position))) {
+            Leaves(station, StepButton(position), kTabSeconds);
+            station.person.Does([position, looks] { looks(position); });
+        }
+        TakesTheSteps(station, {positions.begin() + 1, positions.end()}, looks);
+    });
+}
+
+// Zero InitFile, Init NVMEM and Re-Calibrate. A meter answers no write: of one that has just restarted by itself, and
+// heard nothing, nobody knows.
+PageScript TabScript(int board, Route route)
+{
+    PageScript script;
+    script.wiring = WiringOf(board, route, 1);
+    const int kind = script.wiring.bench.kind;
+    const bool counter = kind == kCtr;
+    auto found = std::make_shared<std::vector<int>>();
+    auto nominal = std::make_shared<std::string>();  // behind the run on a sound bench
+    script.works = [=](BenchStation &station, const std::string &fault) {
+        if (found->empty())
+            *found = OwnWords(station, kind);
+        ForgetsItsPoints(station, counter);
+        station.person.onBox = [](const std::string &, const std::string &) {};
+        station.person.ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", NavigationIsFree);
+        TakesTheSteps(station, {kZeroInitFile, kInitNvmem, kReCalibrate}, [=, &station](int position) {
+            const bool told = Says().starts_with("The nominal words are in the meter");
+            if (position != kInitNvmem || !told || fault == "meter-restarts")
+                return;
+            if (nominal->empty()) {
+                *nominal = PointWords(station, counter);
+            } else {
+                EXPECT_EQ(PointWords(station, counter), *nominal);
+            }
+        });
+    };
+    script.proves = [=](BenchStation &station) {
+        station.person.onBox = nullptr;
+        ForgetsItsPoints(station, counter);
+        station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kInitNvmem));
+        station.person.WaitsFor("cmdAnaCal(1)").Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
+        ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+        EXPECT_EQ(PointWords(station, counter), *nominal);
+        EXPECT_EQ(nominal->substr(0, 16).find("0A0A"), std::string::npos);
         EXPECT_EQ(OwnWords(station, kind), *found) << "whatever went wrong, its own words came back";
     };
     return script;
@@ -267,6 +360,12 @@ INSTANTIATE_TEST_SUITE_P(OnAnalogOutputElsewhere, FaultLoop,
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounterElsewhere, FaultLoop,
                          testing::ValuesIn(OtherRoutes([](Route route) { return Script(kVf, route); },
                                                        {Route::Manual, "garbage", 31})),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAnalogSteps, FaultLoop,
+                         testing::ValuesIn(FaultsOfTheMetersLine(TabScript(kDc, Route::Direct), Stride(37))),
+                         NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnAnalogStepsOfACounter, FaultLoop,
+                         testing::ValuesIn(FaultsOfTheMetersLine(TabScript(kVf, Route::Direct), Stride(53))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutput, QuitLoop,
                          testing::ValuesIn(QuitCases(Script(kDc, Route::Direct), {0, 20, 900, 1760, 2470, 3000})),

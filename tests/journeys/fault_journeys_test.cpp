@@ -4,6 +4,7 @@
 #include "journeys/page_loops.h"
 #include "model/nominals.h"
 #include "model/range_tables.h"
+#include "platform/clock.h"
 #include "platform/text.h"
 #include "session/state.h"
 #include "support/bench_station.h"
@@ -12,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <functional>
 #include <string>
 
 using namespace ombrix;
@@ -23,6 +25,7 @@ constexpr int kGnd = 2;  // positions on the DC board
 constexpr int kRef = 3;
 constexpr int k2Volts = 4;
 constexpr int kAc2Volts = 2;  // on the AC board
+constexpr int kNewCalib = 4;  // column
 
 // Seconds that the station's own waits may add up to. A reply that is never whole is asked for 20 times; a calibrator
 // that answers nothing is given 1 s for its errors, one poll of 10.5 s and 1 s for the read-back.
@@ -50,35 +53,62 @@ void ExpectTheErrorToBeTrue(BenchStation &station, int position)
     EXPECT_NEAR(station.bench.RemainingError(position), Val(told), kSameCounts) << "told: " << told;
 }
 
-void CalibratesTheRange(BenchStation &station, int position, const std::string &fault)
+// One round by this button; behind its end `then`, unless it went no further and was stopped.
+void TakesARound(BenchStation &station, const std::string &button, int position, const std::string &fault,
+                 const std::function<void()> &then)
 {
     const int patience = fault == "over-range" ? kGlance : kPatience;
     const std::int64_t start = station.clock.Elapsed();
-    station.person.Clicks("cmdReady").WaitsUntil("the round ends or lasts too long", [&station, start, patience] {
+    station.person.Clicks(button).WaitsUntil("the round ends or lasts too long", [&station, start, patience] {
         return RoundHasEnded() || NavigationIsFree() || station.clock.Elapsed() > start + patience * 1000;
     });
-    station.person.Does([&station, position, fault] {
+    station.person.Does([&station, position, fault, then] {
         if (RoundHasEnded()) {
-            if (!DisplayLies(fault))
+            if (!DisplayLies(station, fault))
                 ExpectTheErrorToBeTrue(station, position);
-            station.person.Waits(kLook);
-            Leaves(station, "cmdAccept", 2 + kRemoval + kStepEntry);
+            then();
         } else if (!NavigationIsFree()) {
             Leaves(station, "cmdStopReset", 2 + kRemoval);
         }
     });
 }
 
-// Takes a range of the DC board as far as it goes, and stops it when it goes no further.
-PageScript RangeScript(int board, int position, Route route)
+void Accepts(BenchStation &station)
+{
+    station.person.Waits(kLook);
+    Leaves(station, "cmdAccept", 2 + kRemoval + kStepEntry);
+}
+
+// Goes back to the word of the first round. A meter answers no write: of one that has just restarted by itself, and heard
+// nothing, nobody knows.
+void AcceptsTheFirstRound(BenchStation &station, int position, const std::string &fault)
+{
+    const std::string word = ScriptedOperator::Cell("msgCalibGrid", 0, kNewCalib);
+    station.person.ClicksCell("msgCalibGrid", 0, kNewCalib);
+    Accepts(station);
+    station.person.Does([&station, position, fault, word] {
+        if (CurrentStepButton != position && fault != "meter-restarts") {
+            EXPECT_EQ(WordsOf(station, station.bench.TruthOf(position).word, 1), word) << "accepted";
+        }
+    });
+}
+
+// Takes a range as far as it goes, one round or two, and stops it when it goes no further.
+PageScript RangeScript(int board, int position, Route route, int rounds = 1)
 {
     PageScript script;
     script.wiring = WiringOf(board, route, 1);
-    script.works = [position](BenchStation &station, const std::string &fault) {
+    script.works = [position, rounds](BenchStation &station, const std::string &fault) {
         Leaves(station, StepButton(position), kStepEntry);
-        station.person.Does([&station, position, fault] {
-            if (ScriptedOperator::IsEnabled("cmdReady"))
-                CalibratesTheRange(station, position, fault);
+        station.person.Does([&station, position, rounds, fault] {
+            if (!ScriptedOperator::IsEnabled("cmdReady"))
+                return;
+            TakesARound(station, "cmdReady", position, fault, [&station, position, rounds, fault] {
+                if (rounds == 1)
+                    return Accepts(station);
+                TakesARound(station, "cmdRepeat", position, fault,
+                            [&station, position, fault] { AcceptsTheFirstRound(station, position, fault); });
+            });
         });
     };
     script.begins = [position](BenchStation &station) {
@@ -117,6 +147,9 @@ INSTANTIATE_TEST_SUITE_P(OnGnd, FaultLoop, testing::ValuesIn(FaultCases(GndScrip
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnRef, FaultLoop, testing::ValuesIn(FaultCases(RefScript(Route::Direct), Stride(71))),
                          NameOfFaultCase);
+INSTANTIATE_TEST_SUITE_P(OnTwoRounds, FaultLoop,
+                         testing::ValuesIn(LastingFaultCases(RangeScript(kDc, kGnd, Route::Direct, 2), 131)),
+                         NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnGndElsewhere, FaultLoop,
                          testing::ValuesIn(OtherRoutes(GndScript, {Route::Uut, "wrong-length", 47})), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnRefElsewhere, FaultLoop,
@@ -142,15 +175,29 @@ protected:
     {
         const std::int64_t start = station.clock.Elapsed();
         const auto ended = [] { return ScriptedOperator::Sees("lblStatus") && (!Established || NavigationIsFree()); };
+        bool asked = false;
         station.person.Clicks("cmdEstablish").WaitsUntil("Establish ends or asks for the board", [ended] {
             return ended() || ScriptedOperator::IsEnabled("OKButton");
         });
-        station.person.Does([this, ended] {
-            if (!ended())
+        station.person.Does([this, ended, &asked] {
+            asked = !ended();
+            if (asked)
                 station.person.Clicks("OKButton").WaitsUntil("Establish ends", ended);
         });
         ASSERT_NO_FATAL_FAILURE(Runs());
         EXPECT_LE(station.clock.Elapsed() - start, kEstablish * 1000);
+        if (Established && !asked) {
+            EXPECT_EQ(SCType, kDc) << "nobody was asked";
+            EXPECT_EQ(SessionMeterKind, kDpm);
+        }
+    }
+    // Somebody has left an input on.
+    void FindsALiveOutput()
+    {
+        station.bench.Receive(bench::Line::Calibrator, "OUT 200 MV ; OPER\n", NowMicros());
+        station.person.Waits(kLook);
+        ASSERT_NO_FATAL_FAILURE(Runs());
+        ASSERT_TRUE(GetParam().script.wiring.manual || station.bench.CalibratorNow().operating);
     }
 };
 
@@ -163,10 +210,11 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
     for (int n = 0; n < exchanges && !HasFailure(); n += GetParam().every) {
         SCOPED_TRACE("exchange " + std::to_string(n) + " of " + std::to_string(exchanges));
         DropsTheSession();
+        ASSERT_NO_FATAL_FAILURE(FindsALiveOutput());
         const int exchange = station.bench.Exchanges() + n;
         ASSERT_TRUE(station.bench.FaultAtExchange(GetParam().fault, exchange, GetParam().lasting));
         EstablishesWithTheFault();
-        EXPECT_FALSE(station.bench.CalibratorNow().operating);
+        EXPECT_FALSE(station.bench.CalibratorNow().operating && !PortGoes()) << "nobody switched it off";
         EXPECT_GT(station.bench.Exchanges(), exchange);
         station.bench.SwitchFault(GetParam().fault, false);
         ASSERT_NO_FATAL_FAILURE(EstablishesAgain());

@@ -150,9 +150,7 @@ void WorksOn(BenchStation &station, std::int64_t until, const std::function<void
     station.person.Waits(kLook).Does([&station, until, then] {
         if (NavigationIsFree())
             return then();
-        // Nobody knows what stands there: hands off. By hand it is always assumed.
-        const bool unknown = (Automatic && ScriptedOperator::Sees("lblAssumed")) || ScriptedOperator::Sees("lblAlert");
-        if (unknown && station.clock.Elapsed() <= until)
+        if (InputIsUnknown() && station.clock.Elapsed() <= until)
             return WorksOn(station, until, then);
         const bool zero = ScriptedOperator::Sees("fraCalib(16)");
         if (station.clock.Elapsed() > until) {
@@ -219,11 +217,11 @@ PageScript ScriptOf(const Trim &trim, Route route)
     script.works = [&trim](BenchStation &station, const std::string &fault) {
         const bool hopeless = fault == "over-range" || fault == "never-operating" || fault == "silent-meter" ||
                               fault == "meter-port-gone";
-        // A calibrator that trips tells nobody, and its meter then reads no input.
-        const bool blind = DisplayLies(fault) || fault == "trips";
         // A reply that takes its time tells what stood before the last turn.
         const double limit = fault == "split" || fault == "slow-reply" ? 2 * trim.limit : trim.limit;
-        Works(station, trim, hopeless ? kGlance : kPatience, [&station, &trim, blind, limit] {
+        Works(station, trim, hopeless ? kGlance : kPatience, [&station, &trim, fault, limit] {
+            // A calibrator that trips tells nobody, and its meter then reads no input.
+            const bool blind = DisplayLies(station, fault) || fault == "trips";
             if (CurrentStepId == trim.step || blind || gaveUp) {
                 TurnsBack(station.bench);
             } else {

@@ -69,9 +69,14 @@ std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scrip
 /// A fault of the bench's calibrator, of its output or of its line: a page that applies nothing, and a station without a
 /// calibrator, never meet it.
 bool IsOfTheCalibrator(const std::string &fault);
-/// A fault by which the meter itself shows what isn't so: nobody can read a true value from it. A reply that lost its last
-/// digit is a reading too, and again and again it settles.
-bool DisplayLies(const std::string &fault);
+/// A fault by which the meter itself shows what isn't so.
+bool IsOfTheDisplay(const std::string &fault);
+/// While such a fault lasts nobody can read a true value. A reply that lost its last digit is a reading too, and again
+/// and again it settles.
+bool DisplayLies(const BenchStation &station, const std::string &fault);
+/// The window says that nobody knows what stands on the terminals: an operator keeps his hands off. By hand it is always
+/// assumed.
+bool InputIsUnknown();
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);
 
@@ -93,16 +98,15 @@ protected:
     int ExchangesOfACleanRun();
     void RunsIntoTheFaultAt(int exchange);
     void ExpectWhatIsGivenBack();
+    bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
 
     BenchStation station;
     std::vector<std::string> failures;  ///< run-time faults that were told
 
 private:
     void WorksThePage();
-    void EndsTheFault(int exchange);
     void ExpectNoOutputUntold();
     void ExpectNoOtherWordChanged(const bench::Words &before);
-    bool PortGoes() const { return GetParam().fault.ends_with("port-gone"); }
 
     std::set<int> m_ownWords;  ///< that the page writes
     bench::Words m_found{};    ///< by the clean run

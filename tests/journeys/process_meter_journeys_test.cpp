@@ -129,7 +129,7 @@ void AcceptsTheDiode(BenchStation &station, const std::string &fault)
     station.person.Waits(kSettling).Does([&station, fault] {
         const bool on = ScriptedOperator::IsEnabled("cmdQDStop(0)");
         const std::string distance = ScriptedOperator::Text("lblQDDistance");
-        if (on && ScriptedOperator::Text("lblQDDistanceMark") == "live" && !DisplayLies(fault)) {
+        if (on && ScriptedOperator::Text("lblQDDistanceMark") == "live" && !DisplayLies(station, fault)) {
             EXPECT_NEAR(station.bench.RemainingError("Gain/Offset J"), Val(distance) * 10, 2) << "told: " << distance;
         }
         Leaves(station, on ? "cmdQDStop(0)" : "cmdQDStop(1)", kRemoval);
@@ -226,7 +226,7 @@ PageScript VfScript(Route route)
             const auto believes = [&station, fault, leaves] {
                 const bool good = ScriptedOperator::Text("cmdVFRdyRpt") == "Repeat" &&
                                   !ScriptedOperator::Text("lblInst(7)").starts_with("Calculated");
-                if (good && !DisplayLies(fault)) {
+                if (good && !DisplayLies(station, fault)) {
                     EXPECT_LE(std::fabs(station.bench.RemainingError(kVfRanges[0])), 4) << "the page was content";
                 }
                 leaves();
@@ -253,7 +253,7 @@ void ExpectTheCurrentToBeTrue(BenchStation &station, const std::string &fault)
 {
     const std::string counts = ScriptedOperator::Text("lblISError");
     const bool told = ScriptedOperator::Text("lblISErrorMark") == "live" && std::fabs(Val(counts)) <= kFar;
-    if (told && !DisplayLies(fault)) {
+    if (told && !DisplayLies(station, fault)) {
         EXPECT_NEAR(station.bench.RemainingError("RTD Current"), Val(counts), 2) << "told: " << counts;
     }
 }

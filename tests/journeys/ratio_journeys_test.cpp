@@ -4,6 +4,7 @@
 
 #include "model/range_tables.h"
 #include "model/step_ids.h"
+#include "platform/text.h"
 #include "session/state.h"
 #include "support/bench_station.h"
 
@@ -25,6 +26,8 @@ constexpr int kPatience = 90;  // seconds for a trial
 constexpr int kGlance = 20;    // before a display that says at once that it is over range
 constexpr int kLook = 200;     // milliseconds, in which an alert finds its place
 constexpr int kTrials = 3;
+constexpr int kFirstReading = 2;   // column of a trial's grid
+constexpr double kSameCounts = 4;  // the flicker of two readings
 
 // Also where the meter is lost: then its page offers the way out alone.
 bool IsAtRest()
@@ -66,9 +69,33 @@ std::string NameOfJourney(const testing::TestParamInfo<Journey> &info)
 // What a script tells inside Does comes behind all that was told before, so each part tells the next one.
 using Part = std::function<void()>;
 
-// A trial that goes no further is stopped by Esc.
-void TriesPatiently(BenchStation &station, const std::string &button, int seconds, const Part &then)
+// Of the last trial: how far its readings are from what they should be, by the grid.
+double ToldError(bool offset)
 {
+    const std::string grid = offset ? "msgOffset" : "msgGain";
+    const int row = ScriptedOperator::Rows(grid) - 1;
+    const auto reading = [&grid, row](int excitation) {
+        return Val(ScriptedOperator::Cell(grid, row, kFirstReading + excitation));
+    };
+    return offset ? reading(1) - reading(0) : reading(0) - Val(ScriptedOperator::Text("txtReading"));
+}
+
+// The readings of a trial that has come to its end are so, where somebody knows what stands on the terminals. A calibrator
+// that trips tells nobody, and its meter then reads no input.
+void ExpectTheTrialToBeTrue(const BenchStation &station, const std::string &button, const std::string &fault)
+{
+    const bool stopped = ScriptedOperator::Text("lblInst(6)").starts_with("The trial was stopped");
+    const bool blind = InputIsUnknown() || DisplayLies(station, fault) || fault == "trips";
+    if (!ScriptedOperator::IsEnabled(button) || stopped || blind)
+        return;
+    const bool offset = button == "cmdOffset";
+    EXPECT_NEAR(station.bench.RemainingError(offset ? "Ratio Offset" : "Ratio Gain"), ToldError(offset), kSameCounts);
+}
+
+// A trial that goes no further is stopped by Esc.
+void TriesPatiently(BenchStation &station, const std::string &button, const std::string &fault, const Part &then)
+{
+    const int seconds = fault == "over-range" ? kGlance : kPatience;
     if (!ScriptedOperator::IsEnabled(button)) {
         then();
         return;
@@ -77,8 +104,10 @@ void TriesPatiently(BenchStation &station, const std::string &button, int second
     station.person.Clicks(button).WaitsUntil("the trial ends or lasts too long", [&station, start, seconds] {
         return IsAtRest() || station.clock.Elapsed() > start + seconds * 1000;
     });
-    station.person.Does([&station, then] {
-        if (!IsAtRest())
+    station.person.Does([&station, button, fault, then] {
+        if (IsAtRest())
+            ExpectTheTrialToBeTrue(station, button, fault);
+        else
             station.person.Presses(Qt::Key_Escape).WaitsUntil("the trial is stopped", IsAtRest);
         station.person.Does(then);
     });
@@ -89,10 +118,9 @@ PageScript RatioScript(Route route)
     PageScript script;
     script.wiring = WiringOf(kDc, route, 1);
     script.works = [](BenchStation &station, const std::string &fault) {
-        const int seconds = fault == "over-range" ? kGlance : kPatience;
-        station.person.Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdRatioDone").Does([&station, seconds] {
-            TriesPatiently(station, "cmdOffset", seconds, [&station, seconds] {
-                TriesPatiently(station, "cmdGain", seconds, [&station] {
+        station.person.Clicks(ButtonOf(Step::Ratio)).WaitsFor("cmdRatioDone").Does([&station, fault] {
+            TriesPatiently(station, "cmdOffset", fault, [&station, fault] {
+                TriesPatiently(station, "cmdGain", fault, [&station] {
                     station.person.Waits(kLook).Does([&station] { Leaves(station, "cmdRatioDone", 80); });
                 });
             });

@@ -104,6 +104,19 @@ TEST_F(OnTheBench, AWrongLengthIsOneCharacterTooFewOrTooMany)
     EXPECT_LT(longer, 30);
 }
 
+TEST_F(OnTheBench, AWrongLengthIsNotMadeGoodOnTheWayThroughTheCalibrator)
+{
+    Stands({.uut = true});
+    bench->UseBlockForm(BlockForm::OpenEnded);
+    bench->SwitchFault("wrong-length", true);
+    for (int i = 0; i < 30; ++i) {
+        AskCalibrator("UUT_SEND #208*1X16DZ\r");
+        const std::size_t length = AskCalibrator("UUT_RECV?").size();
+        constexpr std::size_t kRight = 2 + 5 + 2;  // "#0", "3201" with its CR, CR LF
+        EXPECT_TRUE(length == kRight - 1 || length == kRight + 1) << length;
+    }
+}
+
 TEST_F(OnTheBench, ACalibratorThatNeverOperatesStaysInStandby)
 {
     bench->SwitchFault("never-operating", true);
