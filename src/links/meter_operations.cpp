@@ -218,10 +218,12 @@ int RestartLeftMs()
 void WaitOutRestart(int longestMs)
 {
     const int left = std::min(RestartLeftMs(), longestMs);
-    if (left > 0 && MeterKind == kCtr && MeterPort != 0)
+    if (left > 0 && MeterKind == kCtr && MeterPort != 0) {
+        comDPM.Drop();  // a reply that nobody has read is no sign of life
         ReceiveChunk(comDPM, left);
-    else if (left > 0)
+    } else if (left > 0) {
         DelayMs(left);
+    }
 }
 
 void WaitMeterRestart()
@@ -230,6 +232,8 @@ void WaitMeterRestart()
         return WaitPlainRestart();
     const WaitNote note("Meter restarts");
     if (MeterPort != 0) {
+        if (Abort)
+            comDPM.Drop();  // a reply that a stop has left unread is no sign of life
         if (!ReceiveChunk(comDPM, kCtrRestartMs).empty())
             aliveSince = LastRestartMicros;
         return;

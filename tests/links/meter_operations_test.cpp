@@ -433,6 +433,27 @@ TEST_F(MeterOperations, ACounterEndsItsRestartWithASignOfLifeThatIsDropped)
     EXPECT_THAT(waits, ElementsAre("Meter restarts", ""));
 }
 
+TEST_F(MeterOperations, AReplyThatAStopLeavesUnreadIsNoSignOfLife)
+{
+    MeterKind = kCtr;
+    CallAfter(100, [] { Abort = true; });
+    meter.Says("0000", 10);
+    meter.Says("!", 2345);
+    EXPECT_EQ(ReadNvmWords(200, 1, ""), "");
+    EXPECT_EQ(clock.Elapsed(), 2345);
+
+    RequestShutdown(false);
+    Abort = false;
+    CallAfter(100, [] { RequestShutdown(); });
+    clock.Restart();
+    meter.Says("0000", 10);
+    meter.Says("!", 2345);
+    EXPECT_THROW(ReadNvmWords(200, 1, ""), Shutdown);
+    RequestShutdown(false);
+    WaitOutRestart(5000);
+    EXPECT_EQ(clock.Elapsed(), 2345) << "nor behind the last words";
+}
+
 TEST_F(MeterOperations, ASilentCounterIsWaitedForUpTo5000ms)
 {
     MeterKind = kCtr;
