@@ -71,6 +71,17 @@ bool IsAsBad(const std::string &value, Danger level)
     return asked.unit != standing.unit || asked.size >= standing.size;
 }
 
+// A resistance that is switched on need not be quite the one asked for. Of another kind of value nothing can be said.
+bool IsAnother(const std::string &standing, const std::string &asked)
+{
+    constexpr double kPart = 0.01;
+    const Quantity one = QuantityOf(standing);
+    const Quantity other = QuantityOf(asked);
+    if (one.unit != other.unit)
+        return false;
+    return Val(standing) * Val(asked) < 0 || std::fabs(one.size - other.size) > kPart * std::max(one.size, other.size);
+}
+
 void TakeAlertAway()
 {
     if (!alertStands)
@@ -107,6 +118,7 @@ void NoteOutputAsked(const std::string &value, Danger level)
         live.Value = value;
         live.Level = level;
     }
+    live.Asked = value;
     live.MayStand = true;
     live.StandbyAsked = live.Confirmed = false;
     outlets.showOutput(live.Value);
@@ -155,6 +167,11 @@ void NoteOutputLineBack()
 bool OutputConfirmed()
 {
     return IsKnown();
+}
+
+bool AskedOutputStands()
+{
+    return OutputConfirmed() && !IsAnother(live.Value, live.Asked);
 }
 
 void TellLiveOutput()

@@ -13,6 +13,7 @@ namespace ombrix {
 struct LiveOutput {
     std::string Value;  ///< last known, "200.0 V"; "" when nothing was ever asked
     Danger Level = Danger::Safe;
+    std::string Asked = {};     ///< the output asked for last
     bool StandbyAsked = false;  ///< what was asked last: a standby, or an output
     bool Confirmed = true;      ///< and that it was confirmed
     bool MayStand = false;      ///< an output was asked for since the last confirmed standby
@@ -43,6 +44,8 @@ void NoteOutputLineBack();
 
 /// What was asked of the terminals last is known to be so.
 bool OutputConfirmed();
+/// That, and it is no other output than the one asked for last: a calibrator that refuses one keeps the one before it.
+bool AskedOutputStands();
 /// Shows the alert when the output or standby asked last could not be confirmed, and its value on panel and flag.
 /// Nothing without a calibrator.
 void TellLiveOutput();

@@ -190,6 +190,18 @@ TEST_F(VerifyPage, AnInputThatTheCalibratorHasNotConfirmedIsTold)
     Runs();
 }
 
+TEST_F(VerifyPage, AnInputThatTheCalibratorRefusesIsTold)
+{
+    UsesTheTemporaryFile();
+    GetsReady().Does([this] { bench->SwitchFault("refuses-output", true); });
+    person->Clicks("cmdVfyOK").WaitsFor("cmdVfyOK").Does([this] {
+        EXPECT_EQ(bench->Terminals().value, 0.2) << "what it delivered before";
+        EXPECT_THAT(Text("lblInst(8)"), testing::StartsWith("The calibrator has not confirmed -200 mV"));
+        EXPECT_EQ(Fill("shpInst(8)"), kRed);
+    });
+    Runs();
+}
+
 TEST_F(VerifyPage, EnteredAgainItBeginsAfresh)
 {
     Chooses("unit.vfy");
