@@ -61,26 +61,35 @@ char NoiseByte(Dice &dice)
     }
 }
 
-// Bytes that are no part of a value, so that a line with them before its value can be told from any other.
-void AddJunk(std::string &reply, Dice &dice)
+// A byte that is no part of a value.
+char JunkByte(Dice &dice)
 {
     constexpr std::string_view kOfValues = "0123456789+-., \t";
-    std::string junk;
-    while (junk.size() < kJunkBytes) {
+    while (true) {
         const char byte = NoiseByte(dice);
         if (kOfValues.find(byte) == std::string_view::npos)
-            junk += byte;
+            return byte;
     }
+}
+
+// So that a line with them before its value can be told from any other.
+void AddJunk(std::string &reply, Dice &dice)
+{
+    std::string junk;
+    while (junk.size() < kJunkBytes)
+        junk += JunkByte(dice);
     reply.insert(0, junk);
 }
 
+// One of the bytes before it is no part of a value: where noise makes another number of a reply, nobody can tell.
 void AddNoise(std::string &reply, Dice &dice)
 {
     const std::size_t inside = reply.find_first_of("\r\n");
     if (inside != 0 && inside != std::string::npos)
         reply[static_cast<std::size_t>(dice.WholeBetween(0, static_cast<int>(inside) - 1))] = NoiseByte(dice);
-    for (int i = dice.WholeBetween(1, 4); i > 0; --i)
+    for (int i = dice.WholeBetween(0, 3); i > 0; --i)
         reply.insert(reply.begin(), NoiseByte(dice));
+    reply.insert(reply.begin(), JunkByte(dice));
 }
 
 // The last character of the reply's text said twice or lost.

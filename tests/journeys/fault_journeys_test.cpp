@@ -36,7 +36,7 @@ constexpr int kPatience = 300;     // what the operator waits for a round before
 constexpr int kGlance = 20;        // before a display that says at once that it is over range
 constexpr int kLook = 1000;        // milliseconds for which he watches its end
 constexpr double kFar = 1000;      // counts, beyond which nobody believes a reading
-constexpr double kSameCounts = 3;  // the display's flicker, and its rounding
+constexpr double kSameCounts = 4;  // the display's flicker, and its rounding
 
 bool RoundHasEnded()
 {
