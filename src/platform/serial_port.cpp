@@ -64,6 +64,11 @@ public:
         m_port.clear();  // what the line said to nobody is no reply
         m_path = path;
         heldDevices.push_back(path);
+        QObject::connect(&m_port, &QSerialPort::readyRead, &m_port, [this] {
+            const std::string came = m_port.readAll().toStdString();
+            m_waiting += came;
+            onCame(came);
+        });
         QObject::connect(&m_port, &QSerialPort::errorOccurred, &m_port, [this](QSerialPort::SerialPortError error) {
             // A line that can't set RTS says Unsupported and lives on. Any other error means that the far end is gone:
             // an open port would report it without end.
@@ -78,10 +83,15 @@ public:
 
     std::size_t BytesWaiting() override
     {
-        return m_port.isOpen() ? static_cast<std::size_t>(m_port.bytesAvailable()) : 0;
+        return m_port.isOpen() ? m_waiting.size() + static_cast<std::size_t>(m_port.bytesAvailable()) : 0;
     }
 
-    std::string ReadAll() override { return m_port.isOpen() ? m_port.readAll().toStdString() : std::string(); }
+    std::string ReadAll() override
+    {
+        if (!m_port.isOpen())
+            return "";
+        return std::exchange(m_waiting, "") + m_port.readAll().toStdString();
+    }
 
     // The toolkit's buffer takes what has come only when events are delivered: until then the system holds it.
     std::string Drop() override
@@ -118,6 +128,7 @@ public:
 
 private:
     QString m_path;
+    std::string m_waiting;  // has come, not yet asked for
     bool m_gone = false;
     QSerialPort m_port;
 };
@@ -157,6 +168,10 @@ void SerialPort::Take(const std::string &device)
 {
     auto opened = makeDevice();
     opened->Open(device);
+    opened->onCame = [this](std::string_view bytes) {
+        m_told += bytes.size();
+        TellBytes(ByteWay::Received, bytes);
+    };
     opened->onGone = [this] {
         TellLine(-1);
         if (onGone)
@@ -173,6 +188,7 @@ void SerialPort::Leave()
     if (m_device)
         TellLine(-1);
     m_device.reset();
+    m_told = 0;
 }
 
 void SerialPort::TellLine(int handle) const
@@ -185,6 +201,13 @@ void SerialPort::TellBytes(ByteWay way, std::string_view bytes) const
 {
     if (onBytes && !bytes.empty())
         onBytes(way, bytes);
+}
+
+// Of what was fetched, behind what was told when it came.
+void SerialPort::TellRest(ByteWay way, std::string_view bytes)
+{
+    TellBytes(way, bytes.substr(std::min(m_told, bytes.size())));
+    m_told = 0;
 }
 
 void SerialPort::Close()
@@ -201,14 +224,14 @@ std::size_t SerialPort::BytesWaiting() const
 std::string SerialPort::ReadAll()
 {
     std::string bytes = m_device ? m_device->ReadAll() : std::string();
-    TellBytes(ByteWay::Received, bytes);
+    TellRest(ByteWay::Received, bytes);
     return bytes;
 }
 
 std::string SerialPort::Drop()
 {
     std::string bytes = m_device ? m_device->Drop() : std::string();
-    TellBytes(ByteWay::Dropped, bytes);
+    TellRest(ByteWay::Dropped, bytes);
     return bytes;
 }
 

@@ -37,6 +37,8 @@ public:
     /// As the system numbers it; -1 for a line that is none of the system's.
     virtual int Handle() const { return -1; }
 
+    /// Told what has come, when it comes and before it is given. What no event brought is given without.
+    std::function<void(std::string_view bytes)> onCame = [](std::string_view) {};
     /// Told once when it has gone, from a later event: never out of the device's own error handler.
     std::function<void()> onGone = [] {};
 };
@@ -75,7 +77,8 @@ public:
     std::function<void()> onGone;
     /// Told the handle of each line that was opened, and -1 before it closes and when it has gone.
     std::function<void(int handle)> onLine;
-    /// Told all bytes that are given to the line or come from it, before whoever asked for them has them.
+    /// Told all bytes that are given to the line or come from it, each once: when they come, before whoever asks for
+    /// them has them. Dropped are those that nobody had heard of before a drop.
     std::function<void(ByteWay way, std::string_view bytes)> onBytes;
 
 private:
@@ -83,10 +86,12 @@ private:
     void Leave();
     void TellLine(int handle) const;
     void TellBytes(ByteWay way, std::string_view bytes) const;
+    void TellRest(ByteWay way, std::string_view bytes);
 
     std::unique_ptr<SerialDevice> m_device;
     std::string m_name;
-    bool m_lost = false;  // gone, and it could not be opened again
+    std::size_t m_told = 0;  // bytes of those that wait
+    bool m_lost = false;     // gone, and it could not be opened again
 };
 
 }  // namespace ombrix

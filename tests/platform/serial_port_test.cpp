@@ -130,18 +130,19 @@ TEST(SerialPort, TellsAllThatItTookAndGave)
     port.Write("*1B1\r");
     pty.Says("12.");
     WaitForBytes(port, 3, 500);
-    port.ReadAll();
-    port.ReadAll();
+    EXPECT_EQ(told, "<*1B1\r >12. ") << "when it came";
+    EXPECT_EQ(port.ReadAll(), "12.");
+    EXPECT_EQ(port.ReadAll(), "");
     pty.Says("345\r");
     WaitForBytes(port, 4, 500);
-    port.Drop();
-    EXPECT_EQ(told, "<*1B1\r >12. x345\r ");
+    EXPECT_EQ(port.Drop(), "345\r");
+    EXPECT_EQ(told, "<*1B1\r >12. >345\r ") << "each byte once";
     pty.HangsUp();
     const Deadline limit(500);
     while (!port.IsGone() && !limit.Passed())
         PumpEvents(limit.LeftMs());
     port.Write("*1B1\r");
-    EXPECT_EQ(told, "<*1B1\r >12. x345\r ") << "lost, so not sent";
+    EXPECT_EQ(told, "<*1B1\r >12. >345\r ") << "lost, so not sent";
 }
 
 TEST(SerialPort, AllEightBitsPassUnchanged)

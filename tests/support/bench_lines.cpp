@@ -112,8 +112,10 @@ void BenchLines::Run(std::int64_t now)
     for (const auto &wire : m_wires) {
         const std::string came = m_bench.Collect(wire->line, now);
         wire->bytes += static_cast<std::int64_t>(came.size());
-        if (wire->open && !wire->dead)
-            wire->waiting += came;
+        if (!wire->open || wire->dead || came.empty())
+            continue;
+        wire->waiting += came;
+        wire->device->onCame(came);
     }
     NoticeGonePorts();  // also one that went with the exchange that has just arrived
 }

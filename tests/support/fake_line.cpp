@@ -89,7 +89,7 @@ void FakeLine::Says(const std::string &bytes, int afterMs)
 {
     const auto arrive = [this, bytes] {
         if (m_device && !m_device->IsGone() && !m_silent)
-            m_waiting.push_back(bytes);
+            Arrive(bytes);
     };
     if (afterMs == 0)
         arrive();
@@ -101,10 +101,16 @@ void FakeLine::SaysUnseen(const std::string &bytes)
 {
     m_unseen.push_back(bytes);
     CallAfter(1, [this] {
-        for (const std::string &seen : m_unseen)
-            m_waiting.push_back(seen);
-        m_unseen.clear();
+        for (const std::string &seen : std::exchange(m_unseen, {}))
+            Arrive(seen);
     });
+}
+
+void FakeLine::Arrive(const std::string &bytes)
+{
+    m_waiting.push_back(bytes);
+    if (m_device)
+        m_device->onCame(bytes);
 }
 
 void FakeLine::HangsUp()

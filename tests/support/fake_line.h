@@ -53,6 +53,7 @@ public:
 private:
     friend class FakeDevice;
     void Hear(std::string_view bytes);
+    void Arrive(const std::string &bytes);
 
     std::deque<std::string> m_waiting;
     std::deque<std::string> m_unseen;
