@@ -8,8 +8,10 @@
 #include <QSerialPort>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstring>
+#include <unistd.h>
 #include <utility>
 #include <vector>
 
@@ -41,6 +43,8 @@ int NumberOf(QSerialPort::SerialPortError error, const std::string &device)
         return info.isReadable() && info.isWritable() ? EBUSY : EACCES;
     return info.isDir() || info.isFile() ? ENOTTY : EIO;
 }
+
+constexpr int kMostPieces = 16;  // of a drop: a far end that never stops holds nobody
 
 class SystemPort : public SerialDevice
 {
@@ -97,6 +101,13 @@ public:
     std::string Drop() override
     {
         std::string dropped = ReadAll();
+        std::array<char, kReplyLimit> piece{};
+        for (int pieces = 0; pieces < kMostPieces && m_port.isOpen(); ++pieces) {
+            const ssize_t count = read(Handle(), piece.data(), piece.size());
+            if (count <= 0)
+                return dropped;
+            dropped.append(piece.data(), static_cast<std::size_t>(count));
+        }
         if (m_port.isOpen())
             m_port.clear(QSerialPort::Input);
         return dropped;

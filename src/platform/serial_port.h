@@ -26,7 +26,7 @@ public:
     virtual void Open(const std::string &device) = 0;
     virtual std::size_t BytesWaiting() = 0;
     virtual std::string ReadAll() = 0;
-    /// Drops what waits: what ReadAll would give, which is returned, and what the system still holds.
+    /// Drops what waits, and returns it: what ReadAll would give, and what the system still holds.
     virtual std::string Drop() = 0;
     virtual void Write(std::string_view bytes) = 0;
     /// A line that can't set them (a pseudo-terminal) ignores both.

@@ -196,6 +196,20 @@ TEST_F(SlowCalibrator, TheRestOfALateAnswerIsNoAnswer)
     EXPECT_EQ(AskCalibrator(CalibratorQuestion::Operate).line, "1");
 }
 
+TEST_F(SlowCalibrator, ALateAnswerThatTheSystemStillHoldsIsKnownToo)
+{
+    calibrator.onWrite = nullptr;
+    EXPECT_EQ(AskCalibrator(CalibratorQuestion::Operate).line, "");
+    BeginCalibratorOutput();
+    calibrator.SaysUnseen("0\r\n");
+    calibrator.Answers("OPER?\n", "1\r\n", 20);
+    EXPECT_EQ(AskCalibrator(CalibratorQuestion::Operate).line, "1") << "the question before has its answer";
+    EXPECT_EQ(AskCalibrator(CalibratorQuestion::Output).line, "");
+    calibrator.SaysUnseen("6.6000E+02,V,0E+00,0,0.00E+0");
+    calibrator.Says("0\r\n", 10);
+    EXPECT_EQ(AskCalibrator(CalibratorQuestion::Operate).line, "1") << "the rest of a line is none";
+}
+
 TEST_F(SlowCalibrator, AnAnswerThatWasLostCostsOnePollAndNoMore)
 {
     AskCalibrator(CalibratorQuestion::Operate);

@@ -77,6 +77,16 @@ TEST_F(TraceMoment, OfWhatComesUnaskedIsItsOwnAndItIsToldOnce)
     EXPECT_THAT(Said(), ElementsAre("0 < fetched\r"));
 }
 
+TEST_F(TraceMoment, OfWhatNobodyHadHeardOfBeforeADropIsThatOfTheDrop)
+{
+    meter.Says("seen ", 10);
+    DelayAlways(100);
+    meter.SaysUnseen("unseen\r");
+    SendMeterCommand("B1");
+    DelayAlways(100);
+    EXPECT_THAT(Said(), ElementsAre("10 < seen ", "100 x unseen\r", "100 > *1B1\r"));
+}
+
 TEST_F(TraceMoment, OfALineThatIsOpenedAgainBeginsAnew)
 {
     meter.Says("lost\r", 10);

@@ -172,12 +172,18 @@ TEST(SerialPort, WhatWaitsInTheSystemsBufferIsDroppedToo)
 {
     Pty pty;
     SerialPort port;
+    std::string dropped;
+    port.onBytes = [&dropped](ByteWay way, std::string_view bytes) {
+        if (way == ByteWay::Dropped)
+            dropped += bytes;
+    };
     port.Open(pty.Name());
     pty.Says("seen ");
     WaitForBytes(port, 5, 500);
     pty.Says("unseen\r");
     usleep(20'000);  // the system has it; the port, which nobody pumps, has not
-    EXPECT_EQ(port.Drop(), "seen ");
+    EXPECT_EQ(port.Drop(), "seen unseen\r");
+    EXPECT_EQ(dropped, "unseen\r") << "told as what it is";
     pty.Says("fresh\r");
     WaitForBytes(port, 6, 500);
     EXPECT_EQ(port.ReadAll(), "fresh\r");

@@ -59,8 +59,10 @@ public:
 
     std::string Drop() override
     {
-        m_line->m_unseen.clear();
-        return ReadAll();
+        std::string all = ReadAll();
+        for (const std::string &unseen : std::exchange(m_line->m_unseen, {}))
+            all += unseen;
+        return all;
     }
 
     void Write(std::string_view bytes) override

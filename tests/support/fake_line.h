@@ -29,7 +29,7 @@ public:
     void Answers(const std::string &request, const std::string &reply, int afterMs = 0);
     /// Called with each write, before the answers.
     std::function<void(const std::string &bytes)> onWrite;
-    /// Bytes that the system holds: a read finds them 1 ms from now, a drop takes them away at once.
+    /// Bytes that the system holds: a read finds them 1 ms from now, a drop takes them at once.
     void SaysUnseen(const std::string &bytes);
     /// From now on nothing comes and what is written is lost, as on a line whose instrument was switched off.
     void Vanishes() { m_silent = true; }
