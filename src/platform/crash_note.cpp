@@ -61,10 +61,10 @@ void LeaveNote(int number)
         Say(file, lastException.data());
         Say(file, "\n");
     }
-    Say(file, "\nBacktrace:\n");
-    backtrace_symbols_fd(frames.data(), backtrace(frames.data(), kFrames), file);
     Say(file, "\nThe lines, in UTC:\n");
     WriteTraceTail(file);
+    Say(file, "\nBacktrace:\n");  // last: where the stack is broken, it meets a fault of its own
+    backtrace_symbols_fd(frames.data(), backtrace(frames.data(), kFrames), file);
     close(file);
 }
 
@@ -80,7 +80,8 @@ void HoldUpNothing()
 
 extern "C" void HandleCrash(int number)
 {
-    std::signal(number, SIG_DFL);  // a fault in here ends the program at once
+    for (const DeadlySignal &one : kDeadly)
+        std::signal(one.number, SIG_DFL);  // a fault in here ends the program at once
     HoldUpNothing();
     LeaveNote(number);
     raise(number);

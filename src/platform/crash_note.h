@@ -1,6 +1,6 @@
-// What a crash leaves behind: the file Ombrix.crash with the signal, where the program stood, and the last records of
-// the lines. Then it dies of the same signal, so that whoever watches it sees that: within a second, and without an image of
-// its memory, whose writing would hold the calibrator's line from the guard.
+// What a crash leaves behind: the file Ombrix.crash with the signal, the last records of the lines, and where the
+// program stood. Then it dies of the same signal, so that whoever watches it sees that: within a second, and without an
+// image of its memory, whose writing would hold the calibrator's line from the guard.
 #pragma once
 
 #include <string>

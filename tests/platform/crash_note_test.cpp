@@ -13,6 +13,7 @@
 #include <functional>
 #include <stdexcept>
 #include <string>
+#include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -75,6 +76,19 @@ void Ends(void (*work)()) noexcept
     work();
 }
 
+// An address at which there is nothing.
+void *Nowhere()
+{
+    return mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+}
+
+// Whoever looks where this was called from meets a fault.
+[[gnu::noinline]] void AbortsCalledFrom(void *place)
+{
+    static_cast<void *volatile *>(__builtin_frame_address(0))[1] = place;
+    kill(getpid(), SIGABRT);
+}
+
 class CrashBy : public testing::TestWithParam<int>
 {
 };
@@ -88,7 +102,8 @@ TEST_P(CrashBy, LeavesABacktraceAndTheLastWordsOnTheLinesAndDiesOfTheSame)
     EXPECT_FALSE(death.dumped) << "its line stays open meanwhile";
     EXPECT_THAT(death.note, HasSubstr("\nBacktrace:\n"));
     EXPECT_THAT(death.note, HasSubstr("platform_tests"));
-    EXPECT_THAT(death.note, testing::EndsWith("  meter       sent      *1B1\\r\n"));
+    EXPECT_THAT(death.note, HasSubstr("\nThe lines, in UTC:\n"));
+    EXPECT_THAT(death.note, HasSubstr("  meter       sent      *1B1\\r\n"));
 }
 
 INSTANTIATE_TEST_SUITE_P(Signals, CrashBy, testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL));
@@ -98,6 +113,21 @@ TEST(Crash, OfAStackThatIsUsedUpIsTold)
     const Death death = After([] { Deeper(0); });
     EXPECT_EQ(death.signal, SIGSEGV);
     EXPECT_THAT(death.note, HasSubstr("Died of SIGSEGV"));
+}
+
+TEST(Crash, ByAJumpToNowhereTellsTheLinesThoughItsBacktraceFaults)
+{
+    const Death death = After([] { reinterpret_cast<void (*)()>(Nowhere())(); });
+    EXPECT_EQ(death.signal, SIGSEGV);
+    EXPECT_THAT(death.note, HasSubstr("Died of SIGSEGV"));
+    EXPECT_THAT(death.note, HasSubstr("  meter       sent      *1B1\\r\n"));
+}
+
+TEST(Crash, WhoseBacktraceFaultsIsTheOneThatIsTold)
+{
+    const Death death = After([] { AbortsCalledFrom(Nowhere()); });
+    EXPECT_THAT(death.note, HasSubstr("Died of SIGABRT"));
+    EXPECT_THAT(death.note, HasSubstr("  meter       sent      *1B1\\r\n"));
 }
 
 TEST(Crash, ByAnExceptionThatNobodyCatchesTellsItsWords)
