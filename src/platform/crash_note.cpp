@@ -26,8 +26,17 @@ struct DeadlySignal {
     int number;
     std::string_view name;
 };
-constexpr std::array<DeadlySignal, 5> kDeadly = {
-    {{SIGSEGV, "SIGSEGV"}, {SIGABRT, "SIGABRT"}, {SIGBUS, "SIGBUS"}, {SIGFPE, "SIGFPE"}, {SIGILL, "SIGILL"}}};
+// All by which the system would leave an image of the memory.
+constexpr std::array<DeadlySignal, 10> kDeadly = {{{SIGSEGV, "SIGSEGV"},
+                                                   {SIGABRT, "SIGABRT"},
+                                                   {SIGBUS, "SIGBUS"},
+                                                   {SIGFPE, "SIGFPE"},
+                                                   {SIGILL, "SIGILL"},
+                                                   {SIGQUIT, "SIGQUIT"},
+                                                   {SIGTRAP, "SIGTRAP"},
+                                                   {SIGSYS, "SIGSYS"},
+                                                   {SIGXCPU, "SIGXCPU"},
+                                                   {SIGXFSZ, "SIGXFSZ"}}};
 
 // All of it stands before a crash: in it nothing can be asked for.
 std::array<char, 4096> notePath{};
@@ -117,8 +126,13 @@ void WatchCrashes(const std::string &path)
     action.sa_handler = HandleCrash;
     sigemptyset(&action.sa_mask);
     action.sa_flags = SA_ONSTACK | SA_NODEFER;
-    for (const DeadlySignal &one : kDeadly)
-        sigaction(one.number, &action, nullptr);
+    for (const DeadlySignal &one : kDeadly) {
+        struct sigaction before {
+        };
+        sigaction(one.number, nullptr, &before);
+        if (before.sa_handler != SIG_IGN)  // as a shell has it for what it starts behind
+            sigaction(one.number, &action, nullptr);
+    }
     std::set_terminate(NoteException);
 }
 

@@ -9,7 +9,8 @@ namespace ombrix {
 
 constexpr const char *kCrashFile = "Ombrix.crash";
 
-/// From now on SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL and an exception that nobody catches leave the file at `path`.
+/// From now on each signal by whose default the system writes such an image (SIGSEGV and its like, SIGQUIT too), and an
+/// exception that nobody catches, leave the file at `path`. A signal that was ignored stays so.
 void WatchCrashes(const std::string &path);
 
 }  // namespace ombrix

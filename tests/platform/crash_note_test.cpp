@@ -36,7 +36,7 @@ struct Death {
     std::string note;
 };
 
-Death After(const std::function<void()> &life)
+Death After(const std::function<void()> &life, bool ignored = false)
 {
     const pid_t child = fork();
     if (child == 0) {
@@ -46,6 +46,8 @@ Death After(const std::function<void()> &life)
         setrlimit(RLIMIT_CORE, &core);
         OpenTrace(".");
         Trace(TraceLine::Meter, ByteWay::Sent, "*1B1\r");
+        for (const int number : {SIGQUIT, SIGXFSZ})
+            std::signal(number, ignored ? SIG_IGN : SIG_DFL);
         WatchCrashes(kCrashFile);
         life();
         _exit(0);
@@ -106,7 +108,9 @@ TEST_P(CrashBy, LeavesABacktraceAndTheLastWordsOnTheLinesAndDiesOfTheSame)
     EXPECT_THAT(death.note, HasSubstr("  meter       sent      *1B1\\r\n"));
 }
 
-INSTANTIATE_TEST_SUITE_P(Signals, CrashBy, testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL));
+INSTANTIATE_TEST_SUITE_P(Signals, CrashBy,
+                         testing::Values(SIGSEGV, SIGABRT, SIGBUS, SIGFPE, SIGILL, SIGQUIT, SIGTRAP, SIGSYS, SIGXCPU,
+                                         SIGXFSZ));
 
 TEST(Crash, OfAStackThatIsUsedUpIsTold)
 {
@@ -145,6 +149,18 @@ TEST(Crash, WhoseNoteNobodyTakesDiesAllTheSame)
         kill(getpid(), SIGSEGV);
     });
     EXPECT_EQ(death.signal, SIGSEGV) << "it waited for a reader";
+}
+
+TEST(Crash, BySignalsThatWereIgnoredIsNone)
+{
+    const Death death = After(
+        [] {
+            kill(getpid(), SIGQUIT);
+            kill(getpid(), SIGXFSZ);
+        },
+        true);
+    EXPECT_EQ(death.signal, 0);
+    EXPECT_EQ(death.note, "none");
 }
 
 TEST(Crash, ThatDoesNotHappenLeavesNothing)
