@@ -125,6 +125,7 @@ std::string MeaningOfCommand(std::string_view text)
         {"ZCOMP WIRE4", "compensation over four wires"},
         {"TSENS_TYPE RTD", "sensor: RTD"},
         {"TSENS_TYPE TC", "sensor: thermocouple"},
+        {"RTD_TYPE PT385", "RTD PT385"},
     };
     for (const auto &[known, meaning] : kCommands)
         if (command == known)

@@ -1,5 +1,10 @@
 #include "links/calibrator_fixture.h"
 
+#include "links/wire_meaning.h"
+#include "model/connection_tables.h"
+
+#include <set>
+
 using namespace ombrix;
 using namespace ombrix::test;
 using ::testing::ElementsAre;
@@ -482,4 +487,39 @@ TEST_F(Calibrator, WithoutACalibratorPortAnOutputIsNothing)
     EXPECT_TRUE(SetCalibratorOutput("2 V", "OPER"));
     EXPECT_THAT(calibrator.log, IsEmpty());
     EXPECT_EQ(clock.Elapsed(), 0);
+}
+
+// ---- all that it is ever told ----
+
+TEST_F(Calibrator, IsToldNothingWithoutAMeaning)
+{
+    CalibratorAnswers("1", "2.0E-01,V");
+    EXPECT_EQ(OpenCalibratorLink(), 0);
+    for (const char *value : {"200 mV", "100 OHM", "660 V, 50 Hz", "-2 mA"}) {
+        ApplyInputValue(value);
+        RemoveInput();
+    }
+    for (int index = 0; ThermocoupleName(index) != ""; ++index)
+        SelectThermocouple(index);
+    SelectRtd();
+    ApplyFahrenheit("212");
+    CalStandbyFlag = false;
+    CalibratorStandby();
+    UutSetup("9600");
+    MeterPort = 0;
+    MeterQuery('X', 109, 1, "Z");
+    CalibratorLocal();
+    calibrator.HangsUp();
+    calibrator.ComesBack();
+    CalibratorStandby();
+
+    std::set<std::string> heads;
+    for (const std::string &command : calibrator.Writes()) {
+        const auto rows = WireRows({{0, TraceLine::Calibrator, ByteWay::Sent, command}});
+        ASSERT_EQ(rows.size(), 1u) << command;
+        EXPECT_NE(rows[0].meaning, "") << command;
+        heads.insert(command.substr(0, command.find_first_of(" \n")));
+    }
+    EXPECT_THAT(heads, ElementsAre("*RST", "ERR?", "LOCAL", "OPER?", "OUT", "OUT?", "REMOTE", "RTD_TYPE", "TC_TYPE",
+                                   "TSENS_TYPE", "UUT_FLUSH", "UUT_RECV?", "UUT_SEND", "UUT_SET", "ZCOMP"));
 }
