@@ -87,8 +87,11 @@ void HoldUpNothing()
 #endif
 }
 
-extern "C" void HandleCrash(int number)
+extern "C" void HandleCrash(int number, siginfo_t *info, void *)
 {
+    const bool met = info->si_code > 0;  // not sent by somebody
+    if (number == SIGBUS && met && TakeRefusedTouch(info->si_addr))
+        return;
     for (const DeadlySignal &one : kDeadly)
         std::signal(one.number, SIG_DFL);  // a fault in here ends the program at once
     HoldUpNothing();
@@ -123,9 +126,9 @@ void WatchCrashes(const std::string &path)
     sigaltstack(&stack, nullptr);
     struct sigaction action {
     };
-    action.sa_handler = HandleCrash;
+    action.sa_sigaction = HandleCrash;
     sigemptyset(&action.sa_mask);
-    action.sa_flags = SA_ONSTACK | SA_NODEFER;
+    action.sa_flags = SA_ONSTACK | SA_NODEFER | SA_SIGINFO;
     for (const DeadlySignal &one : kDeadly) {
         struct sigaction before {
         };

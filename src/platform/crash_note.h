@@ -10,7 +10,8 @@ namespace ombrix {
 constexpr const char *kCrashFile = "Ombrix.crash";
 
 /// From now on each signal by whose default the system writes such an image (SIGSEGV and its like, SIGQUIT too), and an
-/// exception that nobody catches, leave the file at `path`. A signal that was ignored stays so.
+/// exception that nobody catches, leave the file at `path`. A signal that was ignored stays so. A SIGBUS that a touch of
+/// the trace's ring raises is no crash: the ring goes on in memory.
 void WatchCrashes(const std::string &path);
 
 }  // namespace ombrix

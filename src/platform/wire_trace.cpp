@@ -7,6 +7,7 @@
 #include <atomic>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -85,6 +86,7 @@ bool GetHead(const Ring &ring, std::uint64_t position, std::uint64_t end, Head &
 Header *header = nullptr;
 char *ring = nullptr;
 int handle = -1;
+volatile std::sig_atomic_t refused = 0;  // the system refused a touch of the file: memory stands in its place
 
 struct Follower {
     int number;
@@ -135,6 +137,7 @@ void Drop()
     header = nullptr;
     ring = nullptr;
     handle = -1;
+    refused = 0;
 }
 
 void BeginRingInMemory()
@@ -152,15 +155,16 @@ bool FileIsWhole() noexcept
     return handle < 0 || (fstat(handle, &found) == 0 && found.st_size >= static_cast<off_t>(kTraceFileBytes));
 }
 
-// Whether there is a ring to be touched. Where its file was cut a new one begins in memory.
+// Whether there is a ring to be touched. Where its file can't be, a new one begins in memory.
 bool RingStands()
 {
-    if (!header || FileIsWhole())
+    const bool whole = FileIsWhole();
+    if (!header || (whole && refused == 0))
         return header != nullptr;
     Drop();
     BeginRingInMemory();
     if (traceTrouble)
-        traceTrouble("somebody else has cut it short");
+        traceTrouble(whole ? "its disk takes no more of it" : "somebody else has cut it short");
     return header != nullptr;
 }
 
@@ -328,6 +332,8 @@ void Trace(TraceLine line, ByteWay way, std::string_view bytes)
         const std::string_view piece = bytes.substr(from, kLongest);
         head.size = static_cast<std::uint32_t>(piece.size());
         Append(head, piece.data());
+        if (refused != 0 && RingStands())
+            Append(head, piece.data());
         if (!followers.empty())
             TellFollowers(head, piece);
     }
@@ -462,6 +468,17 @@ void AddRecord(TailText &text, std::uint64_t position, const Head &head)
 }
 
 }  // namespace
+
+bool TakeRefusedTouch(const void *address) noexcept
+{
+    const auto *place = static_cast<const char *>(address);
+    const auto *first = reinterpret_cast<const char *>(header);
+    if (!header || refused != 0 || place < first || place >= first + kTraceFileBytes)
+        return false;
+    refused = 1;
+    return mmap(header, kTraceFileBytes, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_FIXED, -1, 0) ==
+           header;
+}
 
 void WriteTraceTail(int tailHandle) noexcept
 {

@@ -35,8 +35,8 @@ struct TraceOpened {
 };
 /// Begins a new ring in a folder. Without a file (no room, no rights, another program has it) it stands in memory alone.
 TraceOpened OpenTrace(const std::string &folder);
-/// Told why, when the ring has to leave its file because somebody else has cut it short: from then on it stands in
-/// memory, empty at first. nullptr: nobody is told.
+/// Told why, when the ring has to leave its file because somebody else has cut it short or its disk takes no more of it:
+/// from then on it stands in memory, empty at first. nullptr: nobody is told.
 void UseTraceTrouble(std::function<void(const std::string &why)> told);
 
 /// The goodbye. What is traced after it goes nowhere.
@@ -56,6 +56,10 @@ std::vector<TraceRecord> ReadTraceBytes(std::string_view file, std::size_t most 
 using TraceFollower = std::function<void(const TraceRecord &record)>;
 int FollowTrace(TraceFollower follower);
 void StopFollowingTrace(int number);
+
+/// For a handler of SIGBUS, which a touch of the ring raises where the system finds no page for it: memory comes into the
+/// place of the file, and the touch may be done again. False when this is no address of the ring.
+bool TakeRefusedTouch(const void *address) noexcept;
 
 /// Writes the last records as text, for a handler of a deadly signal: no memory is asked for, nothing is locked.
 void WriteTraceTail(int handle) noexcept;

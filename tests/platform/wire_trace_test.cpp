@@ -1,5 +1,6 @@
 #include "platform/wire_trace.h"
 
+#include "platform/crash_note.h"
 #include "platform/file_faults.h"
 #include "platform/safe_file.h"
 #include "support/other_process.h"
@@ -12,8 +13,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fcntl.h>
 #include <random>
 #include <string>
+#include <sys/mman.h>
 #include <sys/ptrace.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -66,6 +69,15 @@ struct WireTrace : testing::Test {
 TraceRecord Sent(std::int64_t micros, const std::string &bytes)
 {
     return {micros, TraceLine::Meter, ByteWay::Sent, bytes};
+}
+
+// Where a file is mapped in this process, nullptr where it isn't.
+const char *PlaceOf(const std::string &name)
+{
+    for (const QByteArray &line : QByteArray::fromStdString(ReadFile("/proc/self/maps").value_or("")).split('\n'))
+        if (line.endsWith(QByteArray::fromStdString("/" + name)))
+            return reinterpret_cast<const char *>(line.left(line.indexOf('-')).toULongLong(nullptr, 16));
+    return nullptr;
 }
 
 // What a record says of itself when it is one of a long row: its number, and as many letters as that wants.
@@ -381,6 +393,64 @@ TEST_F(WireTrace, WhoseFileIsCutShortByAnotherGoesOnInMemoryAndSaysSo)
             CloseTrace();
         });
     }
+}
+
+// The system refuses a touch of the ring, as on a full disk whose file system copies what is written.
+TEST_F(WireTrace, WhoseFileRefusesATouchGoesOnInMemoryAndSaysSo)
+{
+    InAnotherProcess([this] {
+        WatchCrashes("refused.crash");
+        OpenTrace(".");
+        UseTraceTrouble([this](const std::string &why) { troubles.push_back(why); });
+        Trace(TraceLine::Meter, ByteWay::Sent, "before");
+        UseTraceClock([this] {
+            QFile::resize(kTraceFile, 0);  // behind the look at its size
+            return now += 1000;
+        });
+        Trace(TraceLine::Meter, ByteWay::Sent, "refused");
+        Trace(TraceLine::Meter, ByteWay::Sent, "more");
+        EXPECT_EQ(LastTraceRecords(9), (std::vector{Sent(now - 1000, "refused"), Sent(now, "more")}));
+        EXPECT_EQ(troubles, std::vector<std::string>{"somebody else has cut it short"});
+        CloseTrace();
+        OpenTrace(".");
+        Trace(TraceLine::Meter, ByteWay::Sent, "anew");
+        EXPECT_EQ(LastTraceRecords(9).size(), 1u);
+    });
+    EXPECT_FALSE(QFile::exists("refused.crash"));
+}
+
+TEST_F(WireTrace, WhoseDiskTakesNoMoreOfItSaysThat)
+{
+    OpenTrace(".");
+    UseTraceTrouble([this](const std::string &why) { troubles.push_back(why); });
+    const char *place = PlaceOf(kTraceFile);
+    ASSERT_NE(place, nullptr);
+    EXPECT_FALSE(TakeRefusedTouch(place - 1));
+    EXPECT_FALSE(TakeRefusedTouch(place + kTraceFileBytes));
+    EXPECT_TRUE(TakeRefusedTouch(place + kTraceFileBytes - 1));
+    EXPECT_EQ(PlaceOf(kTraceFile), nullptr);
+    Trace(TraceLine::Meter, ByteWay::Sent, "behind");
+    EXPECT_EQ(LastTraceRecords(9), std::vector{Sent(now, "behind")});
+    EXPECT_EQ(troubles, std::vector<std::string>{"its disk takes no more of it"});
+    UseTraceTrouble(nullptr);
+}
+
+TEST_F(WireTrace, ARefusedTouchOfAnythingElseIsACrash)
+{
+    const pid_t child = fork();
+    if (child == 0) {
+        WatchCrashes("refused.crash");
+        OpenTrace(".");
+        const int file = open("refused", O_RDWR | O_CREAT, 0600);
+        auto *page = static_cast<volatile char *>(mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED, file, 0));
+        *page = 1;
+        _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGBUS);
+    EXPECT_EQ(ReadFile("refused.crash").value_or("none").substr(0, 14), "Died of SIGBUS");
+    QFile::remove("refused.crash");
 }
 
 TEST_F(WireTrace, OfAProgramThatRunsIsLeftAlone)
