@@ -1,6 +1,7 @@
 #include "testbench/bench.h"
 
 #include "bench_fixture.h"
+#include "platform/wire_trace.h"
 
 namespace ombrix::bench {
 namespace {
@@ -172,6 +173,25 @@ TEST_F(StationOnBench, IsInitialisedWithAnImageThatReadsBack)
         EXPECT_THAT(bench->ProtocolErrors(), testing::IsEmpty());
         CloseLinks();
     }
+}
+
+TEST_F(StationOnBench, IsTracedWithTheMomentOfEachByte)
+{
+    Stands({});
+    InitLinks();
+    Establishes();
+    OpenTrace(".");
+    UseTraceClock([this] { return clock.NowMicros(); });
+    const Micros asked = clock.NowMicros();
+    EXPECT_EQ(ReadNvmWords(109, 1, "Z").size(), 4u);
+    EXPECT_GE(clock.NowMicros(), asked + 500 * kMs) << "what a meter gets to answer";
+    const auto records = LastTraceRecords(SIZE_MAX);
+    CloseTrace();
+    UseTraceClock(nullptr);
+    ASSERT_EQ(records.size(), 6u);
+    const Micros first = asked + 8 * kByteMicros + kMeterThinksMicros + kByteMicros;
+    for (int byte = 0; byte < 5; ++byte)
+        EXPECT_EQ(records[static_cast<std::size_t>(byte) + 1].micros, first + byte * kByteMicros);
 }
 
 }  // namespace
