@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # lint.sh SOURCE BUILD [FOLDER...]: layout of all sources, the arrows and the lengths, clang-tidy over the sources of
-# these folders, src and testbench when none is named. BUILD is configured. Says all it finds.
+# these folders; src, guard and testbench when none is named. BUILD is configured. Says all it finds.
 set -u
 source=$1
 build=$(realpath "$2")
 shift 2
-[ $# -gt 0 ] || set -- src testbench
+[ $# -gt 0 ] || set -- src guard testbench
 cd "$source" || exit 1
 
 for tool in clang-format clang-tidy python3; do
@@ -18,8 +18,7 @@ done
 trouble=0
 echo "lint: layout"
 git ls-files -z --cached --others --exclude-standard -- \
-    {src,testbench,fuzz,tests,benchmarks,packaging}/'*.h' \
-    {src,testbench,fuzz,tests,benchmarks,packaging}/'*.cpp' |
+    {src,guard,testbench,fuzz,tests,benchmarks,packaging}/'*.'{h,c,cpp} |
     xargs -0 clang-format --dry-run -Werror || trouble=1
 
 echo "lint: arrows, lengths and shells"

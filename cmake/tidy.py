@@ -56,7 +56,7 @@ def sources(source, folders):
     """What git has or would take."""
     names = subprocess.run(
         ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard", "--",
-         *(f"{folder}/*.cpp" for folder in folders)],
+         *(f"{folder}/*.{kind}" for folder in folders for kind in ("c", "cpp"))],
         cwd=source, capture_output=True, text=True, check=True).stdout
     return [name for name in sorted(set(names.split("\0"))) if name and (source / name).exists()]
 

@@ -8,7 +8,6 @@
  *   'N'                     there is no line; the one that it held is closed
  *   'G'                     goodbye: the station has said the last words itself
  * The end of the socket without a goodbye is the station's death. */
-#define _GNU_SOURCE
 #include <errno.h>
 #include <fcntl.h>
 #include <poll.h>
