@@ -1,6 +1,7 @@
 // Thermocouple meters, thermometers and counters from the soldering bench to their last step, each page leading to the
 // next one. The bench's truth is the judge, at the end, so a step that spoils what one before it did is found.
 
+#include "journeys/blank_meter.h"
 #include "journeys/process_meters.h"
 #include "model/range_tables.h"
 #include "model/station_settings.h"
@@ -19,43 +20,11 @@ using namespace ombrix::test;
 
 namespace {
 
-constexpr std::uint16_t kErased = 0xFFFF;
-constexpr int kTypeWord = 109;
-constexpr int kRecognitionWord = 40;
 constexpr int kRounds = 3;
 
-struct WholeMeter {
-    int board;
-    int option;  ///< of the dialog that asks for the board; -1 nobody asks
-};
-
-void PrintTo(const WholeMeter &meter, std::ostream *out)
-{
-    *out << BoardName(meter.board);
-}
-
-class FromBlank : public testing::TestWithParam<WholeMeter>
+class FromBlank : public testing::TestWithParam<BlankMeter>
 {
 };
-
-// As it comes from the soldering bench. A counter keeps its type, and the character that its frames begin with.
-void Erases(BenchStation &station, int board)
-{
-    for (int word = 0; word <= 56; ++word)
-        if (board != kVf || word != kRecognitionWord)
-            station.bench.SetWord(word, kErased);
-    if (board != kVf)
-        station.bench.SetWord(kTypeWord, kErased);
-}
-
-void EstablishesAndNamesTheBoard(BenchStation &station, int option)
-{
-    station.person.Clicks("cmdEstablish");
-    if (option >= 0)
-        station.person.Clicks("optSC(" + std::to_string(option) + ")").Clicks("OKButton");
-    station.person.WaitsUntil("the steps are free", NavigationIsFree);
-    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
-}
 
 void CalibratesTheRange(BenchStation &station)
 {
@@ -146,11 +115,10 @@ double PromisedError(const std::string &title)
 
 TEST_P(FromBlank, EveryStepLeadsToTheNextOneAndNoneSpoilsAnother)
 {
-    const auto &[board, option] = GetParam();
+    const int board = GetParam().board;
     BenchStation station(WiringOf(board, Route::Direct, 6));
-    Erases(station, board);
-    ASSERT_NO_FATAL_FAILURE(EstablishesAndNamesTheBoard(station, option));
-    ASSERT_EQ(SCType, board);
+    Erase(station, board);
+    ASSERT_NO_FATAL_FAILURE(EstablishesAndNamesTheBoard(station, GetParam()));
     VFLow = VFHigh = "3";
     station.person.Clicks(StepButton(0)).WaitsFor("cmdInitStartRetry");
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
@@ -169,8 +137,8 @@ TEST_P(FromBlank, EveryStepLeadsToTheNextOneAndNoneSpoilsAnother)
 }
 
 INSTANTIATE_TEST_SUITE_P(OfABoard, FromBlank,
-                         testing::Values(WholeMeter{kTc, 3}, WholeMeter{kTemp, 6}, WholeMeter{kRtd, 7},
-                                         WholeMeter{kVf, -1}),
+                         testing::Values(BlankMeter{kTc, 3}, BlankMeter{kTemp, 6}, BlankMeter{kRtd, 7},
+                                         BlankMeter{kVf, -1}),
                          [](const auto &info) { return BoardName(info.param.board); });
 
 TEST(OffsetOnly, BringsADiodeThatIsTrimmedToTheTypedTargetAndLeavesTheGainAlone)

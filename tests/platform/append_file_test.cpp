@@ -1,5 +1,6 @@
 #include "platform/append_file.h"
 #include "platform/safe_file.h"
+#include "support/other_process.h"
 
 #include <gtest/gtest.h>
 
@@ -7,9 +8,7 @@
 #include <QFile>
 
 #include <cerrno>
-#include <csignal>
 #include <string>
-#include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace ombrix;
@@ -21,30 +20,6 @@ struct AppendFileTest : testing::Test {
     ~AppendFileTest() override { UseFileFaults(nullptr); }
     static std::string Bytes() { return ReadFile("a.txt").value_or("none"); }
     AppendFile file;
-};
-
-// No file may grow beyond so many bytes: as on a full disk the system then takes a part.
-class SmallDisk
-{
-public:
-    explicit SmallDisk(rlim_t bytes)
-    {
-        getrlimit(RLIMIT_FSIZE, &m_before);
-        m_signal = std::signal(SIGXFSZ, SIG_IGN);
-        const rlimit small{bytes, m_before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk()
-    {
-        setrlimit(RLIMIT_FSIZE, &m_before);
-        std::signal(SIGXFSZ, m_signal);
-    }
-    SmallDisk(const SmallDisk &) = delete;
-    SmallDisk &operator=(const SmallDisk &) = delete;
-
-private:
-    rlimit m_before{};
-    void (*m_signal)(int) = SIG_DFL;
 };
 
 }  // namespace
@@ -125,13 +100,15 @@ TEST_F(AppendFileTest, KnowsWhenItsPathNamesItNoMore)
 
 TEST_F(AppendFileTest, SaysNoWhenOnlyAPartWasTaken)
 {
-    ASSERT_TRUE(file.Open("a.txt"));
-    const SmallDisk disk(10);
-    EXPECT_TRUE(file.Append("1234567"));
-    EXPECT_FALSE(file.Append("89ABCDE"));
-    EXPECT_EQ(Bytes(), "123456789A");
-    EXPECT_FALSE(file.Append("x"));
-    EXPECT_EQ(Bytes(), "123456789A");
+    test::InAnotherProcess([this] {
+        ASSERT_TRUE(file.Open("a.txt"));
+        test::FilesEndAt(10);
+        EXPECT_TRUE(file.Append("1234567"));
+        EXPECT_FALSE(file.Append("89ABCDE"));
+        EXPECT_EQ(Bytes(), "123456789A");
+        EXPECT_FALSE(file.Append("x"));
+        EXPECT_EQ(Bytes(), "123456789A");
+    });
 }
 
 TEST_F(AppendFileTest, AFolderIsMadeInOneThatIsThere)
