@@ -14,6 +14,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <string_view>
+#include <vector>
 
 using namespace ombrix;
 using namespace ombrix::fuzz;
@@ -37,11 +39,30 @@ void RequireOneMeaning(const std::string &line)
     }
 }
 
+// A whole line of what was said, to the line end that follows. It begins behind the one before, or where a reply begins:
+// a piece without an end, followed by silence, is dropped.
+bool IsLineOf(const std::vector<std::string> &replies, const std::string &line)
+{
+    constexpr std::string_view kEnd = "\r\n";
+    std::string said;
+    std::vector<std::size_t> begins;
+    for (const std::string &reply : replies) {
+        begins.push_back(said.size());
+        said += reply;
+    }
+    for (std::size_t end = said.find(kEnd); end != std::string::npos; end = said.find(kEnd, end + 1))
+        begins.push_back(end + kEnd.size());
+    return std::any_of(begins.begin(), begins.end(), [&](std::size_t begin) {
+        const std::size_t end = said.find(kEnd, begin);
+        return end != std::string::npos && Trim(said.substr(begin, end - begin)) == line;
+    });
+}
+
 // Any bytes at any time: an answer has the form of its question and was said as a line.
 void AskAmongNoise(Case &input)
 {
     Instruments instruments;
-    std::string said;
+    std::vector<std::string> said;
     std::int64_t lastSaid = 0;
     instruments.calibrator.onWrite = [&](const std::string &) {
         const int seed = input.Byte();
@@ -50,7 +71,7 @@ void AskAmongNoise(Case &input)
         const auto pieces = Pieces(bytes, seed);
         const std::int64_t begin = std::max(wanted, lastSaid + 1);  // behind what it said before
         lastSaid = begin + static_cast<std::int64_t>(pieces.size());
-        said += bytes;
+        said.push_back(bytes);
         SayInPieces(instruments.calibrator, pieces, static_cast<int>(begin - instruments.clock.Elapsed()), 1);
     };
     for (int asked = 0; asked < 12 && !input.IsOver(); ++asked) {
@@ -59,7 +80,7 @@ void AskAmongNoise(Case &input)
         if (answer.line.empty())
             continue;
         Require(IsAnswer(question, answer.line), "an answer has the form of its question");
-        Require(Holds(said, answer.line), "an answer was said");
+        Require(IsLineOf(said, answer.line), "an answer was said, as a line");
         Require(!answer.silent, "who answers isn't silent");
     }
 }

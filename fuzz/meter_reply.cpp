@@ -67,7 +67,7 @@ std::string ItemsOf(const std::string &reply, std::size_t digits)
     return right ? hex : "";
 }
 
-void RequireReading(const Outcome &outcome)
+void RequireReading(const Outcome &outcome, const std::string &reply)
 {
     if (outcome.text.empty())
         return;
@@ -77,6 +77,8 @@ void RequireReading(const Outcome &outcome)
                 outcome.text.find_last_of("+-") + 1 <= 1,
             "a reading is a number with one point");
     Require(std::isfinite(Val(outcome.text)), "a reading is a number that can be reckoned with");
+    const std::size_t end = reply.find('\r');
+    Require(end != std::string::npos && outcome.text == Trim(reply.substr(0, end)), "a reading is the meter's line");
 }
 
 std::vector<std::string> RepliesOf(const std::string &text)
@@ -104,7 +106,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *bytes, std::size_t siz
     const std::size_t itemDigits = what == Reads::Words ? 4 : 2;
     const std::size_t digits = static_cast<std::size_t>(question.count) * itemDigits;
     if (what == Reads::Display)
-        RequireReading(whole);
+        RequireReading(whole, replies[0]);
     else
         Require(whole.text.empty() || (whole.text.size() == digits && IsHexText(whole.text)),
                 "what is read are so many items or none");

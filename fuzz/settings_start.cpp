@@ -6,21 +6,16 @@
 
 #include "fuzz/support/case.h"
 #include "fuzz/support/folder.h"
-#include "model/analog_words.h"
-#include "model/ini_store.h"
 #include "model/kept_config.h"
-#include "model/nominals.h"
-#include "model/range_tables.h"
 #include "model/settings.h"
-#include "model/station_settings.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
 #include "session/outlets.h"
 #include "session/state.h"
 #include "support/fresh_settings.h"
+#include "support/usable_settings.h"
 
 #include <algorithm>
-#include <cmath>
 #include <unistd.h>
 
 using namespace ombrix;
@@ -43,19 +38,8 @@ void Start()
 
 void RequireUsable()
 {
-    Require(CalPort >= 0 && CalPort <= 2 && MeterPort >= 0 && MeterPort <= 2 && CalPort != MeterPort,
-            "the wiring is one that there is");
-    for (int board = 0; board < kBoards; ++board)
-        for (int word = 25; word <= 50; ++word) {
-            const std::string nominal = NominalWordOf(board, word);
-            Require(nominal.size() == (board == kVf ? 12u : 4u), "a nominal word has its length");
-            const auto slope = static_cast<double>(NominalSlopeOf(board, word));
-            Require(std::isfinite(slope) && slope >= 0, "a slope can be reckoned with");
-        }
-    for (const std::string &word : StoredAnalogWords)
-        Require(word.size() == 4 && IsHexText(word), "a word of the analog output is a word");
-    Require(RestConfigImage.empty() || (RestConfigImage.size() == kConfigDigits && IsHexText(RestConfigImage)),
-            "a kept configuration is whole or none");
+    const std::string broken = test::UnusableSetting();
+    Require(broken.empty(), broken);
 }
 
 // Files of a case: "@NAME" on a line of its own begins each.
