@@ -3,7 +3,7 @@
 #
 # Position-independent: each run lies elsewhere in memory. The stack is guarded, calls of the C library know the size of
 # what they fill, an index outside a container ends the program, and the table of functions is read-only once it has
-# started. tests/real/hardening_test.cpp reads from the programs that it is so.
+# started. tests/hardening/hardening_test.cpp reads from the programs that it is so, also from those of the package.
 
 if(NOT CMAKE_SYSTEM_NAME STREQUAL Linux OR OMBRIX_SANITIZE OR OMBRIX_FUZZ OR OMBRIX_COVERAGE)
   return()

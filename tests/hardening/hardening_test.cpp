@@ -1,5 +1,7 @@
 // The programs as they lie on the disk: hardened, each of them. And that what is built this way ends where it would
 // otherwise go on with what isn't its own. Not part of a build with address checks, nor of one that counts lines.
+//
+// They are those of the build, or those in the folder that OMBRIX_PROGRAMS names.
 
 #include "platform/line_guard.h"
 #include "platform/safe_file.h"
@@ -17,6 +19,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <elf.h>
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string>
@@ -40,6 +43,12 @@ const Program kPrograms[] = {
     {"Testbench", OMBRIX_TESTBENCH, false},
 };
 
+std::string PathOf(const Program &program)
+{
+    const char *folder = std::getenv("OMBRIX_PROGRAMS");
+    return folder ? std::filesystem::path(folder) / std::filesystem::path(program.path).filename() : program.path;
+}
+
 void PrintTo(const Program &program, std::ostream *out)
 {
     *out << program.name;
@@ -49,7 +58,7 @@ void PrintTo(const Program &program, std::ostream *out)
 class Image
 {
 public:
-    explicit Image(const char *path) : m_bytes(ReadFile(path).value_or(""))
+    explicit Image(const std::string &path) : m_bytes(ReadFile(path).value_or(""))
     {
         if (m_bytes.size() < sizeof(Elf64_Ehdr) || m_bytes.compare(0, SELFMAG, ELFMAG) != 0 ||
             m_bytes[EI_CLASS] != ELFCLASS64)
@@ -112,8 +121,8 @@ private:
 class Hardened : public testing::TestWithParam<Program>
 {
 protected:
-    Hardened() : image(GetParam().path) {}
-    void SetUp() override { ASSERT_TRUE(image.Stands()) << GetParam().path; }
+    Hardened() : image(PathOf(GetParam())) {}
+    void SetUp() override { ASSERT_TRUE(image.Stands()) << PathOf(GetParam()); }
 
     const Image image;
 };
