@@ -53,6 +53,24 @@ long SleepsOf(pid_t pid)
     return sum;
 }
 
+double SleepsASecondOf(pid_t pid, int seconds)
+{
+    const long before = SleepsOf(pid);
+    std::this_thread::sleep_for(std::chrono::seconds(seconds));
+    return static_cast<double>(SleepsOf(pid) - before) / seconds;
+}
+
+pid_t ChildOf(pid_t parent, const std::string &name)
+{
+    std::ifstream children("/proc/" + std::to_string(parent) + "/task/" + std::to_string(parent) + "/children");
+    for (pid_t child = 0; children >> child;) {
+        std::ifstream comm("/proc/" + std::to_string(child) + "/comm");
+        if (std::string is; std::getline(comm, is) && is == name)
+            return child;
+    }
+    throw std::runtime_error("no " + name + " was started");
+}
+
 Program::Program(const std::vector<std::string> &command, const std::string &folder,
                  const std::vector<std::string> &variables)
 {
@@ -89,21 +107,12 @@ double Program::ResidentMiB() const
 
 double Program::ResidentMiBOfChild(const std::string &name) const
 {
-    std::ifstream children("/proc/" + std::to_string(m_pid) + "/task/" + std::to_string(m_pid) + "/children");
-    for (pid_t child = 0; children >> child;) {
-        const std::string folder = "/proc/" + std::to_string(child);
-        std::ifstream comm(folder + "/comm");
-        if (std::string is; std::getline(comm, is) && is == name)
-            return static_cast<double>(StatusNumber(folder + "/status", "VmRSS")) / 1024;
-    }
-    return 0;
+    return ResidentMiBOf(ChildOf(m_pid, name));
 }
 
 double Program::SleepsASecond(int seconds) const
 {
-    const long before = SleepsOf(m_pid);
-    std::this_thread::sleep_for(std::chrono::seconds(seconds));
-    return static_cast<double>(SleepsOf(m_pid) - before) / seconds;
+    return SleepsASecondOf(m_pid, seconds);
 }
 
 }  // namespace ombrix::benchmarks

@@ -12,6 +12,10 @@ namespace ombrix::benchmarks {
 double ResidentMiBOf(pid_t pid);
 /// How often the threads of a process went to sleep by themselves so far.
 long SleepsOf(pid_t pid);
+/// The same a second, over the next `seconds`.
+double SleepsASecondOf(pid_t pid, int seconds);
+/// A child of this name.
+pid_t ChildOf(pid_t parent, const std::string &name);
 
 class Program
 {
@@ -27,7 +31,7 @@ public:
     std::chrono::steady_clock::time_point Started() const { return m_started; }
     /// VmRSS in MiB.
     double ResidentMiB() const;
-    /// VmRSS in MiB of its child of this name, 0 when it has none.
+    /// VmRSS in MiB of its child of this name.
     double ResidentMiBOfChild(const std::string &name) const;
     /// Sleeps a second over the next `seconds`.
     double SleepsASecond(int seconds) const;
