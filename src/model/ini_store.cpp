@@ -30,6 +30,7 @@ std::vector<IniPair> keys;
 std::string iniPath;
 std::string obstacle;  // why nothing is saved, "" when the file is usable
 FolderHold folderHold;
+bool folderIsHeld = false;
 bool toldSections = false;
 bool toldKeys = false;
 
@@ -193,10 +194,11 @@ void LoadIni(const std::string &path)
     iniPath = path;
     const std::optional<std::string> bytes = ReadFile(path);
     const bool understood = ReadText(bytes.value_or(""));
+    folderIsHeld = folderHold.TakeFolderOf(path);
     obstacle.clear();
     if (!bytes && StateOfFile(path) != FileState::Missing)
         obstacle = path + " can't be read.";
-    else if (!folderHold.TakeFolderOf(path))
+    else if (!folderIsHeld)
         obstacle = path + " is in use by another station" + InBrackets(folderHold.Holder()) + ".";
     else if (!understood && !KeptBeside(path, *bytes))
         obstacle = path + " holds no settings, and " + path + ".old can't be written.";
@@ -217,7 +219,13 @@ void SaveIni()
 void ReleaseIni()
 {
     folderHold.Release();
+    folderIsHeld = false;
     obstacle = "released";
+}
+
+bool IniFolderIsHeld()
+{
+    return folderIsHeld;
 }
 
 std::string IniObstacle()

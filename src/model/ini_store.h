@@ -21,6 +21,8 @@ void LoadIni(const std::string &path = "Ombrix.ini");
 void SaveIni();
 /// Lets the folder go for another program. Nothing is saved any more until the next LoadIni.
 void ReleaseIni();
+/// Whether this program has the folder of the settings for itself. False when another one may work there.
+bool IniFolderIsHeld();
 /// Why nothing is saved in this session, whatever changes; "" when the file is usable.
 std::string IniObstacle();
 /// What follows from an obstacle.

@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -85,6 +86,23 @@ bool AppendFile::Append(std::string_view bytes) const
     if (count == 0 && !bytes.empty())
         return false;
     return write(m_handle, bytes.data(), count) == static_cast<ssize_t>(bytes.size());
+}
+
+bool AppendFile::Lock() const
+{
+    constexpr int kTries = 100;
+    constexpr int kPauseMicros = 100;  // an append takes less
+    for (int left = kTries; left > 0; --left) {
+        if (flock(m_handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
+            return m_handle >= 0;
+        usleep(kPauseMicros);
+    }
+    return false;
+}
+
+void AppendFile::Unlock() const
+{
+    flock(m_handle, LOCK_UN);
 }
 
 }  // namespace ombrix

@@ -41,6 +41,11 @@ public:
     /// One write at the end of the file. False unless all of it was taken; a part may then stand there.
     bool Append(std::string_view bytes) const;
 
+    /// Keeps out other programs that ask, until Unlock. False when one of them has it for longer than some milliseconds;
+    /// true as well where the system can't lock.
+    bool Lock() const;
+    void Unlock() const;
+
 private:
     bool OpenWith(const std::string &path, int flags);
 

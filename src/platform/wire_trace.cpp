@@ -31,7 +31,7 @@ struct Header {
     std::uint64_t capacity;  // of the ring behind it
     std::uint64_t oldest;    // the oldest whole record
     std::uint64_t next;      // where the next one comes
-    std::uint64_t goodbye;
+    std::uint64_t goodbye;   // when it was said, in microseconds since 1970
 };
 constexpr std::size_t kCapacity = kTraceFileBytes - sizeof(Header);
 
@@ -211,13 +211,18 @@ std::string Words()
     return std::strerror(errno);
 }
 
+// What a trace begins with; false for what is none.
+bool ReadHeader(int file, Header &found)
+{
+    return pread(file, &found, sizeof found, 0) == sizeof found &&
+           std::string_view(found.magic.data(), found.magic.size()) == kMagic;
+}
+
 // Its records are worth keeping: it ended without goodbye and holds some.
 bool IsOfABrokenRun(int file)
 {
     Header found{};
-    return pread(file, &found, sizeof found, 0) == sizeof found &&
-           std::string_view(found.magic.data(), found.magic.size()) == kMagic && found.goodbye == 0 &&
-           found.next > found.oldest;
+    return ReadHeader(file, found) && found.goodbye == 0 && found.next > found.oldest;
 }
 
 // Puts the file of the run before out of the way. False, with the system's words, when that can't be done.
@@ -319,8 +324,18 @@ TraceOpened OpenTrace(const std::string &folder)
 void CloseTrace()
 {
     if (header && FileIsWhole())
-        SetPosition(header->goodbye, 1);
+        SetPosition(header->goodbye, static_cast<std::uint64_t>(std::max<std::int64_t>(TraceMicros(), 1)));
     Drop();
+}
+
+std::int64_t GoodbyeOfTrace(const std::string &folder)
+{
+    const int file = open((folder + "/" + kTraceFile).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    Header found{};
+    const bool is = file >= 0 && ReadHeader(file, found);
+    if (file >= 0)
+        close(file);
+    return is ? static_cast<std::int64_t>(found.goodbye) : 0;
 }
 
 void Trace(TraceLine line, ByteWay way, std::string_view bytes)

@@ -41,6 +41,9 @@ void UseTraceTrouble(std::function<void(const std::string &why)> told);
 
 /// The goodbye. What is traced after it goes nowhere.
 void CloseTrace();
+/// When the run whose trace lies in a folder said it, in microseconds since 1970; 0 for one that didn't, and without a
+/// trace. To be asked before OpenTrace puts the file out of the way.
+std::int64_t GoodbyeOfTrace(const std::string &folder);
 
 /// What the line took or gave, or words about it. Does nothing while no trace is open.
 void Trace(TraceLine line, ByteWay way, std::string_view bytes);

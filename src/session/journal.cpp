@@ -48,10 +48,10 @@ struct Journal {
     std::string station;
     std::string version;
 
-    std::string path;         // of the file being written, "" when there is none
-    bool insideLine = false;  // it ends in a broken line
+    std::string path;                 // of the file being written, "" when there is none
+    std::optional<std::int64_t> end;  // its size as it was left; nothing: nobody has looked yet
+    bool insideLine = false;          // it ends in a broken line
 
-    bool joined = false;   // where the folder's journal ends is known
     std::int64_t seq = 0;  // of the last line
     std::string lastHash;  // the last line's
     bool goodbye = true;   // of the run before
@@ -99,6 +99,13 @@ std::string UtcNow()
     return text.data();
 }
 
+// The other way round; the end of all times for what tells no moment.
+std::int64_t MomentOf(const std::string &utc)
+{
+    const QDateTime moment = QDateTime::fromString(QString::fromStdString(utc), Qt::ISODateWithMs);
+    return moment.isValid() ? moment.toMSecsSinceEpoch() : kLastMoment;
+}
+
 // ---- the file ----
 
 // Goes on behind an event of the file, unless more has been written since.
@@ -110,33 +117,43 @@ void JoinAt(const std::optional<JournalEvent> &last)
     journal.lastHash = last->hash;
 }
 
-// Opens the month's file unless it is open and still in its place, and looks at how it ends.
-bool ReadyFile(const std::string &path, std::optional<JournalEvent> &last)
+// Opens the month's file unless it is open and still in its place.
+bool OpenFile(const std::string &path)
 {
     if (path == journal.path && file.IsInPlace())
         return true;
     journal.path.clear();
+    journal.end.reset();
     if (!MakeFolder(JournalFolder(journal.folder)) || !file.Open(path))
         return false;
+    journal.path = path;
+    return true;
+}
+
+// Looks at how the file ends, unless it ends as it was left. A file that was opened anew may not be the last of all.
+bool FindEnd(std::optional<JournalEvent> &last)
+{
+    if (journal.end == file.Size())
+        return true;
     auto tail = ReadJournalTail(file);
     if (!tail)
         return false;
-    if (!journal.joined)
+    if (!journal.end)
         JoinAt(LastJournalEvent(journal.folder));
     JoinAt(tail->last);
-    journal.joined = true;
+    journal.end = tail->size;
     journal.insideLine = tail->insideLine;
-    journal.path = path;
     last = std::move(tail->last);
     return true;
 }
 
-// Puts an event on file and completes it with what its line says. False: it is not there, or not whole.
-bool Write(Waiting &waiting)
+// Puts an event at the end of the file, which is locked, and completes it with what its line says. False: it is not
+// there, or not whole.
+bool WriteAtEnd(Waiting &waiting)
 {
     JournalEvent &event = waiting.event;
     std::optional<JournalEvent> last;
-    if (!ReadyFile(JournalFolder(journal.folder) + "/" + JournalMonth(event.utc), last))
+    if (!FindEnd(last))
         return false;
     if (last && last->id == event.id) {  // the try before left all but the line end
         event.seq = last->seq;
@@ -147,15 +164,28 @@ bool Write(Waiting &waiting)
     event.seq = journal.seq + 1;
     event.prev = journal.lastHash;
     const std::string line = JournalLine(event.seq, waiting.content, event.prev);
-    if (!file.Append((journal.insideLine ? "\n" : "") + line + "\n")) {
+    const std::string bytes = (journal.insideLine ? "\n" : "") + line + "\n";
+    if (!file.Append(bytes)) {
         journal.path.clear();  // what stands there now, the next try finds out
         return false;
     }
     event.hash = HashOfLine(line);
+    *journal.end += static_cast<std::int64_t>(bytes.size());
     journal.insideLine = false;
     journal.seq = event.seq;
     journal.lastHash = event.hash;
     return true;
+}
+
+// The same in the file of the event's month, while no other program looks for its end.
+bool Write(Waiting &waiting)
+{
+    if (!OpenFile(JournalFolder(journal.folder) + "/" + JournalMonth(waiting.event.utc)) || !file.Lock())
+        return false;
+    struct Unlocking {
+        ~Unlocking() { file.Unlock(); }
+    } const unlocking;
+    return WriteAtEnd(waiting);
 }
 
 // ---- what waits ----
@@ -246,7 +276,8 @@ void ShowWhetherBehind()
 
 }  // namespace
 
-void OpenJournal(const std::string &folder, const std::string &station, const std::string &version)
+void OpenJournal(const std::string &folder, const std::string &station, const std::string &version,
+                 const RunBefore &before)
 {
     if (!inUse)
         return;
@@ -260,8 +291,7 @@ void OpenJournal(const std::string &folder, const std::string &station, const st
 
     const auto last = LastJournalEvent(journal.folder);
     JoinAt(last);
-    journal.joined = last.has_value();
-    journal.goodbye = !last || last->kind == kEnd;
+    journal.goodbye = !last || last->kind == kEnd || !before.isOver || before.goodbyeMs >= MomentOf(last->utc);
     Record("start", {{"folder", journal.folder}, {"pid", getpid()}});
     if (!journal.goodbye)
         Record("no goodbye", {{"seq", last->seq}, {"utc", last->utc}, {"kind", last->kind}});

@@ -2,7 +2,8 @@
 //
 // An event is on file when its procedure returns, or it waits in memory until the file can be written again; then the
 // status line says "not recorded". Recording never waits for the disk, asks nobody and throws nothing, so what is
-// calibrated is the same with it and without it. A journal belongs to one program at a time.
+// calibrated is the same with it and without it. Where two programs work in one folder each goes on behind what the other
+// wrote.
 //
 // Kinds that the journal itself records: "start" (folder, pid), "no goodbye" (seq, utc and kind of the last event of a
 // run that did not end cleanly), "end", "visit" and "lost" (count, first, last: events that found no room in memory).
@@ -21,10 +22,17 @@ namespace ombrix {
 /// What waits in memory while the file can't be written holds no more than this, in bytes of its lines.
 constexpr std::size_t kJournalMemory = std::size_t{4} << 20;
 
+/// What a program that opens a journal knows of the run before from elsewhere.
+struct RunBefore {
+    bool isOver = true;          ///< false: another program may work in the folder, and its run goes on
+    std::int64_t goodbyeMs = 0;  ///< when a run here said goodbye last, since 1970; 0: nobody knows
+};
 /// Program start: goes on where the journal of this folder ends, and records the start. One that is still open is left
 /// as it stands, without its end.
-void OpenJournal(const std::string &folder, const std::string &station, const std::string &version);
-/// Whether the run before the last OpenJournal ended in another way than by CloseJournal. False where it can't be known.
+void OpenJournal(const std::string &folder, const std::string &station, const std::string &version,
+                 const RunBefore &before = {});
+/// Whether the run before the last OpenJournal ended in another way than by CloseJournal, or by one that could not be
+/// recorded and was not known from elsewhere. False where it can't be known.
 bool LastRunEndedWithoutGoodbye();
 /// Program end: records it and closes the journal. Returns how many events could not be recorded and are gone now.
 std::size_t CloseJournal();

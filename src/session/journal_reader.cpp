@@ -139,10 +139,11 @@ std::optional<std::size_t> ChainTrouble(const std::vector<JournalEvent> &events)
 
 std::optional<JournalTail> ReadJournalTail(const AppendFile &file)
 {
-    JournalTail tail;
     const std::int64_t size = file.Size();
     if (size < 0)
         return std::nullopt;
+    JournalTail tail;
+    tail.size = size;
     std::string text;  // from `place` up to the lines that were looked at
     for (std::int64_t place = size; place > 0 && !tail.last;) {
         const auto count = static_cast<std::size_t>(std::min<std::int64_t>(NextPiece(text.size()), place));

@@ -33,6 +33,7 @@ std::optional<std::size_t> ChainTrouble(const std::vector<JournalEvent> &events)
 struct JournalTail {
     std::optional<JournalEvent> last;  ///< the last whole event, nothing when there is none
     bool insideLine = false;           ///< the last line has no line end
+    std::int64_t size = 0;             ///< of the file, in bytes
 };
 
 /// The end of an open file, read from its end backward; nothing when it can't be read.

@@ -7,6 +7,7 @@
 #include "platform/clock.h"
 #include "platform/fault.h"
 #include "platform/line_guard.h"
+#include "platform/wire_trace.h"
 #include "procedures/analog_page.h"
 #include "procedures/first_cycle_page.h"
 #include "procedures/init_page.h"
@@ -69,7 +70,8 @@ void BeginJournal()
     FollowSteps(ShowStepMarks);
     OpenJournal(
         ".", QSysInfo::machineHostName().toStdString(),
-        VersionText(OMBRIX_VERSION_MAJOR, OMBRIX_VERSION_MINOR, OMBRIX_VERSION_REVISION).trimmed().toStdString());
+        VersionText(OMBRIX_VERSION_MAJOR, OMBRIX_VERSION_MINOR, OMBRIX_VERSION_REVISION).trimmed().toStdString(),
+        {IniFolderIsHeld(), GoodbyeOfTrace(".") / 1000});
     if (LastRunEndedWithoutGoodbye())
         ShowRemark("The last run ended without goodbye");
 }

@@ -24,6 +24,22 @@ struct AppendFileTest : testing::Test {
 
 }  // namespace
 
+TEST_F(AppendFileTest, IsLockedForOneAtATime)
+{
+    ASSERT_TRUE(file.Open("a.txt"));
+    AppendFile other;
+    EXPECT_FALSE(other.Lock()) << "not open";
+    ASSERT_TRUE(other.Open("a.txt"));
+    EXPECT_TRUE(file.Lock());
+    EXPECT_TRUE(file.Lock()) << "it has it already";
+    EXPECT_FALSE(other.Lock());
+    file.Unlock();
+    EXPECT_TRUE(other.Lock());
+    EXPECT_FALSE(file.Lock());
+    other.Close();
+    EXPECT_TRUE(file.Lock()) << "it goes with its file";
+}
+
 TEST_F(AppendFileTest, IsMadeAndGrowsAtItsEnd)
 {
     ASSERT_TRUE(file.Open("a.txt"));

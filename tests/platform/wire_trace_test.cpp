@@ -168,6 +168,20 @@ TEST_F(WireTrace, OfARunWithoutGoodbyeIsKeptBesideTheNewOne)
     EXPECT_EQ(ReadTraceBytes(Bytes(kOldTraceFile)).back().bytes, "last words");
 }
 
+TEST_F(WireTrace, TellsWhenItsRunSaidGoodbye)
+{
+    EXPECT_EQ(GoodbyeOfTrace("."), 0) << "there is none";
+    AnotherIsKilled({"last words"});
+    EXPECT_EQ(GoodbyeOfTrace("."), 0);
+    OpenTrace(".");
+    EXPECT_EQ(GoodbyeOfTrace("."), 0) << "it goes on";
+    now = 1'795'311'540'000'000;
+    CloseTrace();
+    EXPECT_EQ(GoodbyeOfTrace("."), 1'795'311'540'001'000);
+    ASSERT_EQ(WriteFile(kTraceFile, std::string(100, 'x')), "");
+    EXPECT_EQ(GoodbyeOfTrace("."), 0) << "no trace at all";
+}
+
 TEST_F(WireTrace, OfARunThatSaidNothingKeepsNothing)
 {
     AnotherIsKilled({});

@@ -1,8 +1,10 @@
 #include "journal_fixture.h"
 
 #include "platform/fault.h"
+#include "support/other_process.h"
 
 #include <csignal>
+#include <map>
 #include <stdexcept>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -246,6 +248,90 @@ TEST_F(Journal, GoesOnBehindAMonthThatHoldsNothingWhole)
     for (const QByteArray &line : Lines("2026-12"))
         lines.push_back(line);
     EXPECT_EQ(Kinds(lines), "start end start ");
+    ExpectChain(lines);
+}
+
+TEST_F(Journal, AGoodbyeThatIsKnownFromElsewhereCountsWhenItCameLast)
+{
+    const std::int64_t begun = now;
+    Open();
+    now += 1000;
+    Record("round", {});
+    const auto opens = [](std::int64_t goodbyeMs) {
+        OpenJournal("station", "Bench 7", "1.2.3", {true, goodbyeMs});
+        return !LastRunEndedWithoutGoodbye();
+    };
+    EXPECT_FALSE(opens(0));
+    now += 1000;
+    Record("round", {});
+    EXPECT_FALSE(opens(begun)) << "of an earlier run";
+    now += 1000;
+    Record("round", {});
+    EXPECT_TRUE(opens(now));
+    EXPECT_EQ(Kinds(kNovember), "start round start no goodbye round start no goodbye round start ");
+}
+
+// ---- another program in the folder ----
+
+TEST_F(Journal, EachOfTwoProgramsGoesOnBehindTheOther)
+{
+    Open();
+    Record("a", {});
+    InAnotherProcess([] {
+        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        EXPECT_FALSE(LastRunEndedWithoutGoodbye()) << "the run of the other goes on";
+        Record("b", {});
+    });
+    Record("c", {});
+    Record("d", {});
+    InAnotherProcess([] {
+        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        CloseJournal();
+    });
+    Record("e", {});
+    EXPECT_EQ(Kinds(kNovember), "start a start b c d start end e ");
+    ExpectChain(Lines(kNovember));
+}
+
+TEST_F(Journal, AMonthThatIsNewJoinsWhatTheOtherWroteIntoTheOldOne)
+{
+    Open();
+    InAnotherProcess([] {
+        Open();
+        Record("b", {});
+    });
+    now = Moment("2026-12-01T00:00:00.000Z");
+    Record("new", {});
+    auto lines = Lines(kNovember);
+    for (const QByteArray &line : Lines("2026-12"))
+        lines.push_back(line);
+    EXPECT_EQ(Kinds(lines), "start start no goodbye b new ");
+    ExpectChain(lines);
+}
+
+TEST_F(Journal, OfTwoProgramsThatRecordAtOnceNoneTakesTheOthersNumber)
+{
+    constexpr int kEach = 2000;
+    Open();
+    const auto records = [] {
+        for (int number = 0; number < kEach; ++number)
+            Record("event", {{"number", number}});
+        while (JournalIsBehind())
+            Record("more", {});
+    };
+    const pid_t child = fork();
+    if (child == 0) {
+        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        records();
+        _exit(0);
+    }
+    records();
+    waitpid(child, nullptr, 0);
+    const auto lines = Lines(kNovember);
+    std::map<std::string, int> times;
+    for (const QByteArray &line : lines)
+        ++times[Json(line)["kind"].toString().toStdString()];
+    EXPECT_EQ(times["event"], 2 * kEach);
     ExpectChain(lines);
 }
 

@@ -198,6 +198,22 @@ TEST_F(JournalTrouble, WhatCannotBeRecordedAtTheEndIsCounted)
     EXPECT_EQ(remarks.back(), "") << "a new run is not behind";
 }
 
+TEST_F(JournalTrouble, AnEventWaitsForAnotherProgramThatStandsStillInItsOwn)
+{
+    Open();
+    AppendFile other;
+    ASSERT_TRUE(other.Open(Path(kNovember)));
+    ASSERT_TRUE(other.Lock());
+    Record("one", {});
+    EXPECT_TRUE(JournalIsBehind());
+    EXPECT_EQ(Kinds(kNovember), "start ");
+    other.Unlock();
+    Record("two", {});
+    EXPECT_FALSE(JournalIsBehind());
+    EXPECT_EQ(Kinds(kNovember), "start one two ");
+    ExpectChain(Lines(kNovember));
+}
+
 TEST_F(JournalTrouble, AFolderThatGoesAndComesBackGetsWhatWasMissed)
 {
     Open();
