@@ -29,6 +29,7 @@ std::vector<IniPair> keys;
 
 std::string iniPath;
 std::string obstacle;  // why nothing is saved, "" when the file is usable
+std::string loss;      // what this run begins without, "" when the file was understood
 FolderHold folderHold;
 bool folderIsHeld = false;
 bool toldSections = false;
@@ -169,7 +170,7 @@ bool KeptBeside(const std::string &path, const std::string &bytes)
 {
     if (!WriteFile(path + ".old", bytes).empty())
         return false;
-    outlets.showRemark(path + " held no settings. It is kept as " + path + ".old.");
+    loss = path + " held no settings. It is kept as " + path + ".old.";
     return true;
 }
 
@@ -196,13 +197,14 @@ void LoadIni(const std::string &path)
     const bool understood = ReadText(bytes.value_or(""));
     folderIsHeld = folderHold.TakeFolderOf(path);
     obstacle.clear();
+    loss.clear();
     if (!bytes && StateOfFile(path) != FileState::Missing)
         obstacle = path + " can't be read.";
     else if (!folderIsHeld)
         obstacle = path + " is in use by another station" + InBrackets(folderHold.Holder()) + ".";
     else if (!understood && !KeptBeside(path, *bytes))
         obstacle = path + " holds no settings, and " + path + ".old can't be written.";
-    KeepRemarkOn(Subject::Settings, obstacle.empty() ? "" : obstacle + kNothingKept);
+    KeepRemarkOn(Subject::Settings, obstacle.empty() ? loss : obstacle + kNothingKept);
     IniDirty = false;
 }
 
@@ -213,7 +215,7 @@ void SaveIni()
     const std::string error = WriteFile(iniPath, FileText());
     IniDirty = !error.empty();
     KeepRemarkOn(Subject::Settings,
-                 IniDirty ? iniPath + " can't be written: " + error + ". The settings aren't saved." : "");
+                 IniDirty ? iniPath + " can't be written: " + error + ". The settings aren't saved." : loss);
 }
 
 void ReleaseIni()

@@ -15,7 +15,7 @@ extern bool IniReady;  ///< saves go to the file
 /// Forgets all and reads `path`. A missing file leaves the table empty; one that is there and can't be read also makes
 /// the store unusable, so that it is never overwritten. So does another station in the same folder: each would write
 /// the whole file over what the other has learned. A file with text but no section reads as empty and is copied to
-/// `path`.old before anything takes its place.
+/// `path`.old before anything takes its place; that is said until the next LoadIni.
 void LoadIni(const std::string &path = "Ombrix.ini");
 /// Writes only when something changed and the store is usable. On a write error it stays dirty and says so.
 void SaveIni();

@@ -6,7 +6,8 @@
 
 namespace ombrix {
 
-enum class Subject { Settings, Board, Journal, Trace, TraceText, Guard, Attempts };
+/// In this order: where there is no room for all, the first ones are seen.
+enum class Subject { Guard, Settings, Board, Journal, Trace, TraceText, Attempts, Theme };
 
 /// Nothing is kept.
 void InitKeptRemarks();

@@ -1,6 +1,6 @@
 #include "shell/theme.h"
 
-#include "session/outlets.h"
+#include "session/kept_remarks.h"
 #include "widgets/widgets.h"
 
 #include <QApplication>
@@ -51,9 +51,11 @@ void ApplyTheme(const std::string &name)
         QApplication::setPalette(PaletteOf(kDark));
     else
         QApplication::setPalette(QPalette());  // none of its own: the desktop's shows through
-    if (!name.empty() && name != "light" && name != "dark")
-        outlets.showRemark("Ombrix.ini: the Theme \"" + name +
-                           "\" is unknown. There are light and dark, and without a Theme the desktop's colours.");
+    const bool unknown = !name.empty() && name != "light" && name != "dark";
+    KeepRemarkOn(Subject::Theme,
+                 unknown ? "Ombrix.ini: the Theme \"" + name +
+                               "\" is unknown. There are light and dark, and without a Theme the desktop's colours."
+                         : "");
     QCoreApplication::sendPostedEvents();  // what stands already takes it over now, not at the next pump
 }
 

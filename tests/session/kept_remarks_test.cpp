@@ -20,6 +20,9 @@ TEST(KeptRemarks, OfSeveralSubjectsStandBesideEachOtherUntilTheyAreTakenAway)
     EXPECT_EQ(shown, "not saved   working as RTD");
     KeepRemarkOn(Subject::Settings, "");
     EXPECT_EQ(shown, "working as RTD");
+    KeepRemarkOn(Subject::Guard, "no guard");
+    EXPECT_EQ(shown, "no guard   working as RTD") << "what an output hangs on is never clipped";
+    KeepRemarkOn(Subject::Guard, "");
     KeepRemarkOn(Subject::Board, "");
     EXPECT_EQ(shown, "");
     outlets = Outlets();

@@ -2,11 +2,18 @@
 
 #include "links/calibrator.h"
 #include "model/ini_store.h"
+#include "platform/file_faults.h"
+#include "platform/folder_hold.h"
+#include "platform/safe_file.h"
+#include "session/journal_reader.h"
 #include "shell/main_window.h"
 #include "shell/shell_fixture.h"
+#include "shell/trace_start.h"
 
 #include <QFile>
 #include <QMainWindow>
+
+#include <cerrno>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -15,6 +22,16 @@ namespace {
 
 class StartUp : public ShellTest
 {
+protected:
+    // As on a full disk: the journal's last line is none of an end.
+    static void EndsUnrecorded()
+    {
+        UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Write ? ENOSPC : 0, 0}; });
+        testing::internal::CaptureStderr();
+        CloseStation();
+        UseFileFaults(nullptr);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "ombrix: 1 events of the journal could not be recorded\n");
+    }
 };
 
 std::string GroupTitle(int index)
@@ -158,6 +175,40 @@ TEST(Theme, ComesFromTheSettings)
     OpenWholeStation(Painted::No);
     EXPECT_GT(frmOmbrix->palette().color(QPalette::Window).lightness(), 150);
     CloseStation();
+}
+
+TEST_F(StartUp, TellsOfLostSettingsAndOfTheMissingGoodbyeBesideEachOther)
+{
+    EndsUnrecorded();
+    ASSERT_EQ(WriteFile("Ombrix.ini", std::string(200, '\0') + "garbage"), "");
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(Text("lblRemark"), "The last run ended without goodbye");
+    EXPECT_EQ(Text("lblKeptRemark"), "Ombrix.ini held no settings. It is kept as Ombrix.ini.old.");
+}
+
+TEST_F(StartUp, InAFolderThatAnotherStationHoldsSaysNothingOfAMissingGoodbye)
+{
+    EndsUnrecorded();
+    ReleaseIni();
+    FolderHold other;
+    ASSERT_TRUE(other.TakeFolderOf("Ombrix.ini"));
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(Text("lblRemark"), "");
+    const auto events = ReadJournal(".");
+    ASSERT_EQ(events.size(), 2u);
+    EXPECT_EQ(events.back().kind, "start");
+}
+
+TEST_F(StartUp, BehindACleanEndThatTheJournalCouldNotTakeSaysNothingOfAMissingGoodbye)
+{
+    BeginTrace(".");
+    EndsUnrecorded();
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(Text("lblRemark"), "");
+    EXPECT_EQ(ReadJournal(".").back().kind, "start");
+    EndsUnrecorded();
+    OpenWholeStation(Painted::No);
+    EXPECT_EQ(Text("lblRemark"), "The last run ended without goodbye") << "that goodbye was of the run before";
 }
 
 TEST_F(StartUp, WithoutAGuardTheStatusLineAndStandardErrorSayItAndTheStationWorks)

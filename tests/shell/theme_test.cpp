@@ -28,7 +28,7 @@ protected:
 TEST_F(ThemeOfTheSettings, ThatIsUnknownIsToldWithThoseThatThereAre)
 {
     OpenWith("[Look]\nTheme=drak\n");
-    EXPECT_EQ(Text("lblRemark"),
+    EXPECT_EQ(Text("lblKeptRemark"),
               "Ombrix.ini: the Theme \"drak\" is unknown. There are light and dark, and without a Theme "
               "the desktop's colours.");
 }
@@ -37,6 +37,6 @@ TEST_F(ThemeOfTheSettings, ThatIsKnownOrNotSetNeedsNoRemark)
 {
     for (const char *ini : {"[Look]\nTheme=light\n", "[Look]\nTheme=dark\n", ""}) {
         OpenWith(ini);
-        EXPECT_EQ(Text("lblRemark"), "") << ini;
+        EXPECT_EQ(Text("lblKeptRemark"), "") << ini;
     }
 }
