@@ -63,6 +63,8 @@ namespace ombrix {
 
 namespace {
 
+constexpr const char *kNoGuard = "No output guard: a kill leaves the output as it stands";
+
 std::unique_ptr<QSocketNotifier> guardWatch;
 
 void BeginJournal()
@@ -93,6 +95,14 @@ void WatchGuard()
         return;
     guardWatch = std::make_unique<QSocketNotifier>(GuardSocket(), QSocketNotifier::Read);
     QObject::connect(guardWatch.get(), &QSocketNotifier::activated, guardWatch.get(), RenewGuard);
+}
+
+void TellOfGuard(bool stands)
+{
+    if (!stands && KeptRemarkOn(Subject::Guard).empty())
+        Record("warned", {{"of", kNoGuard}});
+    KeepRemarkOn(Subject::Guard, stands ? "" : kNoGuard);
+    WatchGuard();
 }
 
 }  // namespace
@@ -181,18 +191,11 @@ void OpenStation()
 
 void OpenGuard(const std::string &program)
 {
-    static const std::string words = "No output guard: a kill leaves the output as it stands";
-    UseGuardNews([](bool stands) {
-        KeepRemarkOn(Subject::Guard, stands ? "" : words);
-        WatchGuard();
-    });
+    UseGuardNews(TellOfGuard);
     const bool started = StartGuard(program);
-    WatchGuard();
-    if (started)
-        return;
-    KeepRemarkOn(Subject::Guard, words);
-    std::fprintf(stderr, "ombrix: %s (%s can't be started)\n", words.c_str(), program.c_str());
-    Record("warned", {{"of", words}});
+    TellOfGuard(started);
+    if (!started)
+        std::fprintf(stderr, "ombrix: %s (%s can't be started)\n", kNoGuard, program.c_str());
 }
 
 void CloseStation()

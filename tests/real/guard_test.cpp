@@ -2,6 +2,10 @@
 
 #include "platform/clock.h"
 #include "platform/line_guard.h"
+#include "session/journal_reader.h"
+#include "session/kept_remarks.h"
+#include "shell/station.h"
+#include "support/station.h"
 #include "testbench/bench.h"
 
 #include <gmock/gmock.h>
@@ -413,4 +417,27 @@ TEST(Guard, WhereverTheStationDiesInACommandTheCalibratorEndsInStandby)
             const bench::CalibratorState end = After(heard + lastWords);
             EXPECT_FALSE(end.operating) << command.substr(0, cut);
         }
+}
+
+TEST(Guard, ThatIsLostForGoodIsToldInFrontOfAllElseAndOnceInTheJournal)
+{
+    constexpr char kTold[] = "No output guard: a kill leaves the output as it stands";
+    test::Station station;
+    std::filesystem::copy_file(OMBRIX_GUARD, "guard");
+    OpenGuard(std::filesystem::absolute("guard"));
+    ASSERT_TRUE(GuardStands());
+    KeepRemarkOn(Subject::Settings, "something else");
+    EXPECT_EQ(test::ScriptedOperator::Text("lblKeptRemark"), "something else");
+    std::filesystem::remove("guard");
+    kill(GuardOfThisProcess(), SIGKILL);
+    pollfd end = {GuardSocket(), POLLIN, 0};
+    ASSERT_EQ(poll(&end, 1, kHangUpMs), 1);
+    RenewGuard();
+    GuardLine(-1);  // finds none either
+    EXPECT_EQ(test::ScriptedOperator::Text("lblKeptRemark"), std::string(kTold) + "   something else");
+    std::vector<std::string> warned;
+    for (const JournalEvent &event : ReadJournal("."))
+        if (event.kind == "warned")
+            warned.push_back(TextOf(event, "of"));
+    EXPECT_EQ(warned, std::vector<std::string>{kTold});
 }
