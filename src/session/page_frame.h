@@ -110,6 +110,8 @@ struct FrameHooks {
     std::function<void(const RawWordsFrom &)> enterRawWords = [](const RawWordsFrom &) {};
     /// Step buttons, tabs and Setup on or off; session/procedure.h works out which.
     std::function<void(bool on)> enableSteps = [](bool) {};
+    /// A procedure has begun, or has ended.
+    std::function<void(bool stands)> procedureStands = [](bool) {};
     std::function<void(int)> showConnectionDiagram = [](int) {};
     std::function<void(int, bool)> showAnalogDiagram = [](int, bool) {};
     std::function<void()> hideConnectionDiagram = [] {};

@@ -57,16 +57,23 @@ public:
     OnTheStack()
     {
         running = true;
-        UpdateNavigation();
+        Show();
     }
     ~OnTheStack()
     {
         running = false;
         if (!ShutdownRequested())
-            UpdateNavigation();
+            Show();
     }
     OnTheStack(const OnTheStack &) = delete;
     OnTheStack &operator=(const OnTheStack &) = delete;
+
+private:
+    static void Show()
+    {
+        UpdateNavigation();
+        frameHooks.procedureStands(running);
+    }
 };
 
 // At the end of a procedure, however it ends: no stop outlives it, and what it left on the terminals is told.

@@ -6,6 +6,7 @@
 #include "shell/port_notes.h"
 #include "shell/setup_page.h"
 #include "shell/step_buttons.h"
+#include "shell/trace_window.h"
 
 #include <QFrame>
 #include <QStackedWidget>
@@ -36,6 +37,7 @@ void FillFrameHooks()
     frameHooks.highlightStep = MarkStep;
     frameHooks.showCalPanel = ShowPanel;
     frameHooks.enableSteps = EnableSteps;
+    frameHooks.procedureStands = BarSave;
 }
 
 }  // namespace ombrix

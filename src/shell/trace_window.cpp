@@ -5,6 +5,7 @@
 #include "platform/fault.h"
 #include "platform/safe_file.h"
 #include "session/outlets.h"
+#include "session/procedure.h"
 #include "session/state.h"
 #include "shell/input_gate.h"
 #include "shell/main_window.h"
@@ -142,6 +143,7 @@ QLineEdit *txtTraceFind = nullptr;
 QLabel *lblTraceFound = nullptr;
 QLabel *lblTraceFailure = nullptr;
 QPushButton *cmdTraceFailure = nullptr;
+QPushButton *cmdTraceSave = nullptr;
 
 bool IsChosen(const WireRow &row)
 {
@@ -411,7 +413,8 @@ QHBoxLayout *BuildCommands(QWidget *parent)
     auto *row = new QHBoxLayout;
     row->addWidget(cmdTraceFailure);
     row->addWidget(lblTraceFailure, 1);
-    row->addWidget(Button(parent, "cmdTraceSave", "Save...", cmdTraceSave_Click, "Alt+S"));
+    cmdTraceSave = Button(parent, "cmdTraceSave", "Save...", cmdTraceSave_Click, "Alt+S");
+    row->addWidget(cmdTraceSave);
     row->addWidget(Button(parent, "cmdTraceClose", "Close", [] { dlgTrace->hide(); }));
     return row;
 }
@@ -429,6 +432,7 @@ void BuildWindow()
     column->addWidget(tblTrace, 1);
     column->addLayout(BuildCommands(dlgTrace));
     QObject::connect(new QShortcut(Qt::Key_Escape, dlgTrace), &QShortcut::activated, dlgTrace, &QWidget::hide);
+    BarSave(ProcedureRunning());
     dlgTrace->resize(980, 560);
 }
 
@@ -454,6 +458,14 @@ void ShowTraceWindow()
     }
     dlgTrace->raise();
     dlgTrace->activateWindow();
+}
+
+void BarSave(bool procedureStands)
+{
+    if (!dlgTrace)
+        return;
+    cmdTraceSave->setEnabled(!procedureStands);
+    cmdTraceSave->setToolTip(procedureStands ? "Save when the procedure has ended" : "Alt+S");
 }
 
 }  // namespace ombrix

@@ -11,5 +11,7 @@ constexpr int kTraceRows = 10'000;
 /// F12: opens the window, or brings it to the front. It opens on the run before when that ended without goodbye and
 /// nothing has been said yet.
 void ShowTraceWindow();
+/// While a procedure stands nothing is saved: the box for the name would keep the operator from its Stop.
+void BarSave(bool procedureStands);
 
 }  // namespace ombrix

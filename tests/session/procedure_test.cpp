@@ -484,6 +484,16 @@ TEST_F(Procedures, NavigationIsWhatThePageInFrontSaysAndFreeOnTheNextPage)
     EXPECT_TRUE(on);
 }
 
+TEST_F(Procedures, TheWindowHearsWhetherOneStands)
+{
+    std::string heard;
+    frameHooks.procedureStands = [&heard](bool stands) { heard += stands ? "stands " : "ended "; };
+    RunPageProcedure([&heard] { EXPECT_EQ(heard, "stands "); }, [&heard](Ended) { EXPECT_EQ(heard, "stands "); });
+    EXPECT_EQ(heard, "stands ended ");
+    EXPECT_THROW(RunProcedure([] { throw RuntimeFault(5, "broken"); }), RuntimeFault);
+    EXPECT_EQ(heard, "stands ended stands ended ");
+}
+
 TEST_F(Procedures, NavigationIsOffWithoutASession)
 {
     bool on = true;

@@ -263,6 +263,38 @@ TEST_F(TraceWindow, SavesAllOfTheRunAsATextThatReadsBack)
     EXPECT_EQ(ParseWireTexts(ReadFile("saved.txt").value_or("")).size(), 3u);
 }
 
+TEST_F(TraceWindow, NothingIsSavedWhileAProcedureStandsSoThatNothingBarsItsStop)
+{
+    const auto isReady = [] { return IsEnabled("cmdTraceSave"); };
+    EstablishOnLines();
+    PressF12();
+    EXPECT_TRUE(isReady());
+    frmOmbrix->activateWindow();
+    person.Clicks(StepButton(6)).WaitsFor("cmdReady").Clicks("cmdReady").WaitsFor("cmdRepeat");
+    person.Does([&isReady] {
+        EXPECT_FALSE(isReady()) << "the reading is followed, with the output on";
+        EXPECT_EQ(ScriptedOperator::Find("cmdTraceSave")->toolTip(), "Save when the procedure has ended");
+    });
+    person.Clicks("cmdStopReset").WaitsUntil("the page is left", [] { return !ProcedureRunning(); });
+    ASSERT_TRUE(person.Runs()) << person.Trouble();
+    EXPECT_TRUE(isReady());
+    EXPECT_EQ(ScriptedOperator::Find("cmdTraceSave")->toolTip(), "Alt+S");
+}
+
+TEST_F(TraceWindow, OpenedWhileAProcedureStandsItSavesNothingUntilThatHasEnded)
+{
+    person
+        .Does([this] {
+            RunProcedure([this] {
+                ShowTraceWindow();
+                EXPECT_FALSE(IsEnabled("cmdTraceSave"));
+            });
+        })
+        .Waits(1);
+    ASSERT_TRUE(person.Runs());
+    EXPECT_TRUE(IsEnabled("cmdTraceSave"));
+}
+
 TEST_F(TraceWindow, WhatCannotBeSavedIsToldInABox)
 {
     PressF12();
