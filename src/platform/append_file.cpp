@@ -91,7 +91,7 @@ bool AppendFile::Append(std::string_view bytes) const
 bool AppendFile::Lock() const
 {
     constexpr int kTries = 100;
-    constexpr int kPauseMicros = 100;  // an append takes less
+    constexpr int kPauseMicros = 100;  // an append takes less; no event comes when the other's is done
     for (int left = kTries; left > 0; --left) {
         if (flock(m_handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
             return m_handle >= 0;
