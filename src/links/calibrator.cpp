@@ -259,6 +259,11 @@ bool ApplyInputValue(const std::string &value)
     return true;
 }
 
+bool InputStands()
+{
+    return !HardwareMode || CalPort == 0 || AskedOutputStands();
+}
+
 bool RemoveInput()
 {
     const bool lastWord = Quitting && CalPort != 0;

@@ -34,10 +34,13 @@ bool SetCalibratorOutput(const std::string &value, std::string_view mode);
 
 /// Applies a value, or asks the operator to. While an alert stands standby is reached first. False when nothing was
 /// applied, when it was stopped or when the line has gone under it; Abort is then set. An output that the calibrator
-/// took and did not confirm counts as applied: OutputConfirmed tells.
+/// took and did not confirm counts as applied: InputStands tells.
 bool ApplyInput(const std::string &value);
 /// ApplyInput, then four-wire sensing for a resistance.
 bool ApplyInputValue(const std::string &value);
+/// What was applied last stands on the terminals, as far as anybody can know: without a calibrator the operator's word
+/// counts.
+bool InputStands();
 /// Standby at zero (an AC output at 1 mV), or asks the operator to remove the input. Nothing when already in standby;
 /// while Quitting a calibrator always gets its standby. True when it is known that nothing is applied any more.
 bool RemoveInput();

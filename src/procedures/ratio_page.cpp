@@ -61,6 +61,7 @@ struct RatioPage {
     std::array<float, 2> readings{};  // at +11 V and at +5.5 V
     float gainReading = 0;
     bool limited = false;
+    std::string refused;  // what the calibrator has not confirmed, "" when it has
     Trimmed ground{RatioSide::Offset, "CALBGND", kGroundWord};
     Trimmed divider{RatioSide::Gain, "CALBRDN", kDividerWord};
     Trimmed *select = nullptr;  // whose word Select would store
@@ -138,6 +139,11 @@ bool Excite(const std::string &value)
         return false;
     page.asked.push_back(value);
     page.reported.push_back(OutputConfirmed() ? GetLiveOutput().Value : "");
+    if (!InputStands()) {  // two readings at one excitation would look like a perfect offset
+        page.refused = value;
+        StopWork();
+        return false;
+    }
     MeterCommandCZ();
     return !Abort;
 }
@@ -216,6 +222,7 @@ bool TakeOffsetReadings()
 void BeginTrial(const Trimmed &trimmed, std::int32_t target)
 {
     page.limited = false;
+    page.refused.clear();
     page.select = nullptr;
     page.wordBefore = trimmed.stored;
     page.asked.clear();
@@ -312,6 +319,8 @@ Prompt PromptOfEnd(Ended ended)
 {
     if (ended == Ended::Fault)
         return PromptOfFault(FaultWords());
+    if (ended == Ended::Stopped && !page.refused.empty())
+        return {"The calibrator has not confirmed " + page.refused + ":\r\nlook at it, then try again", true};
     if (ended == Ended::Stopped)
         return kPromptStopped;
     return page.limited ? kPromptLimited : Prompt();

@@ -215,7 +215,7 @@ bool ZeroAdjStep(State state, int polarity)
     if (state != kAdjust) {
         if (!Apply(polarity == 0 ? "+10 mV" : "-10 mV"))
             return false;
-        page.stood[place] = Simulated() || CalPort == 0 || AskedOutputStands();
+        page.stood[place] = InputStands();
     }
     const std::int32_t recommended = RecommendedReading(page.readings[0], page.readings[1]);
     const std::string told = IsRead() ? std::to_string(recommended) : "none";

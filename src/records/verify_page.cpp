@@ -336,7 +336,7 @@ bool ApplyPolarity()
 
 Prompt PromptOfInput()
 {
-    if (AskedOutputStands())
+    if (InputStands())
         return kPromptOk;
     return {"The calibrator has not confirmed " + page.value + ": look at it first.\r\n" + kPromptOk.text, true};
 }

@@ -129,10 +129,30 @@ bool IsOfTheDisplay(const std::string &fault)
     return fault == "never-settling" || fault == "over-range" || fault == "drifting";
 }
 
+namespace {
+
+// The reply that was spoilt last was one of the display.
+bool ADisplayWasSpoilt(const bench::Bench &bench)
+{
+    bool spoilt = false;
+    for (auto entry = bench.Transcript().rbegin(); entry != bench.Transcript().rend(); ++entry) {
+        if (entry->line != bench::Line::Meter)
+            continue;
+        if (entry->fromStation && spoilt)
+            return entry->text == "*1B1\\r";
+        spoilt = spoilt || entry->note == "spoilt";
+    }
+    return false;
+}
+
+}  // namespace
+
 bool DisplayLies(const BenchStation &station, const std::string &fault)
 {
+    if (fault == "wrong-length")
+        return station.bench.FaultIsOn(fault) || ADisplayWasSpoilt(station.bench);
     const bool moves = fault == "never-settling" || fault == "drifting";
-    return moves || ((fault == "over-range" || fault == "wrong-length") && station.bench.FaultIsOn(fault));
+    return moves || (fault == "over-range" && station.bench.FaultIsOn(fault));
 }
 
 bool InputIsUnknown()

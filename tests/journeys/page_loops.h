@@ -71,8 +71,7 @@ std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scrip
 bool IsOfTheCalibrator(const std::string &fault);
 /// A fault by which the meter itself shows what isn't so.
 bool IsOfTheDisplay(const std::string &fault);
-/// Nobody can read a true value: the one reading that has moved looks like any other, and as long as replies lose their last
-/// digit, again and again one settles.
+/// Nobody can read a true value: the one reading that has moved, or that has lost its last digit, looks like any other.
 bool DisplayLies(const BenchStation &station, const std::string &fault);
 /// The window says that nobody knows what stands on the terminals: an operator keeps his hands off. By hand it is always
 /// assumed.

@@ -85,7 +85,9 @@ double ToldError(bool offset)
 // that trips tells nobody, and its meter then reads no input.
 void ExpectTheTrialToBeTrue(const BenchStation &station, const std::string &button, const std::string &fault)
 {
-    const bool stopped = ScriptedOperator::Text("lblInst(6)").starts_with("The trial was stopped");
+    const std::string says = ScriptedOperator::Text("lblInst(6)");
+    const bool stopped =
+        says.starts_with("The trial was stopped") || says.starts_with("The calibrator has not confirmed");
     const bool blind = InputIsUnknown() || DisplayLies(station, fault) || fault == "trips";
     if (!ScriptedOperator::IsEnabled(button) || stopped || blind)
         return;
@@ -155,6 +157,23 @@ TEST_P(RatioJourney, EndsWithinTwoCountsAndRemovesTheExcitation)
     CalibratesRatio(station);
     EXPECT_FALSE(station.bench.OutputHistory().back().operate);
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
+}
+
+TEST(RatioTrial, IsStoppedWhereTheCalibratorRefusesItsSecondExcitation)
+{
+    BenchStation station(WiringOf(kDc, Route::Direct, 1));
+    ASSERT_TRUE(station.Establishes());
+    station.person.Clicks(ButtonOf(Step::Ratio)).WaitsUntil("the page stands", IsAtRest);
+    const std::string word = WordsOf(station, 50, 1);
+    station.person.Clicks("cmdOffset").WaitsUntil("the first one stands", [&station] {
+        return station.bench.Terminals().value == 11;
+    });
+    station.person.Does([&station] { station.bench.SwitchFault("refuses-output", true); });
+    station.person.WaitsUntil("the trial has ended", IsAtRest);
+    ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
+    EXPECT_THAT(ScriptedOperator::Text("lblInst(6)"), testing::StartsWith("The calibrator has not confirmed +5.5 V:"));
+    EXPECT_FALSE(station.bench.CalibratorNow().operating);
+    EXPECT_EQ(WordsOf(station, 50, 1), word) << "nothing is computed from it";
 }
 
 INSTANTIATE_TEST_SUITE_P(Boards, RatioJourney,
