@@ -258,19 +258,20 @@ PageScript Script(int board, Route route)
     return script;
 }
 
-// The words of all points.
-std::string PointWords(const BenchStation &station, bool counter)
+std::vector<int> WordsOfPoints(bool counter)
 {
-    std::string words;
+    std::vector<int> words;
     for (int point = 0; point < kAnalogWords; ++point)
-        words += WordsOf(station, AnalogWordAddress(point, counter), 1);
+        words.push_back(AnalogWordAddress(point, counter));
     return words;
 }
 
-void ForgetsItsPoints(BenchStation &station, bool counter)
+std::string PointWords(const BenchStation &station, bool counter)
 {
-    for (int point = 0; point < kAnalogWords; ++point)
-        station.bench.SetWord(AnalogWordAddress(point, counter), 0x0A0A);
+    std::string held;
+    for (const int word : WordsOfPoints(counter))
+        held += WordsOf(station, word, 1);
+    return held;
 }
 
 // The rest of the tab's steps that are no points, as far as they are on, and Done. What is told inside Does comes behind
@@ -305,7 +306,7 @@ PageScript TabScript(int board, Route route)
     script.works = [=](BenchStation &station, const std::string &fault) {
         if (found->empty())
             *found = OwnWords(station, kind);
-        ForgetsItsPoints(station, counter);
+        Disturbs(station, WordsOfPoints(counter));
         station.person.onBox = [](const std::string &, const std::string &) {};
         station.person.ClicksTab(kTabAnaCal).WaitsUntil("the tab is open", NavigationIsFree);
         TakesTheSteps(station, {kZeroInitFile, kInitNvmem, kReCalibrate}, [=, &station](int position) {
@@ -321,7 +322,7 @@ PageScript TabScript(int board, Route route)
     };
     script.proves = [=](BenchStation &station) {
         station.person.onBox = nullptr;
-        ForgetsItsPoints(station, counter);
+        Disturbs(station, WordsOfPoints(counter));
         station.person.ClicksTab(kTabAnaCal).WaitsFor("cmdUp").Clicks(StepButton(kInitNvmem));
         station.person.WaitsFor("cmdAnaCal(1)").Clicks("cmdAnaCal(1)").WaitsFor("cmdSetup");
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();

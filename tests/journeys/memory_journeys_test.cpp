@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <vector>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -89,12 +90,8 @@ INSTANTIATE_TEST_SUITE_P(Meter, Blank,
 
 namespace {
 
-// What an initialisation or a file puts right, so that each of them has something to do.
-void Disturbs(BenchStation &station)
-{
-    for (const int word : {3, 9, 14, 22})
-        station.bench.SetWord(word, 0x0A0A);
-}
+// What an initialisation or a file puts right.
+const std::vector<int> kOfTheImage = {3, 9, 14, 22};
 
 // What the page says is so; what goes no further is cancelled.
 void EndsTheInitialisation(BenchStation &station, int board)
@@ -115,7 +112,7 @@ PageScript InitScriptOf(int board, Route route)
     PageScript script;
     script.wiring = WiringOf(board, route, 1);
     script.works = [board](BenchStation &station, const std::string &) {
-        Disturbs(station);
+        Disturbs(station, kOfTheImage);
         auto start = std::make_shared<std::int64_t>();
         Leaves(station, StepButton(kInit), kStepEntry);
         station.person.Does([&station, start] { *start = station.clock.Elapsed(); })
@@ -129,7 +126,7 @@ PageScript InitScriptOf(int board, Route route)
         station.person.Clicks(StepButton(kInit)).WaitsFor("cmdInitStartRetry").Clicks("cmdInitStartRetry");
     };
     script.proves = [board](BenchStation &station) {
-        Disturbs(station);
+        Disturbs(station, kOfTheImage);
         ASSERT_NO_FATAL_FAILURE(Initializes(station));
         EXPECT_EQ(ScriptedOperator::Text("lblInitStatus"), "NVM Initialized Successfully");
         EXPECT_EQ(ImageIn(station, board), FactoryImageOf(board));
@@ -220,7 +217,7 @@ PageScript SendFileScript(Route route)
     script.works = [](BenchStation &station, const std::string &fault) {
         if (!std::filesystem::exists("zsc1.dpm"))
             PutSamples();
-        Disturbs(station);
+        Disturbs(station, kOfTheImage);
         auto start = std::make_shared<std::int64_t>();
         Leaves(station, ButtonOf(Step::SendFile), kStepEntry);
         station.person.Does([&station, start] { *start = station.clock.Elapsed(); })
@@ -239,7 +236,7 @@ PageScript SendFileScript(Route route)
         station.person.WaitsFor("cmdSFSkipOK").Clicks("cmdSendFile");
     };
     script.proves = [](BenchStation &station) {
-        Disturbs(station);
+        Disturbs(station, kOfTheImage);
         ASSERT_NO_FATAL_FAILURE(SendsTheFile(station));
         ExpectTheFileIn(station, Sample("zsc1.dpm"));
         station.person.Clicks("cmdSendFile").WaitsUntil("it reads", [] {

@@ -16,6 +16,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 using namespace ombrix;
 using namespace ombrix::test;
@@ -158,11 +159,7 @@ void ConfiguresForACustomer(BenchStation &station)
 }
 
 // What a calibration leaves, in both halves.
-void Disturbs(BenchStation &station)
-{
-    for (const int word : {3, 16, 17, 28, 33, 47})
-        station.bench.SetWord(word, 0x0A0A);
-}
+const std::vector<int> kOfACalibration = {3, 16, 17, 28, 33, 47};
 
 std::string Said()
 {
@@ -175,7 +172,7 @@ void RestoresIfItCan(BenchStation &station, const std::string &customers)
     if (RestConfigImage.empty())
         return;
     EXPECT_EQ(RestConfigImage, customers);
-    Disturbs(station);
+    Disturbs(station, kOfACalibration);
     Leaves(station, StepButton(16), kStepEntry);
     Leaves(station, "cmdNVMsave(1)", kSaving);
     station.person.Waits(kRestart).Does([&station, customers] {
@@ -210,7 +207,9 @@ PageScript ConfigurationScript(Route route)
         ConfiguresForACustomer(station);
         const std::string customers = ConfigurationOf(station);
         station.person.Clicks(ButtonOf(Step::GetConfig)).WaitsFor(StepButton(16)).Clicks(StepButton(16));
-        station.person.WaitsFor("cmdNVMsave(1)").Does([&station] { Disturbs(station); }).Clicks("cmdNVMsave(1)");
+        station.person.WaitsFor("cmdNVMsave(1)")
+            .Does([&station] { Disturbs(station, kOfACalibration); })
+            .Clicks("cmdNVMsave(1)");
         station.person.WaitsForText("lblVFNVM", kRestored).WaitsFor("cmdSetup");
         ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
         EXPECT_EQ(ConfigurationOf(station), customers);
@@ -242,7 +241,7 @@ TEST_P(ConfigurationJourney, IsKeptBeforeACalibrationAndRestoredByAnotherRunOfTh
     station.person.Clicks(StepButton(4)).WaitsFor("cmdSetup");
     ASSERT_TRUE(station.person.Runs()) << station.person.Trouble();
     EXPECT_NE(ConfigurationOf(station), customers);
-    Disturbs(station);
+    Disturbs(station, kOfACalibration);
     CloseStation();
     OpenWholeStation(Painted::No);
     ASSERT_TRUE(station.Establishes());

@@ -116,6 +116,12 @@ std::vector<FaultCase> LastingFaultCases(const PageScript &script, int shortWalk
     return cases;
 }
 
+void Disturbs(BenchStation &station, const std::vector<int> &words)
+{
+    for (const int word : words)
+        station.bench.SetWord(word, 0x0A0A);
+}
+
 bool IsOfTheCalibrator(const std::string &fault)
 {
     for (const char *part : {"calibrator", "operating", "output", "trips"})
@@ -157,7 +163,7 @@ bool DisplayLies(const BenchStation &station, const std::string &fault)
 
 bool InputIsUnknown()
 {
-    return (Automatic && ScriptedOperator::Sees("lblAssumed")) || ScriptedOperator::Sees("lblAlert");
+    return ScriptedOperator::Sees("lblAlert");
 }
 
 std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scriptOn, const ShortWalk &shortWalk)

@@ -66,6 +66,8 @@ struct ShortWalk {
 /// The same script through the calibrator's meter port and by hand. The long walk takes each fault that can reach such a
 /// station, the short one what it is told.
 std::vector<FaultCase> OtherRoutes(const std::function<PageScript(Route)> &scriptOn, const ShortWalk &shortWalk);
+/// Puts what no page means into words of the meter, so that a page has something to put right.
+void Disturbs(BenchStation &station, const std::vector<int> &words);
 /// A fault of the bench's calibrator, of its output or of its line: a page that applies nothing, and a station without a
 /// calibrator, never meet it.
 bool IsOfTheCalibrator(const std::string &fault);
@@ -73,8 +75,7 @@ bool IsOfTheCalibrator(const std::string &fault);
 bool IsOfTheDisplay(const std::string &fault);
 /// Nobody can read a true value: the one reading that has moved, or that has lost its last digit, looks like any other.
 bool DisplayLies(const BenchStation &station, const std::string &fault);
-/// The window says that nobody knows what stands on the terminals: an operator keeps his hands off. By hand it is always
-/// assumed.
+/// The window says that nobody knows what stands on the terminals: an operator keeps his hands off.
 bool InputIsUnknown();
 void PrintTo(const FaultCase &each, std::ostream *out);
 std::string NameOfFaultCase(const testing::TestParamInfo<FaultCase> &info);

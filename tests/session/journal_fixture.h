@@ -56,7 +56,7 @@ protected:
         outlets = Outlets();
     }
 
-    static void Open() { OpenJournal("station", "Bench 7", "1.2.3"); }
+    static void Open(const RunBefore &before = {}) { OpenJournal("station", "Bench 7", "1.2.3", before); }
 
     static std::string Path(const std::string &month) { return "station/Journal/" + month + ".jsonl"; }
     static std::string Bytes(const std::string &month) { return ReadFile(Path(month)).value_or("none"); }
@@ -68,6 +68,15 @@ protected:
         for (const QByteArray &line : QByteArray::fromStdString(Bytes(month)).split('\n'))
             if (QJsonDocument::fromJson(line).isObject())
                 lines.push_back(line);
+        return lines;
+    }
+
+    // Of two months, the one behind the other.
+    static std::vector<QByteArray> Lines(const std::string &month, const std::string &next)
+    {
+        std::vector<QByteArray> lines = Lines(month);
+        for (const QByteArray &line : Lines(next))
+            lines.push_back(line);
         return lines;
     }
 

@@ -244,9 +244,7 @@ TEST_F(Journal, GoesOnBehindAMonthThatHoldsNothingWhole)
     now = Moment("2026-12-01T00:00:00.000Z");
     Put(Path("2026-12"), "{\"seq\":");
     Open();
-    auto lines = Lines(kNovember);
-    for (const QByteArray &line : Lines("2026-12"))
-        lines.push_back(line);
+    const auto lines = Lines(kNovember, "2026-12");
     EXPECT_EQ(Kinds(lines), "start end start ");
     ExpectChain(lines);
 }
@@ -258,7 +256,7 @@ TEST_F(Journal, AGoodbyeThatIsKnownFromElsewhereCountsWhenItCameLast)
     now += 1000;
     Record("round", {});
     const auto opens = [](std::int64_t goodbyeMs) {
-        OpenJournal("station", "Bench 7", "1.2.3", {true, goodbyeMs});
+        Open({true, goodbyeMs});
         return !LastRunEndedWithoutGoodbye();
     };
     EXPECT_FALSE(opens(0));
@@ -278,14 +276,14 @@ TEST_F(Journal, EachOfTwoProgramsGoesOnBehindTheOther)
     Open();
     Record("a", {});
     InAnotherProcess([] {
-        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        Open({false, 0});
         EXPECT_FALSE(LastRunEndedWithoutGoodbye()) << "the run of the other goes on";
         Record("b", {});
     });
     Record("c", {});
     Record("d", {});
     InAnotherProcess([] {
-        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        Open({false, 0});
         CloseJournal();
     });
     Record("e", {});
@@ -302,9 +300,7 @@ TEST_F(Journal, AMonthThatIsNewJoinsWhatTheOtherWroteIntoTheOldOne)
     });
     now = Moment("2026-12-01T00:00:00.000Z");
     Record("new", {});
-    auto lines = Lines(kNovember);
-    for (const QByteArray &line : Lines("2026-12"))
-        lines.push_back(line);
+    const auto lines = Lines(kNovember, "2026-12");
     EXPECT_EQ(Kinds(lines), "start start no goodbye b new ");
     ExpectChain(lines);
 }
@@ -321,7 +317,7 @@ TEST_F(Journal, OfTwoProgramsThatRecordAtOnceNoneTakesTheOthersNumber)
     };
     const pid_t child = fork();
     if (child == 0) {
-        OpenJournal("station", "Bench 7", "1.2.3", {false, 0});
+        Open({false, 0});
         records();
         _exit(0);
     }

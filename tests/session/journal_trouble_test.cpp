@@ -269,9 +269,7 @@ TEST_F(JournalTrouble, AMonthThatIsNewAfterTheFolderCameBackStillJoinsTheOldOne)
     Open();
     ASSERT_TRUE(QDir().rename("away", "station"));
     Record("late", {});
-    auto lines = Lines(kNovember);
-    for (const QByteArray &line : Lines("2026-12"))
-        lines.push_back(line);
+    const auto lines = Lines(kNovember, "2026-12");
     EXPECT_EQ(Kinds(lines), "start end start late ");
     ExpectChain(lines);
 }
