@@ -51,11 +51,13 @@ constexpr int kGuardsEnd = 3;         // its descriptor of the socket
 constexpr int kAnswerMs = 500;        // it does nothing else
 constexpr int kFirstAnswerMs = 3000;  // its program may have to come from a slow disk first
 constexpr int kEndMs = 500;
+constexpr int kReplacements = 10;  // what ends each of them would have them started without end
 
 std::string program;
 int socketToGuard = -1;
 int guardedLine = -1;
 pid_t guard = -1;
+int replacements = 0;
 std::function<void(bool stands)> guardNews;
 
 // One that only was too slow to answer must not take the end of its socket for the station's death.
@@ -151,6 +153,8 @@ bool StartWithLine()
 
 void Replace()
 {
+    if (++replacements > kReplacements)
+        program.clear();
     const bool stands = StartWithLine();
     if (guardNews)
         guardNews(stands);
@@ -162,6 +166,7 @@ bool StartGuard(const std::string &path)
 {
     program = path;
     guardedLine = -1;
+    replacements = 0;
     return StartWithLine();
 }
 

@@ -20,7 +20,7 @@ void EndGuard();
 bool GuardStands();
 /// The station's end of their talk, readable when the guard has died. -1 without a guard.
 int GuardSocket();
-/// Starts a guard that has died anew, with the line that it held. Nothing while it stands.
+/// Starts a guard that has died anew, with the line that it held. Nothing while it stands, and none after the tenth.
 void RenewGuard();
 /// Told when a guard had died: whether another one stands in its place. One at a time; nullptr tells nobody.
 void UseGuardNews(std::function<void(bool stands)> news);

@@ -13,11 +13,6 @@ namespace ombrix {
 namespace {
 
 // The last error in the system's words.
-std::string Words()
-{
-    return std::strerror(errno);
-}
-
 class OpenFile
 {
 public:
@@ -81,7 +76,7 @@ private:
 std::string MakeRecordFile(const std::string &path, std::string_view bytes)
 {
     const OpenFile file(path, O_RDWR | O_CREAT | O_TRUNC);
-    return file.IsOpen() && file.Size() == 0 && file.Write(0, bytes) && file.Sync() ? "" : Words();
+    return file.IsOpen() && file.Size() == 0 && file.Write(0, bytes) && file.Sync() ? "" : std::strerror(errno);
 }
 
 std::string WriteRecord(const std::string &path, std::size_t place, std::string_view bytes)
@@ -89,16 +84,16 @@ std::string WriteRecord(const std::string &path, std::size_t place, std::string_
     const OpenFile file(path, O_RDWR);
     const off_t size = file.IsOpen() ? file.Size() : -1;
     if (size < 0)
-        return Words();
+        return std::strerror(errno);
     const std::size_t end = std::min(place, static_cast<std::size_t>(size));
     const std::string filled = std::string(place - end, ' ') + std::string(bytes);
-    return file.Write(end, filled) && file.Sync() ? "" : Words();
+    return file.Write(end, filled) && file.Sync() ? "" : std::strerror(errno);
 }
 
 std::string TryRecordFile(const std::string &path)
 {
     const OpenFile file(path, O_RDWR);
-    return file.IsOpen() && file.Size() >= 0 ? "" : Words();
+    return file.IsOpen() && file.Size() >= 0 ? "" : std::strerror(errno);
 }
 
 std::optional<std::string> ReadRecordFile(const std::string &path, std::size_t limit)

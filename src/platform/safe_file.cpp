@@ -17,11 +17,6 @@ namespace ombrix {
 namespace {
 
 // The last error in the system's words.
-std::string Words()
-{
-    return std::strerror(errno);
-}
-
 // Where the bytes of a file stand: where a link leads.
 QFileInfo TargetOf(const std::string &path)
 {
@@ -107,11 +102,11 @@ std::string WriteFile(const std::string &path, const std::string &bytes)
     const QByteArray half = NameOfHalf(info);
     mode_t mode = 0;
     if (!MayBeReplaced(target, mode))
-        return Words();
+        return std::strerror(errno);
     if (WriteHalf(half, mode, bytes) && !Fails(FileCall::Rename) &&
         std::rename(half.constData(), target.constData()) == 0)
         return "";
-    std::string words = Words();
+    std::string words = std::strerror(errno);
     unlink(half.constData());
     return words;
 }

@@ -206,11 +206,6 @@ void Append(const Head &head, const char *bytes)
 
 // ---- the file ----
 
-std::string Words()
-{
-    return std::strerror(errno);
-}
-
 // What a trace begins with; false for what is none.
 bool ReadHeader(int file, Header &found)
 {
@@ -240,7 +235,7 @@ bool LeaveOldFile(const std::string &path, const std::string &kept, TraceOpened 
         done = unlink(path.c_str()) == 0;
     }
     if (!done)
-        opened.trouble = errno == EWOULDBLOCK ? "another Ombrix has it" : Words();
+        opened.trouble = errno == EWOULDBLOCK ? "another Ombrix has it" : std::strerror(errno);
     if (file >= 0)
         close(file);
     return done;
@@ -262,7 +257,7 @@ void *MapFile(const std::string &path, std::string &trouble)
     const int file = Fails(FileCall::Open) ? -1 : open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
     errno = file >= 0 ? ENOSPC : errno;  // a part was taken: no room for the rest
     if (file < 0 || !Fill(file) || flock(file, LOCK_EX | LOCK_NB) != 0) {
-        trouble = Words();
+        trouble = std::strerror(errno);
         if (file >= 0) {
             close(file);
             unlink(path.c_str());
@@ -313,7 +308,7 @@ TraceOpened OpenTrace(const std::string &folder)
         memory = MapFile(path, opened.trouble);
     if (memory == MAP_FAILED) {
         if (opened.trouble.empty())
-            opened.trouble = Words();
+            opened.trouble = std::strerror(errno);
         BeginRingInMemory();
     } else {
         BeginRing(memory);

@@ -337,6 +337,27 @@ TEST(Guard, ThatIsLostIsTold)
     UseGuardNews(nullptr);
 }
 
+TEST(Guard, ThatDiesAgainAndAgainIsGivenUpAndTold)
+{
+    std::vector<bool> told;
+    UseGuardNews([&told](bool stands) { told.push_back(stands); });
+    ASSERT_TRUE(StartGuard(OMBRIX_GUARD));
+    for (int death = 0; death < 11; ++death) {
+        ASSERT_TRUE(GuardStands()) << death;
+        kill(GuardOfThisProcess(), SIGKILL);
+        pollfd end = {GuardSocket(), POLLIN, 0};
+        ASSERT_EQ(poll(&end, 1, kHangUpMs), 1) << death;
+        RenewGuard();
+    }
+    std::vector<bool> expected(10, true);
+    expected.push_back(false);
+    EXPECT_EQ(told, expected);
+    EXPECT_EQ(GuardSocket(), -1);
+    EXPECT_TRUE(StartGuard(OMBRIX_GUARD)) << "a station that starts has all its guards again";
+    EndGuard();
+    UseGuardNews(nullptr);
+}
+
 TEST(Guard, OfAStationThatDiedBeforeItHadItsAnswerSpeaks)
 {
     Line line;
