@@ -111,6 +111,13 @@ FirstCycleStatus CollectPoint(std::size_t point, const FirstCycleWatch &watch)
     return FirstCycleStatus::BadData;
 }
 
+FirstCycleStatus CollectAt(const std::string &value, std::size_t point, const FirstCycleWatch &watch)
+{
+    if (Abort || !ApplyInput(value) || Abort)
+        return FirstCycleStatus::Stopped;
+    return InputStands() ? CollectPoint(point, watch) : FirstCycleStatus::NoInput;
+}
+
 }  // namespace
 
 FirstCycleStatus CollectFirstCycle(const std::string &rangeCode, std::span<const FirstCyclePoint> points,
@@ -121,8 +128,7 @@ FirstCycleStatus CollectFirstCycle(const std::string &rangeCode, std::span<const
     const WaitNote note("Meter: gathering first cycle data");
     FirstCycleStatus status = FirstCycleStatus::Good;
     for (std::size_t point = 0; point < points.size() && status == FirstCycleStatus::Good; ++point)
-        status = !Abort && ApplyInput(points[point].value) && !Abort ? CollectPoint(point, watch)
-                                                                     : FirstCycleStatus::Stopped;
+        status = CollectAt(points[point].value, point, watch);
     return status;
 }
 

@@ -19,6 +19,7 @@ enum class FirstCycleStatus {
     NoData = 4,   ///< too few bytes, or none that make a record
     NoStart = 5,  ///< records, but none that starts a frame
     BadData = 6,  ///< counts that no right meter gives
+    NoInput = 7,  ///< the calibrator has not confirmed a point: two at one input would give noise for a word
 };
 
 /// Who watches a collection.

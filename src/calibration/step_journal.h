@@ -40,11 +40,13 @@ void RecordRound(int position, const RoundRecord &round);
 /// How a procedure ended that was not accepted: "fault", "line lost" while the meter's or the calibrator's is gone, else
 /// "stopped".
 std::string HowEnded(Ended ended);
+/// What ended because the calibrator had not confirmed its input.
+constexpr const char *kNoInput = "no input";
 
 /// How a step ended, and the word that stays in the meter. "accepted" comes with the reading and the error as left where
 /// the step has them.
 struct StepEnd {
-    std::string how;  ///< "accepted", "quit" at the end of the program, or as HowEnded says
+    std::string how;  ///< "accepted", "quit" at the end of the program, kNoInput, or as HowEnded says
     std::string word;
     std::vector<std::string> reading;
     std::int32_t error = 0;

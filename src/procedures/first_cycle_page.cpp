@@ -92,9 +92,11 @@ const Prompt kPromptUnproved = {"Cancelled before the meter told M and B back:\r
                                 true};
 
 // Of a collection that wasn't good.
-const Prompt &PromptOf(Status status)
+Prompt PromptOf(Status status)
 {
     switch (status) {
+    case Status::NoInput:
+        return PromptOfRefusal(page.points[page.averages.size()].value);
     case Status::NoData:
         return kPromptNoData;
     case Status::NoStart:
@@ -281,6 +283,8 @@ void RecordEnd()
     end.how = page.how;
     if (page.status == Status::Good)
         end.how = "accepted";
+    else if (page.status == Status::NoInput)
+        end.how = kNoInput;
     else if (page.how == kStopped && page.status != Status::Stopped)  // by itself, on sound lines
         end.how = PromptOf(page.status).text;
     end.word = page.word;

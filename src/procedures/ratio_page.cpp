@@ -124,7 +124,8 @@ void ShowWords()
         ShowStoredWord(trimmed->side, trimmed->stored);
 }
 
-// ---- a trial: what talks to the instruments returns false when the operator has stopped it ----
+// ---- a trial: what talks to the instruments returns false when the operator has stopped it, or the calibrator
+// has refused it ----
 
 void ShowExcitation()
 {
@@ -320,7 +321,7 @@ Prompt PromptOfEnd(Ended ended)
     if (ended == Ended::Fault)
         return PromptOfFault(FaultWords());
     if (ended == Ended::Stopped && !page.refused.empty())
-        return {"The calibrator has not confirmed " + page.refused + ":\r\nlook at it, then try again", true};
+        return PromptOfRefusal(page.refused);
     if (ended == Ended::Stopped)
         return kPromptStopped;
     return page.limited ? kPromptLimited : Prompt();
@@ -333,7 +334,7 @@ void LeaveTrial(Ended ended, Trimmed &trimmed)
     FreezeRatioReading();
     ShowRatioProgress("");
     if (ended != Ended::Done) {
-        RecordTrial(trimmed, HowEnded(ended));
+        RecordTrial(trimmed, page.refused.empty() ? HowEnded(ended) : kNoInput);
         RemoveExcitation();
         trimmed.first = true;
     }

@@ -57,6 +57,7 @@ struct TrimsPage {
     std::array<bool, 2> taken{};  // the last look brought a reading
     bool ok = false;              // this reading is good
     bool complete = false;
+    std::string refused;                       // what the calibrator has not confirmed, "" when it has
     std::vector<std::string> asked, reported;  // values of this run
     std::optional<TrimResistors> found;
     std::string added;  // what the operator was told to add
@@ -183,7 +184,7 @@ void ShowParts(State state)
                         {Jumper, "DC", true}});
 }
 
-// ---- the work: each part returns false when the operator has left the step ----
+// ---- the work: each part returns false when the operator has left the step, or the calibrator has refused it ----
 
 bool TrimStep(State state, std::size_t place, const std::string &value)
 {
@@ -192,6 +193,10 @@ bool TrimStep(State state, std::size_t place, const std::string &value)
         return false;
     page.asked.push_back(value);
     page.reported.push_back(OutputConfirmed() ? GetLiveOutput().Value : "");
+    if (!InputStands()) {  // two readings at one input would match at once
+        page.refused = value;
+        return false;
+    }
     page.ok = false;
     ShowParts(state);
     ShowPageState(view.states, state);
@@ -210,6 +215,7 @@ void RunTrim()
     page.complete = false;
     page.readings = {};
     page.taken = {};
+    page.refused.clear();
     page.asked.clear();
     page.reported.clear();
     page.found.reset();
@@ -254,11 +260,20 @@ void RecordEnd(const std::string &how)
     RecordStepEnded(page.position, end);
 }
 
+Prompt PromptOfEnd(Ended ended, bool complete)
+{
+    if (ended == Ended::Fault)
+        return PromptOfFault(FaultWords());
+    if (!page.refused.empty())
+        return PromptOfRefusal(page.refused);
+    return complete ? kPromptUnread : PromptOfStart();
+}
+
 // The resistors are soldered with the input off; its page stays for another look.
 void LeaveTrim(Ended ended)
 {
     const bool complete = ended == Ended::Done && page.complete;
-    const std::string how = HowEnded(ended);
+    const std::string how = page.refused.empty() ? HowEnded(ended) : kNoInput;
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
     view.lblTarget->setText("");
@@ -279,8 +294,7 @@ void LeaveTrim(Ended ended)
     }
     RecordEnd(complete ? "no reading" : how);
     ClearReadings();
-    const Prompt fault = PromptOfFault(FaultWords());
-    ShowPageState(view.states, kReady, ended == Ended::Fault ? fault : complete ? kPromptUnread : PromptOfStart());
+    ShowPageState(view.states, kReady, PromptOfEnd(ended, complete));
 }
 
 void NoteQuit()

@@ -309,7 +309,7 @@ void LeaveZeroAdjust(Ended ended)
     const bool unread = ended == Ended::Done && page.wish == Wish::Accept && !page.accepted;
     const std::string how = done      ? "accepted"
                             : !unread ? HowEnded(ended)
-                                      : std::string(InputStood() ? "no reading" : "no input");
+                                      : std::string(InputStood() ? "no reading" : kNoInput);
     ShowPageState(view.states, kWorking);
     CalibratorStandby();
     ClearReadings();

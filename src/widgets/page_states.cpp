@@ -52,6 +52,11 @@ Prompt PromptOfFault(const std::string &words)
     return {"A fault ended this: " + words, true};
 }
 
+Prompt PromptOfRefusal(const std::string &value)
+{
+    return {"The calibrator has not confirmed " + value + ":\r\nlook at it, then try again", true};
+}
+
 void ShowPageState(PageStates &states, int state)
 {
     ShowPageState(states, state, RowOf(states, state).prompt);

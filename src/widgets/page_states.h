@@ -24,6 +24,8 @@ struct Prompt {
 
 /// What a page says when a run-time fault has ended its work.
 Prompt PromptOfFault(const std::string &words);
+/// And when the calibrator has refused a value that two readings are compared at, or doesn't operate.
+Prompt PromptOfRefusal(const std::string &value);
 
 struct PageState {
     int state;

@@ -392,6 +392,19 @@ TEST_F(WiredFirstCycle, ALostLineEndsItAtOnce)
     EXPECT_TRUE(IsEnabled("cmdSetup"));
 }
 
+TEST_F(WiredFirstCycle, APointThatTheCalibratorRefusesEndsItInsteadOfBeingTheOneBefore)
+{
+    Opens()
+        .Clicks("cmdFCReady")
+        .WaitsUntil("point 2", [] { return Text("lblFCProgress").starts_with("Point 2"); })
+        .Does([this] { bench->SwitchFault("refuses-output", true); })
+        .WaitsUntil("it has ended", HasEnded);
+    ASSERT_TRUE(person->Runs());
+    ExpectFailed("The calibrator has not confirmed 0 V:\nlook at it, then try again");
+    ASSERT_EQ(EventsOf("step ended").size(), 1u);
+    EXPECT_EQ(TextOf(EventsOf("step ended")[0], "how"), "no input");
+}
+
 TEST_F(WiredFirstCycle, AWordWrittenIntoALostLineIsNotSaidToBeEntered)
 {
     Opens()

@@ -14,6 +14,7 @@ namespace {
 
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 constexpr const char *kRed = "#ff0000";
 
@@ -330,6 +331,25 @@ TEST_F(HandTrims, AnAcceptWithoutAReadingAcceptsNothing)
     EXPECT_EQ(CurrentStepId, Step::MinusGainTrim) << "no next step";
     EXPECT_EQ(HowTheStepEnded(), "no reading");
     EXPECT_EQ(TextOf(EventOf("trim"), "plus"), "");
+}
+
+TEST_F(HandTrims, ATrimWhoseSecondInputTheCalibratorRefusesTellsSoInsteadOfMatchingTheFirst)
+{
+    for (const int board : {kAc3, kAc2}) {
+        SCOPED_TRACE(BoardName(board));
+        Begins(board);
+        const int step = board == kAc2 ? Step::TrimR13R14 : Step::MinusGainTrim;
+        person->Clicks(ButtonOf(step)).WaitsFor("cmdTrimStart").Clicks("cmdTrimStart").WaitsFor("cmdTrimOK");
+        Settles().Does([this] { bench->SwitchFault("refuses-output", true); }).Clicks("cmdTrimOK").WaitsFor("cmdSetup");
+        ASSERT_TRUE(person->Runs());
+        EXPECT_THAT(Text("lblTrimMsg(0)"), StartsWith("The calibrator has not confirmed -200 mV:"));
+        EXPECT_EQ(Fill("shpTrimMsg(0)"), kRed);
+        EXPECT_EQ(Text("cmdTrimStart"), "Start");
+        EXPECT_FALSE(Operates());
+        EXPECT_EQ(CurrentStepId, step) << "no next step";
+        EXPECT_EQ(HowTheStepEnded(), "no input");
+        EXPECT_EQ(TextOf(EventOf("trim"), "told"), "") << "no resistors";
+    }
 }
 
 TEST_F(HandTrims, ABalanceUnderInputsThatTheCalibratorDidNotConfirmAcceptsNothing)
