@@ -71,14 +71,19 @@ bool IsAsBad(const std::string &value, Danger level)
     return asked.unit != standing.unit || asked.size >= standing.size;
 }
 
-// A resistance that is switched on need not be quite the one asked for. Of another kind of value nothing can be said.
+bool IsTemperature(const std::string &unit)
+{
+    return unit.starts_with("°");
+}
+
+// A resistance that is switched on need not be quite the one asked for. Of a temperature in another unit nothing is said.
 bool IsAnother(const std::string &standing, const std::string &asked)
 {
     constexpr double kPart = 0.01;
     const Quantity one = QuantityOf(standing);
     const Quantity other = QuantityOf(asked);
     if (one.unit != other.unit)
-        return false;
+        return !IsTemperature(one.unit) || !IsTemperature(other.unit);
     return Val(standing) * Val(asked) < 0 || std::fabs(one.size - other.size) > kPart * std::max(one.size, other.size);
 }
 

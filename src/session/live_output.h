@@ -42,7 +42,7 @@ void NoteOutputLineBack();
 
 // ---- asked and told ----
 
-/// What was asked of the terminals last is known to be so.
+/// The calibrator has confirmed that it operates, or is in standby, as it was asked last; at what value, it may not have.
 bool OutputConfirmed();
 /// That, and it is no other output than the one asked for last: a calibrator that refuses one keeps the one before it.
 bool AskedOutputStands();

@@ -390,6 +390,38 @@ TEST_F(Calibrator, OnlyAResistanceIsAppliedWithFourWires)
     EXPECT_EQ(Count("ZCOMP WIRE4\n"), 2);
 }
 
+struct ToldInput {
+    const char *asked;
+    const char *told;
+    bool stands;
+};
+
+class ToldByTheCalibrator : public Calibrator, public testing::WithParamInterface<ToldInput>
+{
+};
+
+TEST_P(ToldByTheCalibrator, AnInputStandsWhenItIsTheValueThatWasAsked)
+{
+    CalibratorAnswers("1", GetParam().told);
+    ApplyInput(GetParam().asked);
+    EXPECT_EQ(InputStands(), GetParam().stands) << GetParam().asked << " and " << GetParam().told;
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, ToldByTheCalibrator,
+                         testing::Values(ToldInput{"200 mV", "2.0000E-01,V", true},
+                                         ToldInput{"-200 mV", "2.0000E-01,V", false},
+                                         ToldInput{"2 V, 10 KHz", "2,V,0,10000,0", true}, ToldInput{"5 A", "5,A", true},
+                                         ToldInput{"5 A", "0,V", false}, ToldInput{"100 OHM", "100.2,OHM", true},
+                                         ToldInput{"2 KOHM", "2000,OHM", true}, ToldInput{"2 KOHM", "0,V", false},
+                                         ToldInput{"0 CEL", "32,FAR", true}, ToldInput{"0 CEL", "0,V", false}));
+
+TEST_F(Calibrator, AnInputThatItDoesNotSwitchOnDoesNotStand)
+{
+    CalibratorAnswers("0", "2,V");
+    ApplyInput("2 V");
+    EXPECT_FALSE(InputStands());
+}
+
 // ---- without hardware ----
 
 TEST_F(Calibrator, InSimulationAnInputStandsAtOnce)
