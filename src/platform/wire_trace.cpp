@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <chrono>
 #include <csignal>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 #include <fcntl.h>
@@ -85,7 +86,8 @@ bool GetHead(const Ring &ring, std::uint64_t position, std::uint64_t end, Head &
 
 Header *header = nullptr;
 char *ring = nullptr;
-int handle = -1;
+int handle = -1;                         // of the file, which is locked
+bool inFile = false;                     // the ring is in it
 volatile std::sig_atomic_t refused = 0;  // the system refused a touch of the file: memory stands in its place
 
 struct Follower {
@@ -128,16 +130,22 @@ void BeginRing(void *memory)
     std::memcpy(header->magic.data(), kMagic.data(), kMagic.size());
 }
 
-void Drop()
+void LeaveMemory()
 {
     if (header)
         munmap(header, kTraceFileBytes);
-    if (handle >= 0)
-        close(handle);
     header = nullptr;
     ring = nullptr;
-    handle = -1;
+    inFile = false;
     refused = 0;
+}
+
+void Drop()
+{
+    LeaveMemory();
+    if (handle >= 0)
+        close(handle);
+    handle = -1;
 }
 
 void BeginRingInMemory()
@@ -152,7 +160,7 @@ bool FileIsWhole() noexcept
 {
     struct stat found {
     };
-    return handle < 0 || (fstat(handle, &found) == 0 && found.st_size >= static_cast<off_t>(kTraceFileBytes));
+    return !inFile || (fstat(handle, &found) == 0 && found.st_size >= static_cast<off_t>(kTraceFileBytes));
 }
 
 // Whether there is a ring to be touched. Where its file can't be, a new one begins in memory.
@@ -161,7 +169,7 @@ bool RingStands()
     const bool whole = FileIsWhole();
     if (!header || (whole && refused == 0))
         return header != nullptr;
-    Drop();
+    LeaveMemory();  // the file stays locked for its goodbye: it is the trace of a run that goes on
     BeginRingInMemory();
     if (traceTrouble)
         traceTrouble(whole ? "its disk takes no more of it" : "somebody else has cut it short");
@@ -241,7 +249,7 @@ bool LeaveOldFile(const std::string &path, const std::string &kept, TraceOpened 
     return done;
 }
 
-// Zeros into all of it: later no page is waited for, and no disk can be full.
+// Zeros into all of it, so that a later touch finds its page there and room on the disk: on most file systems.
 bool Fill(int file)
 {
     static constexpr std::size_t kPiece = 1 << 16;
@@ -250,6 +258,14 @@ bool Fill(int file)
         if (Fails(FileCall::Write) || pwrite(file, zeros.data(), kPiece, static_cast<off_t>(place)) != kPiece)
             return false;
     return true;
+}
+
+// Into a file that the ring had to leave. Where that is refused, nothing is left that looks like a broken run.
+void WriteGoodbye(std::uint64_t now)
+{
+    if (Fails(FileCall::Write) || pwrite(handle, &now, sizeof now, offsetof(Header, goodbye)) != sizeof now) {
+        [[maybe_unused]] const int shortened = ftruncate(handle, 0);
+    }
 }
 
 void *MapFile(const std::string &path, std::string &trouble)
@@ -312,14 +328,19 @@ TraceOpened OpenTrace(const std::string &folder)
         BeginRingInMemory();
     } else {
         BeginRing(memory);
+        inFile = true;
     }
     return opened;
 }
 
 void CloseTrace()
 {
-    if (header && FileIsWhole())
-        SetPosition(header->goodbye, static_cast<std::uint64_t>(std::max<std::int64_t>(TraceMicros(), 1)));
+    const auto now = static_cast<std::uint64_t>(std::max<std::int64_t>(TraceMicros(), 1));
+    const bool touched = inFile && FileIsWhole();
+    if (touched)
+        SetPosition(header->goodbye, now);
+    if (handle >= 0 && (!touched || refused != 0))
+        WriteGoodbye(now);
     Drop();
 }
 

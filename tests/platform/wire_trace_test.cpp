@@ -406,6 +406,8 @@ TEST_F(WireTrace, WhoseFileIsCutShortByAnotherGoesOnInMemoryAndSaysSo)
             opens();
             CloseTrace();
         });
+        EXPECT_FALSE(OpenTrace(".").oldKept) << "it said goodbye";
+        CloseTrace();
     }
 }
 
@@ -446,7 +448,23 @@ TEST_F(WireTrace, WhoseDiskTakesNoMoreOfItSaysThat)
     Trace(TraceLine::Meter, ByteWay::Sent, "behind");
     EXPECT_EQ(LastTraceRecords(9), std::vector{Sent(now, "behind")});
     EXPECT_EQ(troubles, std::vector<std::string>{"its disk takes no more of it"});
+    InAnotherProcess([] { EXPECT_EQ(OpenTrace(".").trouble, "another Ombrix has it") << "of a run that goes on"; });
+    CloseTrace();
+    EXPECT_EQ(GoodbyeOfTrace("."), now);
+    EXPECT_FALSE(OpenTrace(".").oldKept);
     UseTraceTrouble(nullptr);
+}
+
+TEST_F(WireTrace, WhoseDiskDoesNotTakeTheGoodbyeEitherIsNoTraceOfABrokenRun)
+{
+    OpenTrace(".");
+    Trace(TraceLine::Meter, ByteWay::Sent, "before");
+    ASSERT_TRUE(TakeRefusedTouch(PlaceOf(kTraceFile)));
+    UseFileFaults([](FileCall call) { return FileFault{call == FileCall::Write ? ENOSPC : 0, 0}; });
+    CloseTrace();
+    UseFileFaults(nullptr);
+    EXPECT_EQ(GoodbyeOfTrace("."), 0);
+    EXPECT_FALSE(OpenTrace(".").oldKept);
 }
 
 TEST_F(WireTrace, ARefusedTouchOfAnythingElseIsACrash)
