@@ -8,6 +8,7 @@
 #include "model/ini_store.h"
 #include "platform/safe_file.h"
 #include "platform/text.h"
+#include "session/kept_remarks.h"
 #include "session/outlets.h"
 
 #include <vector>
@@ -59,7 +60,7 @@ std::string Saved(const std::string &path)
 {
     IniDirty = true;
     SaveIni();
-    Require(!IniDirty, "a save in a folder of one's own succeeds");
+    Require(!IniDirty, "a save in a folder of one's own succeeds: " + KeptRemarkOn(Subject::Settings));
     return ReadFile(path).value_or("");
 }
 

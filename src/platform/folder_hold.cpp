@@ -66,6 +66,24 @@ std::string LockBeside(const QFileInfo &file)
     return file.dir().filePath(kLockFile).toStdString();
 }
 
+// The system's lock of a folder: 0, or why it isn't granted. Who looks at the open files of a program that gives one up
+// keeps it for a moment more: one that nobody has signed is asked for again.
+int AskForLock(int folder, const std::string &lock)
+{
+    constexpr int kTries = 100;
+    constexpr int kPauseMicros = 1000;
+    for (int left = kTries; left > 0; --left) {
+        if (flock(folder, LOCK_EX | LOCK_NB) == 0)
+            return 0;
+        if (errno != EWOULDBLOCK)
+            return errno;
+        if (StateOfFile(lock) != FileState::Missing)
+            break;
+        usleep(kPauseMicros);
+    }
+    return EWOULDBLOCK;
+}
+
 enum class Lock { Left, None, Taken };
 
 // A new lock file. Where another program makes one in the same moment, one of the two finds it taken.
@@ -131,16 +149,17 @@ bool FolderHold::TakeFolderOf(const std::string &path)
     m_handle = open(QFile::encodeName(file.path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     if (m_handle < 0)
         return true;
-    const bool granted = flock(m_handle, LOCK_EX | LOCK_NB) == 0;
-    if (!granted && errno == EWOULDBLOCK)
-        return Refuse(LockBeside(file), true);
-    const std::optional<FolderHolder> left = ReadHolder(ReadFile(LockBeside(file)).value_or(""));
+    const std::string lockFile = LockBeside(file);
+    const int error = AskForLock(m_handle, lockFile);
+    if (error == EWOULDBLOCK)
+        return Refuse(lockFile, true);
+    const std::optional<FolderHolder> left = ReadHolder(ReadFile(lockFile).value_or(""));
     if (left &&
-        MayStillHold({granted, IsShared(m_handle), left->machine == ThisProgram().machine, Lives(left->process)}))
-        return Refuse(LockBeside(file), false);
+        MayStillHold({error == 0, IsShared(m_handle), left->machine == ThisProgram().machine, Lives(left->process)}))
+        return Refuse(lockFile, false);
     const Lock lock = LeaveLock(m_handle);
     m_lockLeft = lock == Lock::Left;
-    return lock != Lock::Taken || Refuse(LockBeside(file), false);
+    return lock != Lock::Taken || Refuse(lockFile, false);
 }
 
 void FolderHold::Release()

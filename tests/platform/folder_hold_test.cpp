@@ -6,11 +6,15 @@
 #include <gtest/gtest.h>
 
 #include <QDir>
+#include <QFile>
 #include <QSysInfo>
 #include <QTemporaryDir>
 
 #include <csignal>
+#include <fcntl.h>
 #include <string>
+#include <sys/file.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -91,6 +95,30 @@ TEST_F(Hold, LeavesNothingBehindAndTakesNobodyElsesLockAway)
         EXPECT_EQ(StateOfFile(Lock()), FileState::Readable);
     }
     EXPECT_TRUE(QDir("held").isEmpty());
+}
+
+// As when somebody looks at the open files of a program that has just let go: its handle is closed when he has looked.
+TEST_F(Hold, IsWaitedForWhileNobodyHasSignedTheLock)
+{
+    static int looked = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(looked, LOCK_EX | LOCK_NB), 0);
+    std::signal(SIGALRM, [](int) { close(looked); });
+    const itimerval soon = {{0, 0}, {0, 5000}};
+    setitimer(ITIMER_REAL, &soon, nullptr);
+    FolderHold hold;
+    EXPECT_TRUE(hold.TakeFolderOf(File()));
+    std::signal(SIGALRM, SIG_DFL);
+    EXPECT_TRUE(QFile::exists(QString::fromStdString(Lock())));
+}
+
+TEST_F(Hold, OfALockThatNobodySignsIsRefusedInTheEnd)
+{
+    const int looked = open(folder.c_str(), O_RDONLY | O_DIRECTORY);
+    ASSERT_EQ(flock(looked, LOCK_EX | LOCK_NB), 0);
+    FolderHold hold;
+    EXPECT_FALSE(hold.TakeFolderOf(File()));
+    EXPECT_EQ(hold.Holder(), "");
+    close(looked);
 }
 
 TEST_F(Hold, KnowsItsFolderWhereverTheProgramGoes)
