@@ -51,7 +51,7 @@ constexpr int kGuardsEnd = 3;         // its descriptor of the socket
 constexpr int kAnswerMs = 500;        // it does nothing else
 constexpr int kFirstAnswerMs = 3000;  // its program may have to come from a slow disk first
 constexpr int kEndMs = 500;
-constexpr int kReplacements = 10;  // what ends each of them would have them started without end
+constexpr int kReplacements = 10;  // one after the other: what ends each of them would have them started without end
 
 std::string program;
 int socketToGuard = -1;
@@ -173,7 +173,11 @@ bool StartGuard(const std::string &path)
 void GuardLine(int handle)
 {
     guardedLine = handle;
-    if (!program.empty() && !Tell(handle, kAnswerMs))
+    if (program.empty())
+        return;
+    if (Tell(handle, kAnswerMs))
+        replacements = 0;
+    else
         Replace();
 }
 
