@@ -1,6 +1,7 @@
 #include "platform/append_file.h"
 
 #include <cerrno>
+#include <chrono>
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
@@ -90,14 +91,16 @@ bool AppendFile::Append(std::string_view bytes) const
 
 bool AppendFile::Lock() const
 {
-    constexpr int kTries = 100;
+    using namespace std::chrono;
+    constexpr milliseconds kPatience{10};
     constexpr int kPauseMicros = 100;  // an append takes less; no event comes when the other's is done
-    for (int left = kTries; left > 0; --left) {
-        if (flock(m_handle, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK)
-            return m_handle >= 0;
+    const auto until = steady_clock::now() + kPatience;
+    while (flock(m_handle, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK) {
+        if (steady_clock::now() >= until)
+            return false;
         usleep(kPauseMicros);
     }
-    return false;
+    return m_handle >= 0;
 }
 
 void AppendFile::Unlock() const

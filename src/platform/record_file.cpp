@@ -12,7 +12,6 @@
 namespace ombrix {
 namespace {
 
-// The last error in the system's words.
 class OpenFile
 {
 public:

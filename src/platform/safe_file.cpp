@@ -16,7 +16,6 @@
 namespace ombrix {
 namespace {
 
-// The last error in the system's words.
 // Where the bytes of a file stand: where a link leads.
 QFileInfo TargetOf(const std::string &path)
 {
