@@ -211,12 +211,11 @@ Spoken Faults::Distort(std::string reply, Line instrument)
     // The block that carries a changed reply on isn't changed too: a loss and a repetition would together be a wrong text
     // of the right length, which nobody could tell.
     const bool carriesOn = m_changed && instrument == Line::Calibrator && reply.starts_with('#');
-    if (!carriesOn && Strikes(Fault::WrongLength)) {
+    const bool changes = !carriesOn && Strikes(Fault::WrongLength);
+    if (changes)
         ChangeLength(reply, m_dice);
-        m_changed = instrument == Line::Meter;
-    } else if (carriesOn) {
-        m_changed = false;
-    }
+    if (instrument == Line::Meter || carriesOn)
+        m_changed = changes;
     if (Strikes(Fault::Garbage))
         AddNoise(reply, m_dice);
     if (Strikes(Fault::Junk))
