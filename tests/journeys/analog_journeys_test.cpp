@@ -349,10 +349,10 @@ std::vector<FaultCase> FaultsOfTheMetersLine(const PageScript &script, int every
 }  // namespace
 
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutput, FaultLoop,
-                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kDc, Route::Direct), Stride(11))),
+                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kDc, Route::Direct), Stride(23))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounter, FaultLoop,
-                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kVf, Route::Direct), Stride(19))),
+                         testing::ValuesIn(FaultsOfTheMetersLine(Script(kVf, Route::Direct), Stride(37))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogOutputElsewhere, FaultLoop,
                          testing::ValuesIn(OtherRoutes([](Route route) { return Script(kDc, route); },
@@ -363,7 +363,7 @@ INSTANTIATE_TEST_SUITE_P(OnAnalogOutputOfACounterElsewhere, FaultLoop,
                                                        {Route::Manual, "garbage", 31})),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogSteps, FaultLoop,
-                         testing::ValuesIn(FaultsOfTheMetersLine(TabScript(kDc, Route::Direct), Stride(37))),
+                         testing::ValuesIn(FaultsOfTheMetersLine(TabScript(kDc, Route::Direct), Stride(73))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnAnalogStepsOfACounter, FaultLoop,
                          testing::ValuesIn(FaultsOfTheMetersLine(TabScript(kVf, Route::Direct), Stride(53))),

@@ -225,7 +225,7 @@ TEST_P(EstablishFaultLoop, EndsWithALinkOrWithWordsAndTheNextOneFindsTheMeter)
     EXPECT_THAT(station.bench.ProtocolErrors(), testing::IsEmpty());
 }
 
-INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(FaultCases(PageScript(), Stride(13))),
+INSTANTIATE_TEST_SUITE_P(WhileEstablishing, EstablishFaultLoop, testing::ValuesIn(FaultCases(PageScript(), Stride(29))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(WhileEstablishingElsewhere, EstablishFaultLoop,
                          testing::ValuesIn(OtherRoutes(

@@ -141,7 +141,7 @@ PageScript InitScript(Route route)
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(Route::Direct), Stride(7))),
+INSTANTIATE_TEST_SUITE_P(OnInit, FaultLoop, testing::ValuesIn(FaultCases(InitScript(Route::Direct), Stride(13))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnInitOfACounter, FaultLoop,
                          testing::ValuesIn(LastingFaultCases(InitScriptOf(kVf, Route::Direct), 13)), NameOfFaultCase);
@@ -279,7 +279,7 @@ TEST(Configuration, OfACustomerGoesIntoACalibratedMeterWhichThenReadsWhatItsTest
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(LastingFaultCases(SendFileScript(Route::Direct), 9)),
+INSTANTIATE_TEST_SUITE_P(OnSendFile, FaultLoop, testing::ValuesIn(LastingFaultCases(SendFileScript(Route::Direct), 19)),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnSendFileElsewhere, FaultLoop,
                          testing::ValuesIn(OtherRoutes(SendFileScript, {Route::Manual, "wrong-length", 9})),

@@ -286,7 +286,7 @@ INSTANTIATE_TEST_SUITE_P(OnTheMeterType, FaultLoop, testing::ValuesIn(LastingFau
 INSTANTIATE_TEST_SUITE_P(OnNominalize, FaultLoop, testing::ValuesIn(LastingFaultCases(GainsScript(Route::Direct), 2)),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheConfiguration, FaultLoop,
-                         testing::ValuesIn(LastingFaultCases(ConfigurationScript(Route::Direct), 3)), NameOfFaultCase);
+                         testing::ValuesIn(LastingFaultCases(ConfigurationScript(Route::Direct), 7)), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheMeterTypeElsewhere, FaultLoop,
                          testing::ValuesIn(OtherRoutes(TypeScript, {Route::Uut, "wrong-length", 4})), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnNominalizeElsewhere, FaultLoop,

@@ -300,12 +300,12 @@ PageScript CurrentScript(Route route)
 
 }  // namespace
 
-INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaultCases(DiodeScript(Route::Direct), 31)),
+INSTANTIATE_TEST_SUITE_P(OnTheDiode, FaultLoop, testing::ValuesIn(LastingFaultCases(DiodeScript(Route::Direct), 61)),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaultCases(VfScript(Route::Direct), 83)),
+INSTANTIATE_TEST_SUITE_P(OnAVfRange, FaultLoop, testing::ValuesIn(LastingFaultCases(VfScript(Route::Direct), 167)),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheRtdCurrent, FaultLoop,
-                         testing::ValuesIn(LastingFaultCases(CurrentScript(Route::Direct), 15)), NameOfFaultCase);
+                         testing::ValuesIn(LastingFaultCases(CurrentScript(Route::Direct), 31)), NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheOffsetAlone, FaultLoop,
                          testing::ValuesIn(LastingFaultCases(OffsetOnlyScript(Route::Direct), 31, {"wrong-length"})),
                          NameOfFaultCase);

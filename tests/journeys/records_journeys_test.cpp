@@ -273,9 +273,9 @@ static std::vector<FaultCase> FaultsOfWords(const EditedWord &edited, int every)
     return cases;
 }
 
-INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(LastingFaultCases(VerifyScript(Route::Direct), 97)),
+INSTANTIATE_TEST_SUITE_P(OnVerify, FaultLoop, testing::ValuesIn(LastingFaultCases(VerifyScript(Route::Direct), 199)),
                          NameOfFaultCase);
-INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultsOfWords(kOfAMeter, Stride(5))),
+INSTANTIATE_TEST_SUITE_P(OnTheEditor, FaultLoop, testing::ValuesIn(FaultsOfWords(kOfAMeter, Stride(11))),
                          NameOfFaultCase);
 INSTANTIATE_TEST_SUITE_P(OnTheEditorOfACounter, FaultLoop, testing::ValuesIn(FaultsOfWords(kOfACounter, Stride(11))),
                          NameOfFaultCase);
