@@ -7,6 +7,7 @@
 #include "platform/text.h"
 #include "session/state.h"
 #include "support/bench_station.h"
+#include "support/journal_events.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -174,6 +175,8 @@ TEST(RatioTrial, IsStoppedWhereTheCalibratorRefusesItsSecondExcitation)
     EXPECT_THAT(ScriptedOperator::Text("lblInst(6)"), testing::StartsWith("The calibrator has not confirmed +5.5 V:"));
     EXPECT_FALSE(station.bench.CalibratorNow().operating);
     EXPECT_EQ(WordsOf(station, 50, 1), word) << "nothing is computed from it";
+    ASSERT_EQ(EventsOf("ratio trial").size(), 1u);
+    EXPECT_EQ(TextOf(EventsOf("ratio trial")[0], "how"), "no input");
 }
 
 INSTANTIATE_TEST_SUITE_P(Boards, RatioJourney,
