@@ -124,8 +124,8 @@ void ShowWords()
         ShowStoredWord(trimmed->side, trimmed->stored);
 }
 
-// ---- a trial: what talks to the instruments returns false when the operator has stopped it, or the calibrator
-// has refused it ----
+// ---- a trial: what talks to the instruments returns false when the operator has stopped it, or its
+// excitation was refused ----
 
 void ShowExcitation()
 {

@@ -184,7 +184,7 @@ void ShowParts(State state)
                         {Jumper, "DC", true}});
 }
 
-// ---- the work: each part returns false when the operator has left the step, or the calibrator has refused it ----
+// ---- the work: each part returns false when the operator has left the step, or its input was refused ----
 
 bool TrimStep(State state, std::size_t place, const std::string &value)
 {
